@@ -1,0 +1,8 @@
+# The library's sources, by folder.
+set(MODELBRIDGE_SOURCES
+  runtime/Any.cpp
+  runtime/Failure.cpp
+  runtime/Pool.cpp
+  Generated/XMLImporter.cpp
+)
+list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

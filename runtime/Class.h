@@ -1,0 +1,38 @@
+// The members that every value class shares, written once: `Self` supplies its type name
+// (`typeName`) and its field comparison (`equalFields`, which first calls its base's).
+#pragma once
+
+#include <type_traits>
+#include <typeinfo>
+
+#include "runtime/TypeInfo.h"
+
+template <class Base>
+inline const _eFullTypeInfo* _aParentRecord() {
+    if constexpr (std::is_same_v<Base, _eAny>)
+        return nullptr;
+    else
+        return Base::_aTypeRecord();
+}
+
+template <class Self, class Base>
+class _eClass : public Base {
+public:
+    using Base::Base;
+
+    _eAnyBase* clone() const override { return new Self(static_cast<const Self&>(*this)); }
+
+    // Identity first, then the dynamic class, then the fields.
+    bool isEqual(const _eAnyBase* other) const override {
+        if (other == this) return true;
+        if (other == nullptr || typeid(*other) != typeid(*this)) return false;
+        return static_cast<const Self*>(this)->equalFields(*static_cast<const Self*>(other));
+    }
+
+    const _eFullTypeInfo* _aGetFullTypeInfo() const override { return _aTypeRecord(); }
+    static const _eFullTypeInfo* _aTypeRecord() {
+        static const _eFullTypeInfo record(Self::typeName, _aParentRecord<Base>());
+        return &record;
+    }
+    static _eHndl<_eInstblTypeInfo> _aMyTypeInfo() { return _aTypeRecord()->info; }
+};

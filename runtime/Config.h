@@ -1,0 +1,34 @@
+// Build switches and the export marker, in one place.
+#pragma once
+
+// Marks what a host may link against. Everything else in the shared library is hidden.
+#define MB_API __attribute__((visibility("default")))
+
+// MODELBRIDGE_SANITIZE: set by the sanitizer build. Pooled blocks are poisoned while they
+// wait in the free lists, so that a use after release is reported. Off by default.
+#ifndef MODELBRIDGE_SANITIZE
+#define MODELBRIDGE_SANITIZE 0
+#endif
+
+// MODELBRIDGE_POOL_BYPASS: every block goes straight to the system allocator, so that the
+// address sanitizer sees each block's own lifetime. Off by default.
+#ifndef MODELBRIDGE_POOL_BYPASS
+#define MODELBRIDGE_POOL_BYPASS 0
+#endif
+
+// MODELBRIDGE_DEEP_CHECK: every change to a tree ends with a walk of the whole tree that
+// checks its invariants. Slow; for tests and fuzzing. Off by default.
+#ifndef MODELBRIDGE_DEEP_CHECK
+#define MODELBRIDGE_DEEP_CHECK 0
+#endif
+
+#if MODELBRIDGE_SANITIZE
+#include <sanitizer/asan_interface.h>
+#define MB_POISON(address, size) ASAN_POISON_MEMORY_REGION((address), (size))
+#define MB_UNPOISON(address, size) ASAN_UNPOISON_MEMORY_REGION((address), (size))
+#else
+#define MB_POISON(address, size) ((void)(address), (void)(size))
+#define MB_UNPOISON(address, size) ((void)(address), (void)(size))
+#endif
+
+#define MB_UNLIKELY(x) __builtin_expect(!!(x), 0)

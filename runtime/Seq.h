@@ -1,0 +1,277 @@
+// `_eSeq<T>`: the persistent sequence, one handle on the root of a tree. Strings are `_eSeq<wchar_t>`.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <cwchar>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "runtime/Btree_2.h"
+
+template <class T>
+class _eSeqReader;
+
+template <class T>
+class _eSeq {
+public:
+    // The empty sequence holds the shared empty leaf.
+    _eSeq() : root(_aEmptyLeaf<T>()) {}
+    explicit _eSeq(const T& x) : root(new _eLeafNode<T>(x)) {}
+    _eSeq(std::initializer_list<T> items) : _eSeq(int(items.size()), items.begin()) {}
+    // Bulk build: up to 32 elements make one leaf; more are packed leaf by leaf, left-full.
+    _eSeq(int length, const T* from) : root(build(length, from)) {}
+    // A zero-terminated wide text.
+    _eSeq(const wchar_t* text)
+        requires std::is_same_v<T, wchar_t>
+        : _eSeq(int(std::wcslen(text)), text) {}
+    _eSeq(std::wstring_view text)
+        requires std::is_same_v<T, wchar_t>
+        : _eSeq(int(text.size()), text.data()) {}
+
+    int size() const { return root->size(); }
+    bool isEmpty() const { return size() == 0; }
+    // Not checked: 0 <= i < size().
+    T at(int i) const { return root->at(i); }
+    T first() const { return at(0); }
+
+    void pushBack(const T& x) {
+        _eNodeHndl<T> overflow;
+        root.uniquePointer()->pushBack(x, overflow);
+        grow(overflow);
+        deepCheck();
+    }
+
+    void insertAt(int i, const T& x) {
+        _eNodeHndl<T> overflow;
+        root.uniquePointer()->insert(i, x, overflow);
+        grow(overflow);
+        deepCheck();
+    }
+
+    _eSeq appended(const T& x) const {
+        _eSeq copy(*this);
+        copy.pushBack(x);
+        return copy;
+    }
+
+    _eSeq prepended(const T& x) const {
+        _eSeq copy(*this);
+        copy.insertAt(0, x);
+        return copy;
+    }
+
+    // The `++` of sequences: both operands keep their values and share their subtrees with the result.
+    _eSeq concat(const _eSeq& other) const {
+        if (other.isEmpty()) return *this;
+        if (isEmpty()) return other;
+        return _eSeq(root->concat(other.root.get()));
+    }
+
+    void appendAll(const _eSeq& other) {
+        if (other.isEmpty()) return;
+        if (isEmpty()) {
+            root = other.root;
+            return;
+        }
+        root = root->concat(other.root.get());
+        deepCheck();
+    }
+
+    _eSeq take(int n) const {
+        if (n == size()) return *this;
+        if (n == 0) return _eSeq();
+        _eNodeHndl<T> copy(root);
+        copy.makeUnique();
+        copy->truncate(n);
+        return _eSeq(copy->normalise());
+    }
+
+    _eSeq drop(int n) const {
+        if (n == 0) return *this;
+        if (n == size()) return _eSeq();
+        _eNodeHndl<T> copy(root);
+        copy.makeUnique();
+        copy->dropFront(n);
+        return _eSeq(copy->normalise());
+    }
+
+    // Removes `count` elements from `start` on, in place.
+    void removeRange(int start, int count) {
+        if (count == 0) return;
+        root.uniquePointer()->removeRange(start, count);
+        normalise();
+    }
+
+    void removeLast() {
+        if (size() == 1) {
+            root = _aEmptyLeaf<T>();
+            return;
+        }
+        root.uniquePointer()->truncate(size() - 1);
+        normalise();
+    }
+
+    void replaceAt(int i, const T& x) { *root.uniquePointer()->elementRef(i) = x; }
+    void swap(int i, int j) { root.uniquePointer()->swap(i, j); }
+
+    // Index of the first element equal to `x` in [start, end), else `end`.
+    int find(const T& x, int start, int end) const { return root->find(start, end, x); }
+    int find(const T& x) const { return find(x, 0, size()); }
+
+    bool startsWith(const _eSeq& other) const;
+    bool operator==(const _eSeq& other) const;
+
+    // The root node, for code that walks the tree itself.
+    const _eBaseNode<T>* rootNode() const { return root.get(); }
+    bool checkTree() const { return root->checkTree(true); }
+
+private:
+    explicit _eSeq(_eNodeHndl<T> node) : root(std::move(node)) {}
+
+    static _eNodeHndl<T> build(int length, const T* from) {
+        if (length < leafCapacity + 1) {
+            if (length == 0) return _aEmptyLeaf<T>();
+            return new _eLeafNode<T>(length, from);
+        }
+        _eHndl<_eBranchNode<T>> top(new _eBranchNode<T>(new _eLeafNode<T>(leafCapacity, from)));
+        _eNodeHndl<T> result(top.get());
+        for (int start = leafCapacity; start < length; start += leafCapacity) {
+            int n = std::min(leafCapacity, length - start);
+            _eHndl<_eLeafNode<T>> leaf(new _eLeafNode<T>(n, from + start));
+            _eNodeHndl<T> overflow;
+            static_cast<_eBranchNode<T>*>(result.uniquePointer())->appendLeaf(leaf.get(), overflow);
+            if (overflow) result = new _eBranchNode<T>(result.get(), overflow.get());
+        }
+        return result;
+    }
+
+    // A non-null overflow after a change at the root makes the tree one level taller.
+    void grow(const _eNodeHndl<T>& overflow) {
+        if (overflow) root = new _eBranchNode<T>(root.get(), overflow.get());
+    }
+
+    void normalise() {
+        _eNodeHndl<T> shrunk = root->normalise();
+        root = std::move(shrunk);
+        deepCheck();
+    }
+
+    void deepCheck() const {
+        if constexpr (MODELBRIDGE_DEEP_CHECK)
+            if (!checkTree()) std::abort();
+    }
+
+    _eNodeHndl<T> root;  // never null
+};
+
+// Reads a sequence front to back, a leaf at a time, without the descent that `at` makes
+// for every element.
+template <class T>
+class _eSeqReader {
+public:
+    explicit _eSeqReader(const _eSeq<T>& seq) : held(seq) { descend(held.rootNode()); }
+
+    // The next element; the caller knows the size and reads no further.
+    const T& next() {
+        if (pos == count) nextLeaf();
+        return chunk[pos++];
+    }
+
+private:
+    static constexpr int maxDepth = 8;  // 32 * 16^7 elements lie beyond any int size
+
+    // Goes down the first children from `node` to a leaf.
+    void descend(const _eBaseNode<T>* node) {
+        while (node->level() > 0) {
+            path[depth] = node->asBranch();
+            index[depth] = 0;
+            ++depth;
+            node = node->asBranch()->child(0);
+        }
+        chunk = node->asLeaf()->data();
+        count = node->size();
+        pos = 0;
+    }
+
+    // Climbs to the nearest branch with a child left and goes down that child.
+    void nextLeaf() {
+        while (depth > 0) {
+            int top = depth - 1;
+            if (++index[top] < path[top]->childCount()) {
+                descend(path[top]->child(index[top]));
+                return;
+            }
+            --depth;
+        }
+    }
+
+    _eSeq<T> held;                          // keeps the tree alive while it is read
+    const _eBranchNode<T>* path[maxDepth];  // branches from the root down to the leaf
+    int index[maxDepth];                    // child taken at each branch
+    int depth = 0;
+    const T* chunk = nullptr;               // the current leaf's elements
+    int count = 0;                          // elements in the current leaf
+    int pos = 0;                            // next element of the current leaf
+};
+
+template <class T>
+bool _eSeq<T>::startsWith(const _eSeq& other) const {
+    int n = other.size();
+    if (n > size()) return false;
+    _eSeqReader<T> mine(*this);
+    _eSeqReader<T> theirs(other);
+    for (int i = 0; i < n; ++i)
+        if (!(mine.next() == theirs.next())) return false;
+    return true;
+}
+
+template <class T>
+bool _eSeq<T>::operator==(const _eSeq& other) const {
+    if (root.get() == other.root.get()) return true;
+    int n = size();
+    if (n != other.size()) return false;
+    if (root->level() == 0 && other.root->level() == 0) {
+        const T* a = root->asLeaf()->data();
+        const T* b = other.root->asLeaf()->data();
+        for (int i = 0; i < n; ++i)
+            if (!(a[i] == b[i])) return false;
+        return true;
+    }
+    _eSeqReader<T> mine(*this);
+    _eSeqReader<T> theirs(other);
+    for (int i = 0; i < n; ++i)
+        if (!(mine.next() == theirs.next())) return false;
+    return true;
+}
+
+using _eString = _eSeq<wchar_t>;
+
+// The order of strings: unit by unit as unsigned numbers; a proper prefix is below.
+inline _eRank rankStrings(const _eString& a, const _eString& b) {
+    int na = a.size();
+    int nb = b.size();
+    int n = std::min(na, nb);
+    _eSeqReader<wchar_t> left(a);
+    _eSeqReader<wchar_t> right(b);
+    for (int i = 0; i < n; ++i) {
+        auto x = std::uint32_t(left.next());
+        auto y = std::uint32_t(right.next());
+        if (x != y) return x < y ? rankBelow : rankAbove;
+    }
+    if (na == nb) return rankSame;
+    return na < nb ? rankBelow : rankAbove;
+}
+
+inline _eString operator+(const _eString& a, const _eString& b) { return a.concat(b); }
+
+// The text of a string as a standard wide string, for hosts and tests.
+inline std::wstring toWString(const _eString& s) {
+    std::wstring out;
+    out.reserve(std::size_t(s.size()));
+    _eSeqReader<wchar_t> reader(s);
+    for (int i = 0, n = s.size(); i < n; ++i) out.push_back(reader.next());
+    return out;
+}

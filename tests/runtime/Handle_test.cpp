@@ -1,0 +1,118 @@
+// Counted handles, copy on change, the freeze bracket and the default order of classes.
+#include <gtest/gtest.h>
+
+#include "support/TestValues.h"
+
+TEST(Handle, SelfAssignmentKeepsCountAndObject) {
+    _eHndl<Probe> p(new Probe(7));
+    _eHndl<Probe>& alias = p;
+    p = alias;
+    EXPECT_EQ(p->countWord(), 1);
+    EXPECT_EQ(p->getValue(), 7);
+    _eHndl<Probe> q(p);
+    EXPECT_EQ(p->countWord(), 2);
+    q = p.get();
+    EXPECT_EQ(p->countWord(), 2);
+    q.reset();
+    EXPECT_EQ(p->countWord(), 1);
+    EXPECT_TRUE(q.isNull());
+}
+
+TEST(Handle, MakeUniqueClonesOnlyWhenShared) {
+    _eHndl<Probe> p(new Probe(1));
+    Probe* first = p.get();
+    p.makeUnique();
+    EXPECT_EQ(p.get(), first);
+    EXPECT_EQ(first->countWord(), 1);
+
+    _eHndl<Probe> q(p);
+    q.makeUnique();
+    EXPECT_NE(q.get(), first);
+    EXPECT_EQ(first->countWord(), 1);
+    EXPECT_EQ(q->countWord(), 1);
+    EXPECT_TRUE(q == p);  // equal by content
+}
+
+TEST(Handle, ChangeAfterCopyNeverShowsThroughAtAnyDepth) {
+    _eHndl<Probe> outer(new Probe(1));
+    outer->setInner(new Probe(2));
+    _eHndl<Probe> copy(outer);
+    copy.uniquePointer()->setInnerValue(20);
+    EXPECT_EQ(outer->getInner()->getValue(), 2);
+    EXPECT_EQ(copy->getInner()->getValue(), 20);
+    EXPECT_FALSE(copy == outer);
+    // The copy's outer object was cloned; the old nested object lost the clone's count again.
+    EXPECT_EQ(outer->getInner()->countWord(), 1);
+}
+
+TEST(Handle, HandleOnFrozenObjectIsSnapshot) {
+    _eHndl<Probe> p(new Probe(1));
+    _eHndl<Probe> snapshot = p->changeAndCapture(5);
+    EXPECT_NE(snapshot.get(), p.get());
+    EXPECT_EQ(snapshot->getValue(), 5);
+    EXPECT_EQ(snapshot->countWord(), 1);
+    EXPECT_EQ(p->getValue(), 6);
+    EXPECT_EQ(p->countWord(), 1);  // thawed, and not counted by the snapshot
+}
+
+TEST(Handle, FreezeBracketNestsAndThawsOnUnwind) {
+    _eHndl<Probe> p(new Probe(1));
+    {
+        _eFreeze outer(p.get());
+        EXPECT_TRUE(p->isFrozen());
+        EXPECT_EQ(p->countWord(), std::int32_t(0x80000001u));
+        {
+            _eFreeze inner(p.get());
+            EXPECT_TRUE(p->isFrozen());
+        }
+        EXPECT_TRUE(p->isFrozen());  // the inner bracket was not in charge
+        _eHndl<Probe> copy(p);
+        EXPECT_NE(copy.get(), p.get());
+        // A release on a frozen object counts down without deleting it.
+        p->addCount();
+        EXPECT_FALSE(p->dropCount());
+    }
+    EXPECT_EQ(p->countWord(), 1);
+    try {
+        _eFreeze guard(p.get());
+        throw 1;
+    } catch (int) {
+    }
+    EXPECT_EQ(p->countWord(), 1);
+}
+
+TEST(Handle, FromComparesDynamicClassThenFields) {
+    _eFrom<Shape> circle(new Circle());
+    _eFrom<Shape> square(new Square());
+    _eFrom<Shape> otherCircle(_eHndl<Circle>(new Circle()));
+    _eFrom<Shape> none;
+    EXPECT_TRUE(circle == otherCircle);
+    EXPECT_FALSE(circle == square);
+    EXPECT_FALSE(circle == none);
+    EXPECT_TRUE(none == _eFrom<Shape>());
+}
+
+TEST(Handle, DefaultRankOrdersClassesByAncestryAndName) {
+    Circle circle;
+    Square square;
+    Disc disc;
+    Probe probe;
+    EXPECT_EQ(circle.rank(nullptr), rankAbove);
+    EXPECT_EQ(circle.rank(&circle), rankSame);
+    EXPECT_EQ(circle.rank(&square), rankBelow);  // "Circle" < "Square"
+    EXPECT_EQ(square.rank(&circle), rankAbove);
+    EXPECT_EQ(disc.rank(&circle), rankAbove);    // a descendant is above its ancestor
+    EXPECT_EQ(circle.rank(&disc), rankBelow);
+    EXPECT_EQ(disc.rank(&square), rankBelow);    // decided by "Circle" against "Square"
+    EXPECT_EQ(probe.rank(&disc), rankBelow);     // no common ancestor: "Probe" against "Shape"
+    EXPECT_EQ(disc._aGetFullTypeInfo()->level, 3);
+    EXPECT_EQ(disc._aGetFullTypeInfo()->parent, Circle::_aTypeRecord());
+}
+
+TEST(Handle, DefaultTextAndSelf) {
+    Probe probe;
+    EXPECT_EQ(toWString(probe.toString()), L"No output string defined for this class");
+    EXPECT_EQ(probe.self(), &probe);
+    EXPECT_EQ(toWString(probe._aGetMyTypeInfo()->typeName()), L"Probe");
+    EXPECT_TRUE(probe._aGetMyTypeInfo() == Probe::_aMyTypeInfo());
+}

@@ -1,0 +1,281 @@
+// The shapes that sequences take, and the sharing between their versions.
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "runtime/Seq.h"
+#include "support/TestValues.h"
+
+namespace {
+
+std::vector<int> iota(int from, int n) {
+    std::vector<int> v(static_cast<std::size_t>(n));
+    std::iota(v.begin(), v.end(), from);
+    return v;
+}
+
+_eSeq<int> appendedSeq(int from, int n) {
+    _eSeq<int> s;
+    for (int i = 0; i < n; ++i) s.pushBack(from + i);
+    return s;
+}
+
+std::vector<int> contents(const _eSeq<int>& s) {
+    std::vector<int> v;
+    for (int i = 0; i < s.size(); ++i) v.push_back(s.at(i));
+    return v;
+}
+
+const _eBranchNode<int>* branch(const _eBaseNode<int>* node) {
+    EXPECT_GT(node->level(), 0);
+    return node->asBranch();
+}
+
+// Sizes of the children of a branch, in order.
+std::vector<int> childSizes(const _eBaseNode<int>* node) {
+    std::vector<int> sizes;
+    const _eBranchNode<int>* b = branch(node);
+    for (int i = 0; i < b->childCount(); ++i) sizes.push_back(b->child(i)->size());
+    return sizes;
+}
+
+// Every node of a tree, for comparing what two versions share.
+void collectNodes(const _eBaseNode<int>* node, std::vector<const _eBaseNode<int>*>& out) {
+    out.push_back(node);
+    if (node->level() == 0) return;
+    for (int i = 0; i < node->asBranch()->childCount(); ++i) collectNodes(node->asBranch()->child(i), out);
+}
+
+// Leaf depths of a tree: all leaves must lie at one depth.
+void leafDepths(const _eBaseNode<int>* node, int depth, std::set<int>& depths) {
+    if (node->level() == 0) {
+        depths.insert(depth);
+        return;
+    }
+    for (int i = 0; i < node->asBranch()->childCount(); ++i) leafDepths(node->asBranch()->child(i), depth + 1, depths);
+}
+
+}  // namespace
+
+TEST(Seq, ThirtyTwoElementsAreOneLeafAndTheNextStartsASibling) {
+    _eSeq<int> s = appendedSeq(0, 32);
+    EXPECT_EQ(s.rootNode()->level(), 0);
+    s.pushBack(32);
+    EXPECT_EQ(s.rootNode()->level(), 1);
+    EXPECT_EQ(childSizes(s.rootNode()), (std::vector<int>{32, 1}));
+    EXPECT_EQ(contents(s), iota(0, 33));
+
+    std::vector<int> v = iota(0, 33);
+    _eSeq<int> built(32, v.data());
+    EXPECT_EQ(built.rootNode()->level(), 0);
+    _eSeq<int> bulk(33, v.data());
+    EXPECT_EQ(childSizes(bulk.rootNode()), (std::vector<int>{32, 1}));
+    EXPECT_TRUE(bulk == s);
+}
+
+TEST(Seq, StringLiteralsFollowTheSameShapes) {
+    _eString empty1(L"");
+    _eString empty2;
+    EXPECT_EQ(empty1.rootNode(), empty2.rootNode());
+    EXPECT_TRUE(empty1 == empty2);
+    std::wstring text32(32, L'a');
+    _eString s32(text32.c_str());
+    EXPECT_EQ(s32.rootNode()->level(), 0);
+    _eString s33((text32 + L"b").c_str());
+    EXPECT_EQ(s33.rootNode()->level(), 1);
+    EXPECT_EQ(toWString(s33), text32 + L"b");
+    EXPECT_TRUE(s33.startsWith(s32));
+    EXPECT_FALSE(s32.startsWith(s33));
+}
+
+TEST(Seq, FiveHundredTwelveAppendsFillOneBranchAndTheNextGrowsTheTree) {
+    _eSeq<int> s = appendedSeq(0, 512);
+    EXPECT_EQ(s.rootNode()->level(), 1);
+    EXPECT_EQ(childSizes(s.rootNode()), std::vector<int>(16, 32));
+    s.pushBack(512);
+    const _eBaseNode<int>* root = s.rootNode();
+    EXPECT_EQ(root->level(), 2);
+    EXPECT_EQ(childSizes(root), (std::vector<int>{512, 1}));
+    const _eBaseNode<int>* right = branch(root)->child(1);
+    EXPECT_EQ(right->level(), 1);
+    EXPECT_EQ(childSizes(right), (std::vector<int>{1}));
+    EXPECT_EQ(contents(s), iota(0, 513));
+
+    _eSeq<int> big = appendedSeq(0, 8193);
+    EXPECT_EQ(big.rootNode()->level(), 3);
+    EXPECT_TRUE(big.checkTree());
+    std::vector<int> v = iota(0, 8193);
+    _eSeq<int> bulk(8193, v.data());
+    EXPECT_EQ(bulk.rootNode()->level(), 3);
+    EXPECT_TRUE(bulk == big);
+    EXPECT_TRUE(bulk.checkTree());
+}
+
+TEST(Seq, InsertIntoFullLeafSpillsTheLastElement) {
+    _eSeq<int> s = appendedSeq(1, 32);
+    s.insertAt(0, 0);
+    EXPECT_EQ(childSizes(s.rootNode()), (std::vector<int>{32, 1}));
+    EXPECT_EQ(branch(s.rootNode())->child(1)->at(0), 32);
+    EXPECT_EQ(contents(s), iota(0, 33));
+}
+
+TEST(Seq, InsertOnABoundaryExtendsTheLeftChild) {
+    std::vector<int> v = iota(0, 40);
+    _eSeq<int> s(40, v.data());  // leaves of 32 and 8
+    _eSeq<int> t = s.concat(s);   // branches of one level merge their children
+    t.removeRange(0, 20);
+    ASSERT_EQ(childSizes(t.rootNode()), (std::vector<int>{12, 8, 32, 8}));
+    t.insertAt(12, -1);  // the boundary between the first two leaves
+    EXPECT_EQ(childSizes(t.rootNode()), (std::vector<int>{13, 8, 32, 8}));
+    EXPECT_EQ(t.at(12), -1);
+    EXPECT_TRUE(t.checkTree());
+}
+
+TEST(Seq, BranchesMergeOnlyBelowSixteenChildren) {
+    _eSeq<int> seven = appendedSeq(0, 7 * 32);
+    _eSeq<int> eight = appendedSeq(1000, 8 * 32);
+    _eSeq<int> merged = seven.concat(eight);
+    EXPECT_EQ(merged.rootNode()->level(), 1);
+    EXPECT_EQ(branch(merged.rootNode())->childCount(), 15);
+
+    _eSeq<int> notMerged = eight.concat(eight);
+    EXPECT_EQ(notMerged.rootNode()->level(), 2);
+    EXPECT_EQ(childSizes(notMerged.rootNode()), (std::vector<int>{256, 256}));
+    EXPECT_EQ(branch(notMerged.rootNode())->child(0), eight.rootNode());
+    EXPECT_EQ(contents(merged).size(), 15u * 32u);
+}
+
+TEST(Seq, LeafConcatFillsTheLeftLeafFirst) {
+    _eSeq<int> a = appendedSeq(0, 20);
+    _eSeq<int> b = appendedSeq(20, 20);
+    _eSeq<int> c = a.concat(b);
+    EXPECT_EQ(childSizes(c.rootNode()), (std::vector<int>{32, 8}));
+    EXPECT_EQ(contents(c), iota(0, 40));
+    EXPECT_EQ(contents(a), iota(0, 20));  // operands keep their values
+    EXPECT_EQ(contents(b), iota(20, 20));
+
+    _eSeq<int> small = a.concat(appendedSeq(20, 12));
+    EXPECT_EQ(small.rootNode()->level(), 0);
+    EXPECT_EQ(contents(small), iota(0, 32));
+}
+
+TEST(Seq, LeafInFrontOfATallTreeKeepsLeavesLevel) {
+    _eSeq<int> tall = appendedSeq(1, 8192 + 40);
+    ASSERT_EQ(tall.rootNode()->level(), 3);
+    _eSeq<int> one(0);
+    _eSeq<int> joined = one.concat(tall);
+    std::set<int> depths;
+    leafDepths(joined.rootNode(), 0, depths);
+    EXPECT_EQ(depths.size(), 1u);
+    EXPECT_TRUE(joined.checkTree());
+    EXPECT_EQ(contents(joined), iota(0, 8192 + 41));
+
+    _eSeq<int> behind = tall.concat(one);
+    depths.clear();
+    leafDepths(behind.rootNode(), 0, depths);
+    EXPECT_EQ(depths.size(), 1u);
+    EXPECT_EQ(behind.at(8192 + 40), 0);
+}
+
+TEST(Seq, ChangingACopyClonesExactlyOnePath) {
+    _eSeq<int> original = appendedSeq(0, 3000);  // level 2
+    _eSeq<int> copy = original;
+    EXPECT_EQ(copy.rootNode(), original.rootNode());
+    copy.replaceAt(1234, -1);
+    EXPECT_EQ(original.at(1234), 1234);
+    EXPECT_EQ(copy.at(1234), -1);
+
+    std::vector<const _eBaseNode<int>*> before, after;
+    collectNodes(original.rootNode(), before);
+    collectNodes(copy.rootNode(), after);
+    ASSERT_EQ(before.size(), after.size());
+    std::set<const _eBaseNode<int>*> old(before.begin(), before.end());
+    int fresh = 0;
+    for (const _eBaseNode<int>* node : after)
+        if (old.count(node) == 0) ++fresh;
+    EXPECT_EQ(fresh, original.rootNode()->level() + 1);  // root, one branch, one leaf
+    // An unchanged child of the cloned root is held by both roots; below it nothing changes.
+    const _eBaseNode<int>* sharedBranch = branch(copy.rootNode())->child(0);
+    EXPECT_EQ(sharedBranch, branch(original.rootNode())->child(0));
+    EXPECT_EQ(sharedBranch->countWord(), 2);
+    EXPECT_EQ(branch(sharedBranch)->child(0)->countWord(), 1);
+}
+
+TEST(Seq, RangeRemovalAcrossChildrenKeepsBothEnds) {
+    _eSeq<int> s = appendedSeq(0, 200);
+    _eSeq<int> keep = s;
+    s.removeRange(20, 100);  // from the first leaf into the middle of the fourth
+    std::vector<int> expected = iota(0, 20);
+    std::vector<int> tail = iota(120, 80);
+    expected.insert(expected.end(), tail.begin(), tail.end());
+    EXPECT_EQ(contents(s), expected);
+    EXPECT_TRUE(s.checkTree());
+    EXPECT_EQ(contents(keep), iota(0, 200));
+
+    s.removeRange(0, s.size());
+    EXPECT_EQ(s.rootNode(), _eSeq<int>().rootNode());
+}
+
+TEST(Seq, RemovalsNormaliseToTheSharedEmptyLeaf) {
+    const _eBaseNode<int>* empty = _eSeq<int>().rootNode();
+    _eSeq<int> s = appendedSeq(0, 40);
+    EXPECT_EQ(s.take(0).rootNode(), empty);
+    EXPECT_EQ(s.drop(40).rootNode(), empty);
+    EXPECT_EQ(s.take(40).rootNode(), s.rootNode());
+    EXPECT_EQ(s.drop(0).rootNode(), s.rootNode());
+    EXPECT_EQ(s.take(10).rootNode()->level(), 0);  // the branch collapses
+    EXPECT_EQ(contents(s.take(10)), iota(0, 10));
+    EXPECT_EQ(contents(s.drop(35)), iota(35, 5));
+    while (!s.isEmpty()) s.removeLast();
+    EXPECT_EQ(s.rootNode(), empty);
+}
+
+TEST(Seq, ConcatWithEmptyReturnsTheSameRoot) {
+    _eSeq<int> s = appendedSeq(0, 5);
+    int before = s.rootNode()->countWord();
+    _eSeq<int> t = s.concat(_eSeq<int>());
+    EXPECT_EQ(t.rootNode(), s.rootNode());
+    EXPECT_EQ(s.rootNode()->countWord(), before + 1);
+    EXPECT_EQ(_eSeq<int>().concat(s).rootNode(), s.rootNode());
+}
+
+TEST(Seq, HandleElementsAreCountedAndReleased) {
+    _eHndl<Probe> p(new Probe(3));
+    {
+        _eSeq<_eHndl<Probe>> s;
+        for (int i = 0; i < 40; ++i) s.pushBack(p);
+        EXPECT_EQ(p->countWord(), 41);
+        _eSeq<_eHndl<Probe>> copy = s;
+        copy.replaceAt(0, _eHndl<Probe>(new Probe(4)));
+        EXPECT_EQ(p->countWord(), 41 + 31);  // the cloned leaf holds its own counts
+        EXPECT_EQ(s.find(_eHndl<Probe>(new Probe(3))), 0);
+        EXPECT_EQ(copy.find(_eHndl<Probe>(new Probe(3))), 1);
+        s.removeRange(5, 30);
+        EXPECT_EQ(copy.size(), 40);
+    }
+    EXPECT_EQ(p->countWord(), 1);
+}
+
+TEST(Seq, FindAndSwapWalkTheChildren) {
+    _eSeq<int> s = appendedSeq(0, 100);
+    EXPECT_EQ(s.find(70), 70);
+    EXPECT_EQ(s.find(70, 71, 100), 100);
+    EXPECT_EQ(s.find(-5), 100);
+    _eSeq<int> copy = s;
+    s.swap(3, 99);
+    EXPECT_EQ(s.at(3), 99);
+    EXPECT_EQ(s.at(99), 3);
+    EXPECT_EQ(s.find(99), 3);
+    EXPECT_EQ(copy.find(99), 99);
+}
+
+TEST(Seq, TreeFaultsRaiseChoiceFailures) {
+    _eHndl<_eLeafNode<int>> leaf(new _eLeafNode<int>());
+    _eNodeHndl<int> overflow;
+    for (int i = 0; i < 32; ++i) leaf->pushBack(i, overflow);
+    EXPECT_THROW(leaf->insert(33, 0, overflow), _xNoChoice);
+    EXPECT_EQ(leaf->countWord(), 1);  // the freeze bracket thawed it on the way out
+}

@@ -1,0 +1,69 @@
+// Small value classes of the test suite's own, shaped like the library's generated classes.
+#pragma once
+
+#include "runtime/Class.h"
+
+// A value with a plain field and a nested value, to observe sharing and cloning.
+class Probe : public _eClass<Probe, _eAny> {
+public:
+    static constexpr const wchar_t* typeName = L"Probe";
+
+    explicit Probe(int value = 0) : value(value) {}
+    Probe(const Probe& other) = default;
+
+    bool equalFields(const Probe& other) const { return value == other.value && inner == other.inner; }
+
+    int getValue() const { return value; }
+    const _eHndl<Probe>& getInner() const { return inner; }
+
+    void setValue(int v) {
+        _eFreeze freeze(this);
+        value = v;
+    }
+    void setInner(const _eHndl<Probe>& p) {
+        _eFreeze freeze(this);
+        inner = p;
+    }
+    // Changes the nested value, through the path of handles.
+    void setInnerValue(int v) {
+        _eFreeze freeze(this);
+        inner.uniquePointer()->setValue(v);
+    }
+    // Reads `this` as a value while it is being changed: a handle taken now is a snapshot.
+    _eHndl<Probe> changeAndCapture(int v) {
+        _eFreeze freeze(this);
+        value = v;
+        _eHndl<Probe> snapshot(this);
+        value = v + 1;
+        return snapshot;
+    }
+
+private:
+    int value;              // a plain field
+    _eHndl<Probe> inner;    // a nested value
+};
+
+// A sibling class of `Probe` below a common parent, for the default order of classes.
+class Shape : public _eClass<Shape, _eAny> {
+public:
+    static constexpr const wchar_t* typeName = L"Shape";
+    bool equalFields(const Shape&) const { return true; }
+};
+
+class Circle : public _eClass<Circle, Shape> {
+public:
+    static constexpr const wchar_t* typeName = L"Circle";
+    bool equalFields(const Circle& other) const { return Shape::equalFields(other); }
+};
+
+class Square : public _eClass<Square, Shape> {
+public:
+    static constexpr const wchar_t* typeName = L"Square";
+    bool equalFields(const Square& other) const { return Shape::equalFields(other); }
+};
+
+class Disc : public _eClass<Disc, Circle> {
+public:
+    static constexpr const wchar_t* typeName = L"Disc";
+    bool equalFields(const Disc& other) const { return Circle::equalFields(other); }
+};

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Builds the library and its tests, then runs every test.
+# Usage: tools/run-tests.sh [extra CMake arguments, e.g. -DMODELBRIDGE_SANITIZE=ON]
+# BUILD_DIR names the build folder (default: build).
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+build_dir=${BUILD_DIR:-$root/build}
+cmake -S "$root" -B "$build_dir" "$@"
+cmake --build "$build_dir" -j"$(nproc)"
+ctest --test-dir "$build_dir" --output-on-failure -j"$(nproc)"
