@@ -325,9 +325,16 @@ public:
         return uniqueChild(c)->elementRef(o);
     }
 
+    // Walks down without virtual calls: below a branch of level 1 every child is a leaf.
     T at(int i) const override {
-        auto [c, o] = locate(i);
-        return children.data[c]->at(o);
+        const _eBranchNode* node = this;
+        while (true) {
+            auto [c, o] = node->locate(i);
+            const _eBaseNode<T>* next = node->children.data[c].get();
+            if (node->level_ == 1) return static_cast<const _eLeafNode<T>*>(next)->at(o);
+            node = static_cast<const _eBranchNode*>(next);
+            i = o;
+        }
     }
 
     void removeRange(int start, int count) override {
@@ -540,12 +547,19 @@ public:
         if (pos == total) return {n, 0};
         int i = 0;
         while (pos != 0 && i != n) {
-            int c = children.data[i]->size();
+            int c = childSize(i);
             if (pos < c) break;
             pos -= c;
             ++i;
         }
         return {i, pos};
+    }
+
+    // The size of child i, read straight from the final class the level tells.
+    int childSize(int i) const {
+        const _eBaseNode<T>* c = children.data[i].get();
+        if (level_ == 1) return static_cast<const _eLeafNode<T>*>(c)->size();
+        return static_cast<const _eBranchNode*>(c)->total;
     }
 
 private:
