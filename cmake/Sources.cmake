@@ -3,6 +3,7 @@ set(MODELBRIDGE_SOURCES
   runtime/Any.cpp
   runtime/Failure.cpp
   runtime/Pool.cpp
+  runtime/StringUtils.cpp
   Generated/XMLImporter.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

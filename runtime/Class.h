@@ -7,12 +7,14 @@
 
 #include "runtime/TypeInfo.h"
 
+// The record of the nearest base with one; null below roots such as `_eAny` and `_eStorable`,
+// whose descendants are at level 1.
 template <class Base>
 inline const _eFullTypeInfo* _aParentRecord() {
-    if constexpr (std::is_same_v<Base, _eAny>)
-        return nullptr;
-    else
+    if constexpr (requires { Base::_aTypeRecord(); })
         return Base::_aTypeRecord();
+    else
+        return nullptr;
 }
 
 template <class Self, class Base>

@@ -115,6 +115,8 @@ public:
     }
 
     void replaceAt(int i, const T& x) { *root.uniquePointer()->elementRef(i) = x; }
+    // The element at i, made changeable: the path down to it is copied where shared.
+    T& elementRef(int i) { return *root.uniquePointer()->elementRef(i); }
     void swap(int i, int j) { root.uniquePointer()->swap(i, j); }
 
     // Index of the first element equal to `x` in [start, end), else `end`.

@@ -67,3 +67,25 @@ public:
     static constexpr const wchar_t* typeName = L"Disc";
     bool equalFields(const Disc& other) const { return Circle::equalFields(other); }
 };
+
+// Ordered by `key` alone but equal only when `tag` agrees too: two different values of one rank.
+class Tagged : public _eClass<Tagged, _eAny> {
+public:
+    static constexpr const wchar_t* typeName = L"Tagged";
+
+    Tagged(int key, int tag) : key(key), tag(tag) {}
+
+    bool equalFields(const Tagged& other) const { return key == other.key && tag == other.tag; }
+    _eRank rank(const _eAnyBase* other) const override {
+        const auto* that = dynamic_cast<const Tagged*>(other);
+        if (that == nullptr) return defaultRank(other);
+        return key < that->key ? rankBelow : (key > that->key ? rankAbove : rankSame);
+    }
+
+    int getKey() const { return key; }
+    int getTag() const { return tag; }
+
+private:
+    int key;  // decides the order
+    int tag;  // tells apart values of one order
+};

@@ -1,0 +1,59 @@
+// `_eMap<K,V>`: pairs in one ascending sequence, in the order of K's comparator, keys unique.
+#pragma once
+
+#include "runtime/Set.h"
+
+template <class K, class V>
+class _eMap {
+public:
+    using Entry = _ePair<K, V>;
+
+    int size() const { return items.size(); }
+    bool isEmpty() const { return items.isEmpty(); }
+    Entry at(int i) const { return items.at(i); }
+    const _eSeq<Entry>& elements() const { return items; }
+
+    // (index, end): `key` is at `index` if `index != end`; `end` is where it would go.
+    std::pair<int, int> lookup(const K& key) const {
+        auto [lo, hi] = _aEqualRange(items, key, [](const Entry& e) -> const K& { return e.first; });
+        for (int i = lo; i < hi; ++i)
+            if (items.at(i).first == key) return {i, hi};
+        return {hi, hi};
+    }
+
+    bool containsKey(const K& key) const {
+        auto [index, end] = lookup(key);
+        return index != end;
+    }
+
+    // Not checked: the key must be present.
+    V get(const K& key) const { return items.at(lookup(key).first).second; }
+
+    void put(const K& key, const V& value) {
+        if (isEmpty()) {
+            items = _eSeq<Entry>(Entry{key, value});
+            return;
+        }
+        auto [index, end] = lookup(key);
+        if (index == end)
+            items.insertAt(index, Entry{key, value});
+        else
+            items.elementRef(index).second = value;
+    }
+
+    // Same keys with equal values, whatever the order of rank ties.
+    bool operator==(const _eMap& other) const {
+        if (items.rootNode() == other.items.rootNode()) return true;
+        if (size() != other.size()) return false;
+        _eSeqReader<Entry> reader(items);
+        for (int i = 0, n = size(); i < n; ++i) {
+            Entry e = reader.next();
+            auto [index, end] = other.lookup(e.first);
+            if (index == end || !(other.items.at(index).second == e.second)) return false;
+        }
+        return true;
+    }
+
+private:
+    _eSeq<Entry> items;  // ascending by key
+};

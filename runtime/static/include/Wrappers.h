@@ -1,0 +1,108 @@
+// Wrappers: objects that hold one plain value where an object is needed, above all as an
+// alternative of a `_eUnion`. Each enumeration `X` has its wrapper `X::_eWrapper`.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <new>
+#include <type_traits>
+
+#include "runtime/Class.h"
+#include "runtime/Comparator.h"
+#include "runtime/Failure.h"
+#include "runtime/Storable.h"
+#include "runtime/StringUtils.h"
+
+template <class T>
+class _eWrapperBase : public _eStorable {
+public:
+    explicit _eWrapperBase(const T& value = T()) : value(value) {}
+
+    // Wrappers come from the plain global allocator, not from the pool.
+    static void* operator new(std::size_t size) { return ::operator new(size); }
+    static void operator delete(void* block, std::size_t) { ::operator delete(block); }
+
+    // Two wrappers of one class compare their values (a string's compares nothing);
+    // anything else is ordered by class.
+    _eRank rank(const _eAnyBase* other) const override {
+        if constexpr (!std::is_same_v<T, _eString>) {
+            if (other != nullptr && typeid(*other) == typeid(*this))
+                return _n1_SimpleComparator<T>::order(value, static_cast<const _eWrapperBase*>(other)->value);
+        }
+        return defaultRank(other);
+    }
+
+    void storeFields(StoreStream&) const override { raiseCannotHappen(_xPlaces::wrapperStoreFields); }
+
+    const T& get() const { return value; }
+    bool equalFields(const _eWrapperBase& other) const { return value == other.value; }
+
+private:
+    T value;  // the wrapped value
+};
+
+template <class T>
+class _eStorableWrapperBase : public _eWrapperBase<T> {
+public:
+    using _eWrapperBase<T>::_eWrapperBase;
+};
+
+template <class T>
+struct _aBasicTypeName;
+template <>
+struct _aBasicTypeName<std::int32_t> { static constexpr const wchar_t* name = L"int"; };
+template <>
+struct _aBasicTypeName<bool> { static constexpr const wchar_t* name = L"bool"; };
+template <>
+struct _aBasicTypeName<wchar_t> { static constexpr const wchar_t* name = L"char"; };
+template <>
+struct _aBasicTypeName<double> { static constexpr const wchar_t* name = L"real"; };
+template <>
+struct _aBasicTypeName<unsigned char> { static constexpr const wchar_t* name = L"byte"; };
+
+inline _eString _aValueText(std::int32_t v) { return intToString(v); }
+inline _eString _aValueText(bool v) { return boolToString(v); }
+inline _eString _aValueText(wchar_t v) { return charToString(v); }
+inline _eString _aValueText(double v) { return doubleToString(v); }
+inline _eString _aValueText(unsigned char v) { return byteToString(v); }
+
+// A number, truth value, character or byte.
+template <class T>
+class _eBasicTypeWrapper final : public _eClass<_eBasicTypeWrapper<T>, _eStorableWrapperBase<T>> {
+public:
+    static constexpr const wchar_t* typeName = _aBasicTypeName<T>::name;
+    using _eClass<_eBasicTypeWrapper<T>, _eStorableWrapperBase<T>>::_eClass;
+
+    _eString toString() const override { return _aValueText(this->get()); }
+};
+
+template <class T>
+class _eStorableWrapper;
+
+// A string, printed as the sequence of its characters.
+template <>
+class _eStorableWrapper<_eString> final
+    : public _eClass<_eStorableWrapper<_eString>, _eStorableWrapperBase<_eString>> {
+public:
+    static constexpr const wchar_t* typeName = L"seq";
+    using _eClass<_eStorableWrapper<_eString>, _eStorableWrapperBase<_eString>>::_eClass;
+
+    _eString toString() const override { return seqText(get()); }
+};
+
+// The wrapper of an enumeration `X`: `X` gives `_eEnum`, `count`, `typeName`, `storageName`
+// and `labels`, one per value.
+template <class X>
+class _eEnumWrapper final : public _eClass<_eEnumWrapper<X>, _eStorableWrapperBase<typename X::_eEnum>> {
+    static_assert(std::size(X::labels) == std::size_t(X::count), "one label per value");
+
+public:
+    static constexpr const wchar_t* typeName = X::typeName;
+    static constexpr const wchar_t* storageName = X::storageName;
+    using _eClass<_eEnumWrapper<X>, _eStorableWrapperBase<typename X::_eEnum>>::_eClass;
+
+    _eString toString() const override { return label(this->get()); }
+
+    static _eString label(typename X::_eEnum value) { return X::labels[value]; }
+};

@@ -1,0 +1,123 @@
+// Wrappers of plain values and enumerations, and the union that holds them.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "Generated/ActionName.h"
+#include "Generated/ErrorEnums.h"
+#include "environment/EnvironmentEnums.h"
+#include "runtime/Enumerations.h"
+#include "runtime/Union.h"
+#include "support/TestValues.h"
+
+namespace {
+
+using IntWrapper = _eBasicTypeWrapper<std::int32_t>;
+using RealWrapper = _eBasicTypeWrapper<double>;
+using BoolWrapper = _eBasicTypeWrapper<bool>;
+using StringWrapper = _eStorableWrapper<_eString>;
+
+template <class W, class V>
+_eHndl<W> wrap(V v) {
+    return _eHndl<W>(new W(v));
+}
+
+std::wstring text(const _eAny& a) { return toWString(a.toString()); }
+
+}  // namespace
+
+TEST(Wrappers, EqualityAndRankWithinAndAcrossClasses) {
+    auto five = wrap<IntWrapper>(5);
+    EXPECT_TRUE(five->isEqual(wrap<IntWrapper>(5).get()));
+    EXPECT_FALSE(five->isEqual(wrap<IntWrapper>(6).get()));
+    EXPECT_FALSE(five->isEqual(wrap<RealWrapper>(5.0).get()));
+    EXPECT_EQ(five->rank(wrap<IntWrapper>(7).get()), rankBelow);
+    EXPECT_EQ(five->rank(wrap<IntWrapper>(-7).get()), rankAbove);
+    // Different classes fall to the names of their types: "int" is below "real".
+    EXPECT_EQ(five->rank(wrap<RealWrapper>(5.0).get()), rankBelow);
+    EXPECT_EQ(wrap<RealWrapper>(1.0)->rank(five.get()), rankAbove);
+
+    EXPECT_EQ(wrap<BoolWrapper>(false)->rank(wrap<BoolWrapper>(true).get()), rankBelow);
+    auto nan = wrap<RealWrapper>(std::nan(""));
+    EXPECT_EQ(nan->rank(wrap<RealWrapper>(std::nan("")).get()), rankSame);
+    EXPECT_EQ(wrap<RealWrapper>(2.0)->rank(wrap<RealWrapper>(1.5).get()), rankAbove);
+    EXPECT_EQ(wrap<_eBasicTypeWrapper<unsigned char>>(200)->rank(wrap<_eBasicTypeWrapper<unsigned char>>(100).get()),
+              rankAbove);
+    EXPECT_EQ(wrap<_eBasicTypeWrapper<wchar_t>>(wchar_t(0xFFFF))->rank(wrap<_eBasicTypeWrapper<wchar_t>>(L'a').get()),
+              rankAbove);
+
+    // Strings compare nothing of their own.
+    EXPECT_EQ(wrap<StringWrapper>(_eString(L"a"))->rank(wrap<StringWrapper>(_eString(L"b")).get()), rankSame);
+    EXPECT_FALSE(wrap<StringWrapper>(_eString(L"a"))->isEqual(wrap<StringWrapper>(_eString(L"b")).get()));
+    EXPECT_TRUE(wrap<StringWrapper>(_eString(L"a"))->isEqual(wrap<StringWrapper>(_eString(L"a")).get()));
+
+    // Enumerations compare by number.
+    auto notFound = wrap<FileError::_eWrapper>(FileError::fileNotFound);
+    EXPECT_EQ(notFound->rank(wrap<FileError::_eWrapper>(FileError::endOfFile).get()), rankAbove);
+    _eHndl<_eAnyBase> copy(notFound->clone());
+    EXPECT_TRUE(notFound->isEqual(copy.get()));
+}
+
+TEST(Wrappers, TextsOfValuesAndLabels) {
+    EXPECT_EQ(text(*wrap<IntWrapper>(-12)), L"-12");
+    EXPECT_EQ(text(*wrap<RealWrapper>(2.0)), L"2.0");
+    EXPECT_EQ(text(*wrap<BoolWrapper>(true)), L"true");
+    EXPECT_EQ(text(*wrap<_eBasicTypeWrapper<wchar_t>>(L'q')), L"q");
+    EXPECT_EQ(text(*wrap<_eBasicTypeWrapper<unsigned char>>(255)), L"255");
+    EXPECT_EQ(text(*wrap<StringWrapper>(_eString(L"ab"))), L"seq{a,b}");
+
+    EXPECT_EQ(text(*wrap<FileError::_eWrapper>(FileError::_eEnum(0))), L"success");
+    EXPECT_EQ(text(*wrap<FileError::_eWrapper>(FileError::otherError)), L"otherError");
+    EXPECT_EQ(FileError::otherError, 16);
+    EXPECT_EQ(text(*wrap<XMLErrorType::_eWrapper>(XMLErrorType::duplicateAttribute)), L"duplicateAttribute");
+    EXPECT_EQ(text(*wrap<ErrorSeverity::_eWrapper>(ErrorSeverity::fatal)), L"fatal");
+    EXPECT_EQ(text(*wrap<ActionName::_eWrapper>(ActionName::sh_red)), L"sh_red");
+    EXPECT_EQ(text(*wrap<DebugType::_eWrapper>(DebugType::lastChoices)), L"lastChoices");
+    EXPECT_EQ(text(*wrap<SocketError::_eWrapper>(SocketError::connectionNotOpen)), L"connectionNotOpen");
+    EXPECT_EQ(text(*wrap<_eSeparatorId::_eWrapper>(_eSeparatorId::RightArrow)), L"RightArrow");
+    EXPECT_EQ(std::wstring(FileError::_eWrapper::storageName), L"_FileError");
+    EXPECT_EQ(std::wstring(ErrorSeverity::_eWrapper::storageName), L"ErrorSeverity");
+    EXPECT_EQ(toWString(FileError::_eWrapper::_aMyTypeInfo()->typeName()), L"FileError");
+    EXPECT_EQ(FileError::_eWrapper::_aTypeRecord()->level, 1);
+}
+
+TEST(Wrappers, LiveOutsideThePoolAndRefuseToStoreFields) {
+    std::int64_t pooled = _ePool::shared.pooledBytes();
+    std::int64_t free = _ePool::shared.freeListBytes();
+    {
+        auto w = wrap<IntWrapper>(1);
+        _eHndl<_eAnyBase> copy(w->clone());
+        EXPECT_TRUE(copy->isEqual(w.get()));
+    }
+    EXPECT_EQ(_ePool::shared.pooledBytes(), pooled);
+    EXPECT_EQ(_ePool::shared.freeListBytes(), free);
+
+    auto w = wrap<IntWrapper>(1);
+    // The member raises before it could touch the stream, so any storage stands in for one.
+    alignas(std::max_align_t) unsigned char stream[256] = {};
+    try {
+        w->storeFields(*reinterpret_cast<StoreStream*>(stream));
+        FAIL() << "storeFields returned";
+    } catch (const _xCannotHappen& failure) {
+        wchar_t buffer[200];
+        wchar_t* pos = buffer;
+        unsigned remaining = 200;
+        failure.writeDetail(pos, remaining);
+        EXPECT_EQ(std::wstring(buffer), L"Absurd method called");
+    }
+}
+
+TEST(Union, TellsItsAlternativeByClass) {
+    _eUnion ok(_eHndl<Probe>(new Probe(3)));
+    _eUnion failed(wrap<FileError::_eWrapper>(FileError::fileNotFound));
+    EXPECT_TRUE(ok.holds<Probe>());
+    EXPECT_FALSE(ok.holds<FileError::_eWrapper>());
+    EXPECT_EQ(ok.as<Probe>()->getValue(), 3);
+    EXPECT_TRUE(ok.as<FileError::_eWrapper>().isNull());
+    ASSERT_TRUE(failed.holds<FileError::_eWrapper>());
+    EXPECT_EQ(failed.as<FileError::_eWrapper>()->get(), FileError::fileNotFound);
+    EXPECT_TRUE(failed == _eUnion(wrap<FileError::_eWrapper>(FileError::fileNotFound)));
+    EXPECT_FALSE(failed == ok);
+    EXPECT_TRUE(_eUnion().isNull());
+    EXPECT_TRUE(_eUnion() == _eUnion());
+}
