@@ -4,6 +4,13 @@ set(MODELBRIDGE_SOURCES
   runtime/Failure.cpp
   runtime/Pool.cpp
   runtime/StringUtils.cpp
+  environment/Environment.cpp
+  environment/FileName.cpp
+  environment/FileStats.cpp
+  environment/ModuleVersion.cpp
+  environment/Paths.cpp
+  environment/PlatformText.cpp
+  environment/Time.cpp
   Generated/XMLImporter.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

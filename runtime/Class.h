@@ -31,6 +31,8 @@ public:
         return static_cast<const Self*>(this)->equalFields(*static_cast<const Self*>(other));
     }
 
+    friend bool operator==(const Self& a, const Self& b) { return a.isEqual(&b); }
+
     const _eFullTypeInfo* _aGetFullTypeInfo() const override { return _aTypeRecord(); }
     static const _eFullTypeInfo* _aTypeRecord() {
         static const _eFullTypeInfo record(Self::typeName, _aParentRecord<Base>());

@@ -1,7 +1,7 @@
 // `_eStorable`: the root of the values that can go to a storage stream.
 #pragma once
 
-#include "runtime/Any.h"
+#include "runtime/TypeInfo.h"
 
 class MB_API _eStorable : public _eAny {
 public:
@@ -9,6 +9,9 @@ public:
     bool isEqual(const _eAnyBase* other) const override {
         return other == this || (other != nullptr && typeid(*other) == typeid(*this));
     }
-    // Writes the fields, in the order of their declaration.
-    virtual void storeFields(StoreStream& stream) const = 0;
+    const _eFullTypeInfo* _aGetFullTypeInfo() const override { return _aTypeRecord(); }
+    static const _eFullTypeInfo* _aTypeRecord() {
+        static const _eFullTypeInfo record(L"_eStorable", nullptr);
+        return &record;
+    }
 };

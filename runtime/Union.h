@@ -7,7 +7,7 @@
 class _eUnion {
 public:
     _eUnion() = default;
-    _eUnion(const _eAny* object) : value(object) {}
+    _eUnion(_eAny* object) : value(object) {}
     template <class C>
     _eUnion(const _eHndl<C>& object) : value(object.get()) {}
 
@@ -18,15 +18,15 @@ public:
     }
     // The alternative as a C; null if it is of another class.
     template <class C>
-    _eHndl<const C> as() const {
+    _eHndl<C> as() const {
         if (!holds<C>()) return {};
-        return static_cast<const C*>(value.get());
+        return static_cast<C*>(value.get());
     }
-    const _eAny* get() const { return value.get(); }
+    _eAny* get() const { return value.get(); }
     bool isNull() const { return value.isNull(); }
 
     bool operator==(const _eUnion& other) const { return value == other.value; }
 
 private:
-    _eFrom<const _eAny> value;  // the alternative held
+    _eFrom<_eAny> value;  // the alternative held
 };

@@ -33,7 +33,11 @@ public:
         return defaultRank(other);
     }
 
-    void storeFields(StoreStream&) const override { raiseCannotHappen(_xPlaces::wrapperStoreFields); }
+    // A wrapper is stored whole by `store`; writing its fields alone is never asked for.
+    virtual void storeFields(StoreStream&) const { raiseCannotHappen(_xPlaces::wrapperStoreFields); }
+
+    // Wrappers stand at level 1, without a parent record.
+    static const _eFullTypeInfo* _aTypeRecord() { return nullptr; }
 
     const T& get() const { return value; }
     bool equalFields(const _eWrapperBase& other) const { return value == other.value; }

@@ -1,0 +1,59 @@
+// The library's version record, and the lookup of any loaded module's record.
+#include <dlfcn.h>
+#include <link.h>
+
+#include <cstdint>
+#include <string>
+
+#include "environment/Environment.h"
+#include "environment/PlatformText.h"
+
+// The four numbers of the project version, given by the build. Any module that exports a
+// record of this name has a version that `moduleVersion` can read.
+extern "C" MB_API const std::uint16_t ModelBridgeVersionRecord[4] = {
+    MODELBRIDGE_VERSION_0, MODELBRIDGE_VERSION_1, MODELBRIDGE_VERSION_2, MODELBRIDGE_VERSION_3};
+
+namespace {
+
+bool endsWith(const std::string& text, const std::string& tail) {
+    return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+}
+
+// True if a loaded file is the module of that name: the name itself, with or without a version
+// behind it, or "X.dll" standing for "libX.so" in the same way.
+bool designates(const std::string& file, const std::string& module) {
+    std::string base = file.substr(file.rfind('/') + 1);
+    if (base == module || base.rfind(module + ".", 0) == 0) return true;
+    std::string stem = module;
+    if (endsWith(stem, ".dll") || endsWith(stem, ".DLL")) stem.resize(stem.size() - 4);
+    std::string shared = "lib" + stem + ".so";
+    return base == shared || base.rfind(shared + ".", 0) == 0;
+}
+
+struct Search {
+    std::string module;  // the name asked for
+    std::string path;    // the file of the module found
+};
+
+int visit(dl_phdr_info* info, std::size_t, void* data) {
+    auto* search = static_cast<Search*>(data);
+    if (info->dlpi_name == nullptr || info->dlpi_name[0] == '\0') return 0;
+    if (!designates(info->dlpi_name, search->module)) return 0;
+    search->path = info->dlpi_name;
+    return 1;
+}
+
+}  // namespace
+
+_eSeq<int> Environment::moduleVersion(const _eString& moduleName) const {
+    _eSeq<int> zeros{0, 0, 0, 0};
+    Search search{toPlatformText(moduleName), {}};
+    if (search.module.empty() || dl_iterate_phdr(visit, &search) == 0) return zeros;
+    void* module = dlopen(search.path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    if (module == nullptr) return zeros;
+    const auto* record = static_cast<const std::uint16_t*>(dlsym(module, "ModelBridgeVersionRecord"));
+    _eSeq<int> version = zeros;
+    if (record != nullptr) version = _eSeq<int>{record[0], record[1], record[2], record[3]};
+    dlclose(module);
+    return version;
+}

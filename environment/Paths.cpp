@@ -1,0 +1,114 @@
+#include "environment/Paths.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "environment/PlatformText.h"
+
+namespace {
+
+constexpr std::size_t pathLimit = PATH_MAX;  // bytes, the terminator included
+
+std::string workingDirectory() {
+    std::string buffer(pathLimit, '\0');
+    if (getcwd(buffer.data(), buffer.size()) == nullptr) return {};
+    buffer.resize(std::char_traits<char>::length(buffer.c_str()));
+    return buffer;
+}
+
+bool asciiEqualIgnoringCase(const std::string& a, const std::string& b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        char x = a[i], y = b[i];
+        if (x >= 'A' && x <= 'Z') x = char(x - 'A' + 'a');
+        if (y >= 'A' && y <= 'Z') y = char(y - 'A' + 'a');
+        if (x != y) return false;
+    }
+    return true;
+}
+
+// The spelling of `component` in `directory`: itself if it exists so, else the one entry that
+// matches it ignoring case. Empty if neither.
+std::string spelledEntry(const std::string& directory, const std::string& component) {
+    struct stat status;
+    std::string exact = directory + "/" + component;
+    if (lstat(exact.c_str(), &status) == 0) return component;
+    DIR* dir = opendir(directory.empty() ? "/" : directory.c_str());
+    if (dir == nullptr) return {};
+    std::string found;
+    int matches = 0;
+    while (const dirent* entry = readdir(dir)) {
+        std::string name = entry->d_name;
+        if (asciiEqualIgnoringCase(name, component)) {
+            found = name;
+            ++matches;
+        }
+    }
+    closedir(dir);
+    return matches == 1 ? found : std::string();
+}
+
+}  // namespace
+
+_eString resolvePath(const _eString& text) {
+    if (text.isEmpty()) return {};
+    std::string path = toPlatformText(text);
+    if (path[0] != '/') {
+        std::string cwd = workingDirectory();
+        if (cwd.empty()) return {};
+        path = cwd + "/" + path;
+    }
+    bool trailing = path.back() == '/';
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    while (start <= path.size()) {
+        std::size_t end = path.find('/', start);
+        if (end == std::string::npos) end = path.size();
+        std::string part = path.substr(start, end - start);
+        if (part == "..") {
+            if (!parts.empty()) parts.pop_back();
+        } else if (!part.empty() && part != ".") {
+            parts.push_back(part);
+        }
+        start = end + 1;
+    }
+    std::string out = "/";
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        out += parts[i];
+        if (i + 1 < parts.size() || trailing) out += "/";
+    }
+    if (out.size() >= pathLimit) return {};
+    return fromPlatformText(out);
+}
+
+_eString correctCase(const _eString& path) {
+    std::string text = toPlatformText(path);
+    if (text.size() < 2 || text[0] != '/') return path;
+    std::string result;
+    std::size_t start = 1;
+    while (start < text.size()) {
+        std::size_t end = text.find('/', start);
+        if (end == std::string::npos) end = text.size();
+        std::string spelled = spelledEntry(result, text.substr(start, end - start));
+        if (spelled.empty()) {
+            result += text.substr(start - 1);
+            return fromPlatformText(result);
+        }
+        result += "/" + spelled;
+        start = end + 1;
+    }
+    if (text.back() == '/') result += "/";
+    return fromPlatformText(result);
+}
+
+int lastComponentStart(const _eString& path) {
+    for (int i = path.size(); i > 0; --i)
+        if (path.at(i - 1) == pathSeparator) return i;
+    return 0;
+}

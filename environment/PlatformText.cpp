@@ -1,0 +1,75 @@
+#include "environment/PlatformText.h"
+
+#include <vector>
+
+void appendUtf8(std::string& out, std::uint32_t unit) {
+    if (unit < 0x80) {
+        out.push_back(char(unit));
+    } else if (unit < 0x800) {
+        out.push_back(char(0xC0 | (unit >> 6)));
+        out.push_back(char(0x80 | (unit & 0x3F)));
+    } else if (unit < 0x10000) {
+        out.push_back(char(0xE0 | (unit >> 12)));
+        out.push_back(char(0x80 | ((unit >> 6) & 0x3F)));
+        out.push_back(char(0x80 | (unit & 0x3F)));
+    } else {
+        out.push_back(char(0xF0 | ((unit >> 18) & 0x07)));
+        out.push_back(char(0x80 | ((unit >> 12) & 0x3F)));
+        out.push_back(char(0x80 | ((unit >> 6) & 0x3F)));
+        out.push_back(char(0x80 | (unit & 0x3F)));
+    }
+}
+
+std::string toPlatformText(const _eString& text) {
+    std::string out;
+    out.reserve(std::size_t(text.size()));
+    _eSeqReader<wchar_t> reader(text);
+    for (int i = 0, n = text.size(); i < n; ++i) appendUtf8(out, std::uint32_t(reader.next()));
+    return out;
+}
+
+namespace {
+
+// The length of the valid UTF-8 sequence at `at`, or 0 if there is none.
+std::size_t sequenceLength(std::string_view bytes, std::size_t at, std::uint32_t& unit) {
+    auto byte = [&](std::size_t i) { return std::uint32_t(static_cast<unsigned char>(bytes[i])); };
+    std::uint32_t lead = byte(at);
+    std::size_t length;
+    std::uint32_t minimum;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        length = 2, minimum = 0x80, unit = lead & 0x1F;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        length = 3, minimum = 0x800, unit = lead & 0x0F;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        length = 4, minimum = 0x10000, unit = lead & 0x07;
+    } else {
+        return 0;
+    }
+    if (at + length > bytes.size()) return 0;
+    for (std::size_t i = 1; i < length; ++i) {
+        std::uint32_t b = byte(at + i);
+        if ((b & 0xC0) != 0x80) return 0;
+        unit = (unit << 6) | (b & 0x3F);
+    }
+    if (unit < minimum || unit > 0x10FFFF || (unit >= 0xD800 && unit <= 0xDFFF)) return 0;
+    return length;
+}
+
+}  // namespace
+
+_eString fromPlatformText(std::string_view bytes) {
+    std::vector<wchar_t> units;
+    units.reserve(bytes.size());
+    for (std::size_t i = 0; i < bytes.size();) {
+        std::uint32_t unit = 0;
+        std::size_t length = static_cast<unsigned char>(bytes[i]) < 0x80 ? 0 : sequenceLength(bytes, i, unit);
+        if (length == 0) {
+            units.push_back(wchar_t(static_cast<unsigned char>(bytes[i])));
+            ++i;
+        } else {
+            units.push_back(wchar_t(unit));
+            i += length;
+        }
+    }
+    return _eString(int(units.size()), units.data());
+}

@@ -1,0 +1,226 @@
+// Files through the environment: modes, bytes, direction changes, sizes and failures.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "environment/Environment.h"
+#include "environment/PlatformText.h"
+#include "support/TempDir.h"
+
+namespace {
+
+using Modes = FileModes;
+const FileModeType::_eEnum Read = FileModeType::read;
+const FileModeType::_eEnum Create = FileModeType::create;
+const FileModeType::_eEnum Append = FileModeType::append;
+const FileModeType::_eEnum Text = FileModeType::text;
+
+class EnvironmentFiles : public testing::Test {
+protected:
+    _eString path(const std::string& name) const { return fromPlatformText(dir / name); }
+
+    _eHndl<FileRef> openOk(const std::string& name, const Modes& modes) {
+        _eUnion result = env->open(path(name), modes);
+        EXPECT_TRUE(result.holds<FileRef>()) << "open " << name;
+        return result.as<FileRef>();
+    }
+    FileError::_eEnum openError(const std::string& name, const Modes& modes) {
+        _eUnion result = env->open(path(name), modes);
+        if (!result.holds<FileError::_eWrapper>()) return FileError::success;
+        return result.as<FileError::_eWrapper>()->get();
+    }
+
+    std::string readAll(const _eHndl<FileRef>& file) {
+        std::string out;
+        wchar_t unit = 0;
+        FileError::_eEnum error;
+        for (env->readByte(file, unit, error); error == FileError::success; env->readByte(file, unit, error))
+            out.push_back(char(unit));
+        EXPECT_EQ(error, FileError::endOfFile);
+        return out;
+    }
+    void closeOk(const _eHndl<FileRef>& file) {
+        FileError::_eEnum error;
+        env->close(file, error);
+        EXPECT_EQ(error, FileError::success);
+    }
+
+    TempDir dir;
+    _eHndl<Environment> env{new Environment()};
+};
+
+}  // namespace
+
+TEST(EnvironmentModes, TheModeTextOfEveryModeSet) {
+    EXPECT_STREQ(Environment::modeText(Modes(), false), "rb");
+    EXPECT_STREQ(Environment::modeText(Modes(Read), false), "rb");
+    EXPECT_STREQ(Environment::modeText(Modes(Text), false), "rt");
+    EXPECT_STREQ(Environment::modeText(Modes(Read, Text), false), "rt");
+    EXPECT_STREQ(Environment::modeText(Modes(Create), false), "wb");
+    EXPECT_STREQ(Environment::modeText(Modes(Create, Read), false), "wb+");
+    EXPECT_STREQ(Environment::modeText(Modes(Create, Text), false), "wt");
+    EXPECT_STREQ(Environment::modeText(Modes(Create, Text, Read), false), "wt+");
+    EXPECT_STREQ(Environment::modeText(Modes(Append), false), "wb");
+    EXPECT_STREQ(Environment::modeText(Modes(Append, Text), false), "wt");
+    EXPECT_STREQ(Environment::modeText(Modes(Append), true), "rb+");
+    EXPECT_STREQ(Environment::modeText(Modes(Append, Text), true), "rt+");
+    EXPECT_STREQ(Environment::modeText(Modes(Append, Create), true), "wb");
+}
+
+TEST_F(EnvironmentFiles, CreateTruncatesAndAppendKeepsAndExtends) {
+    dir.write("a.txt", "old content");
+    auto file = openOk("a.txt", Modes(Create));
+    FileError::_eEnum error;
+    env->writeText(file, L"new", error);
+    EXPECT_EQ(error, FileError::success);
+    closeOk(file);
+    EXPECT_EQ(dir.read("a.txt"), "new");
+
+    file = openOk("a.txt", Modes(Append));
+    env->writeText(file, L"+more", error);
+    closeOk(file);
+    EXPECT_EQ(dir.read("a.txt"), "new+more");
+
+    // Append on a missing file creates it.
+    file = openOk("fresh.txt", Modes(Append, Text));
+    env->writeText(file, L"line\n", error);
+    closeOk(file);
+    EXPECT_EQ(dir.read("fresh.txt"), "line\n");
+}
+
+TEST_F(EnvironmentFiles, EveryByteReadsBackUnchangedAndEndOfFileRepeats) {
+    std::string bytes;
+    for (int b = 0; b < 256; ++b) bytes.push_back(char(b));
+    dir.write("bytes.bin", bytes);
+    auto file = openOk("bytes.bin", Modes(Read));
+    std::vector<wchar_t> units;
+    wchar_t unit = 0;
+    FileError::_eEnum error;
+    for (env->readByte(file, unit, error); error == FileError::success; env->readByte(file, unit, error))
+        units.push_back(unit);
+    ASSERT_EQ(units.size(), 256u);
+    for (int b = 0; b < 256; ++b) EXPECT_EQ(units[std::size_t(b)], wchar_t(b));
+    unit = L'?';
+    env->readByte(file, unit, error);
+    EXPECT_EQ(error, FileError::endOfFile);
+    EXPECT_EQ(unit, L'?');
+    closeOk(file);
+    env->readByte(file, unit, error);
+    EXPECT_EQ(error, FileError::fileNotOpen);
+}
+
+TEST_F(EnvironmentFiles, WritesUnitsUpTo255AsBytesAndLargerAsUtf8) {
+    std::vector<wchar_t> units;
+    for (int u = 0; u < 256; ++u) units.push_back(wchar_t(u));
+    units.push_back(wchar_t(0x20AC));
+    auto file = openOk("out.bin", Modes(Create));
+    FileError::_eEnum error;
+    env->writeText(file, _eString(int(units.size()), units.data()), error);
+    EXPECT_EQ(error, FileError::success);
+    closeOk(file);
+    std::string expected;
+    for (int b = 0; b < 256; ++b) expected.push_back(char(b));
+    expected += "\xE2\x82\xAC";
+    EXPECT_EQ(dir.read("out.bin"), expected);
+}
+
+TEST_F(EnvironmentFiles, ReadingAWriteOnlyFileIsAnAttributeError) {
+    auto file = openOk("w.bin", Modes(Create));
+    wchar_t unit;
+    FileError::_eEnum error;
+    env->readByte(file, unit, error);
+    EXPECT_EQ(error, FileError::attribError);
+    closeOk(file);
+}
+
+TEST_F(EnvironmentFiles, ReadAfterWriteOnOneFileAndSizeKeepsThePosition) {
+    auto file = openOk("rw.bin", Modes(Create, Read));
+    FileError::_eEnum error;
+    env->writeText(file, L"abcdef", error);
+    std::int32_t size = -1;
+    env->fileSize(file, size, error);
+    EXPECT_EQ(error, FileError::success);
+    EXPECT_EQ(size, 6);
+    std::fseek(file->getStream(), 2, SEEK_SET);
+    wchar_t unit;
+    env->readByte(file, unit, error);
+    EXPECT_EQ(error, FileError::success);
+    EXPECT_EQ(unit, L'c');
+    env->fileSize(file, size, error);
+    EXPECT_EQ(size, 6);
+    env->readByte(file, unit, error);
+    EXPECT_EQ(unit, L'd');
+    env->writeText(file, L"X", error);
+    EXPECT_EQ(error, FileError::success);
+    closeOk(file);
+    EXPECT_EQ(dir.read("rw.bin"), "abcdXf");
+}
+
+TEST_F(EnvironmentFiles, OpenFailuresMapToFileErrors) {
+    EXPECT_EQ(openError("missing.txt", Modes(Read)), FileError::fileNotFound);
+    EXPECT_EQ(openError("no/such/dir.txt", Modes(Create)), FileError::fileNotFound);
+    dir.write("locked.txt", "x");
+    chmod((dir / "locked.txt").c_str(), 0444);
+    // Permission bits don't stop the super-user; a kernel file without write access does.
+    std::string target = geteuid() != 0 ? dir / "locked.txt" : "/sys/kernel/notes";
+    if (access(target.c_str(), F_OK) == 0) {
+        _eUnion locked = env->open(fromPlatformText(target), Modes(Create));
+        ASSERT_TRUE(locked.holds<FileError::_eWrapper>());
+        EXPECT_EQ(locked.as<FileError::_eWrapper>()->get(), FileError::attribError);
+    }
+    // A directory opens for reading on this platform; writing it is refused as other trouble.
+    mkdir((dir / "sub").c_str(), 0755);
+    EXPECT_EQ(openError("sub", Modes(Create)), FileError::otherError);
+    EXPECT_TRUE(env->fileExists(path("locked.txt")));
+    EXPECT_FALSE(env->fileExists(path("missing.txt")));
+}
+
+TEST_F(EnvironmentFiles, StatsOfFilesDirectoriesAndMissingPaths) {
+    dir.write("f.txt", "12345");
+    _eUnion f = env->stats(path("f.txt"));
+    ASSERT_TRUE(f.holds<FileStats>());
+    auto stats = f.as<FileStats>();
+    EXPECT_EQ(stats->getSize(), 5);
+    EXPECT_TRUE(stats->getAttributes().contains(FileAttribute::read));
+    EXPECT_TRUE(stats->getAttributes().contains(FileAttribute::write));
+    EXPECT_FALSE(stats->getAttributes().contains(FileAttribute::directory));
+    EXPECT_GE(stats->getLastModified()->getYear(), 2020);
+    std::wstring text = toWString(stats->toString());
+    EXPECT_EQ(text.rfind(L"FileStats object represents a file of size 5 bytes, Created: Year=", 0), 0u) << text;
+    EXPECT_TRUE(text.ends_with(L"Sec=" + std::to_wstring(stats->getLastAccessed()->getSecond()) +
+                               L", With attributes: write;read"))
+        << text;
+
+    _eUnion d = env->stats(fromPlatformText(dir.path() + "/"));
+    ASSERT_TRUE(d.holds<FileStats>());
+    EXPECT_EQ(d.as<FileStats>()->getSize(), 0);
+    EXPECT_TRUE(d.as<FileStats>()->getAttributes().contains(FileAttribute::directory));
+    EXPECT_EQ(toWString(d.as<FileStats>()->toString()).rfind(L"FileStats object represents a directory, ", 0), 0u);
+    EXPECT_TRUE(env->stats(L"/").holds<FileStats>());
+
+    _eUnion trailing = env->stats(path("f.txt/"));
+    ASSERT_TRUE(trailing.holds<FileError::_eWrapper>());
+    EXPECT_EQ(trailing.as<FileError::_eWrapper>()->get(), FileError::directoryNotFound);
+    _eUnion missing = env->stats(path("nothing"));
+    ASSERT_TRUE(missing.holds<FileError::_eWrapper>());
+    EXPECT_EQ(missing.as<FileError::_eWrapper>()->get(), FileError::fileNotFound);
+}
+
+TEST(EnvironmentClock, TimeAndProcessorTicks) {
+    _eHndl<Environment> env(new Environment());
+    _eHndl<Time> now = env->currentTime();
+    EXPECT_GE(now->getYear(), 2024);
+    EXPECT_GE(now->getMonth(), 1);
+    EXPECT_LE(now->getMonth(), 12);
+    EXPECT_EQ(env->ticksPerSecond(), 1000);
+    std::int32_t before = env->processorTime();
+    volatile double sink = 0;
+    for (int i = 0; i < 20000000; ++i) sink = sink + i * 0.5;
+    EXPECT_GT(env->processorTime(), before);
+    // The unit tests link the library statically: no loaded module carries its name.
+    EXPECT_EQ(env->moduleVersion(L"ModelBridge.dll"), (_eSeq<int>{0, 0, 0, 0}));
+}

@@ -1,0 +1,144 @@
+// File names: resolution, splitting, forced extensions and the file system's spelling.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utime.h>
+
+#include "environment/Environment.h"
+#include "environment/FileName.h"
+#include "environment/OsInfo.h"
+#include "environment/Paths.h"
+#include "environment/PlatformText.h"
+#include "support/TempDir.h"
+
+namespace {
+
+class FileNames : public testing::Test {
+protected:
+    // The temporary directory with a trailing separator, as a default directory.
+    _eString base() const { return fromPlatformText(dir.path() + "/"); }
+    FileName named(const _eString& name, const _eString& forced = {}) const {
+        return FileName(base(), name, forced, env.get());
+    }
+    std::wstring full(const std::string& rest) const { return toWString(fromPlatformText(dir.path() + rest)); }
+
+    TempDir dir;
+    _eHndl<Environment> env{new Environment()};
+};
+
+std::wstring text(const _eString& s) { return toWString(s); }
+
+template <class C>
+_eRank rankOf(const C& a, const C& b) {
+    return a.rank(&b);
+}
+
+}  // namespace
+
+TEST_F(FileNames, SplitsNameAndExtensionAtTheLastDot) {
+    FileName model = named(L"model.xmi");
+    EXPECT_TRUE(model.isValid());
+    EXPECT_EQ(text(model.getDirectory()), full("/"));
+    EXPECT_EQ(text(model.getName()), L"model");
+    EXPECT_EQ(text(model.getExtension()), L"xmi");
+    EXPECT_EQ(text(model.fullPathText()), full("/model.xmi"));
+
+    FileName hidden = named(L".profile");
+    EXPECT_FALSE(hidden.isValid());
+    EXPECT_EQ(text(hidden.getExtension()), L"profile");
+
+    FileName dotted = named(L"a.b.c");
+    EXPECT_EQ(text(dotted.getName()), L"a.b");
+    EXPECT_EQ(text(dotted.getExtension()), L"c");
+
+    FileName bare = named(L"foo.");
+    EXPECT_TRUE(bare.isValid());
+    EXPECT_EQ(text(bare.getExtension()), L"");
+    EXPECT_EQ(text(bare.fileNameText()), L"foo");
+
+    EXPECT_EQ(text(named(L"foo.bar", L"tv").fileNameText()), L"foo.tv");
+    EXPECT_EQ(text(named(L"foo", L"tv").fileNameText()), L"foo.tv");
+    EXPECT_EQ(text(named(L"x.y/plain").fileNameText()), L"plain");
+}
+
+TEST_F(FileNames, RelativeAbsoluteDotsAndTrailingSeparators) {
+    mkdir((dir / "sub").c_str(), 0755);
+    EXPECT_EQ(text(named(L"sub/../sub/./f.txt").fullPathText()), full("/sub/f.txt"));
+    EXPECT_EQ(text(named(L"sub//f.txt").fullPathText()), full("/sub/f.txt"));
+    // An absolute name ignores the default directory.
+    FileName absolute(L"/nowhere/", fromPlatformText(dir.path() + "/sub/f.txt"), L"", env.get());
+    EXPECT_EQ(text(absolute.fullPathText()), full("/sub/f.txt"));
+    // A relative name without a default directory is taken against the working directory.
+    char cwd[4096];
+    ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
+    EXPECT_EQ(text(FileName(L"rel.txt", env.get()).fullPathText()), toWString(fromPlatformText(std::string(cwd) + "/rel.txt")));
+    // Up from the root stays at the root.
+    EXPECT_EQ(text(FileName(L"/../../etc", env.get()).fullPathText()), L"/etc");
+
+    FileName trailing = named(L"sub/");
+    EXPECT_FALSE(trailing.isValid());
+    EXPECT_EQ(text(trailing.getName()), L"");
+    FileName empty = named(L"");
+    EXPECT_FALSE(empty.isValid());
+    EXPECT_EQ(text(empty.fullPathText()), L"");
+    EXPECT_TRUE(env->fullPath(L"", L"").isNull());
+    _eHndl<FilePath> root = env->fullPath(L"", L"/");
+    ASSERT_FALSE(root.isNull());
+    EXPECT_EQ(text(root->getDirectory()), L"/");
+    EXPECT_EQ(text(root->getFile()), L"");
+}
+
+TEST_F(FileNames, TakeTheFileSystemsSpellingWhereItIsClear) {
+    mkdir((dir / "Models").c_str(), 0755);
+    dir.write("Models/Bank.XMI", "x");
+    FileName other = named(L"models/bank.xmi");
+    EXPECT_EQ(text(other.fullPathText()), full("/Models/Bank.XMI"));
+    EXPECT_EQ(text(other.getExtension()), L"XMI");
+    EXPECT_TRUE(other == named(L"MODELS/BANK.xmi"));
+    EXPECT_EQ(rankOf(other, named(L"Models/Bank.XMI")), rankSame);
+
+    // From the first missing component on, the path stays as given.
+    EXPECT_EQ(text(named(L"MODELS/New/File.txt").fullPathText()), full("/Models/New/File.txt"));
+    EXPECT_EQ(text(named(L"MODELS/new/file.txt").fullPathText()), full("/Models/new/file.txt"));
+
+    // Two entries that differ in case only: no spelling is taken.
+    dir.write("ab", "1");
+    dir.write("AB", "2");
+    EXPECT_EQ(text(named(L"Ab").fullPathText()), full("/Ab"));
+    EXPECT_EQ(text(named(L"AB").fullPathText()), full("/AB"));
+    EXPECT_EQ(text(correctCase(L"/")), L"/");
+}
+
+TEST_F(FileNames, RankByDirectoryThenNameThenExtension) {
+    EXPECT_EQ(rankOf(named(L"a.z"), named(L"b.a")), rankBelow);
+    EXPECT_EQ(rankOf(named(L"a.z"), named(L"a.a")), rankAbove);
+    EXPECT_EQ(rankOf(named(L"z/a.a"), named(L"b.a")), rankAbove);
+    EXPECT_TRUE(named(L"a.b") == named(L"a.b"));
+    EXPECT_FALSE(named(L"a.b") == named(L"a.c"));
+    FileName none;
+    EXPECT_FALSE(none.isValid());
+    EXPECT_EQ(text(none.fullPathText()), L"");
+}
+
+TEST_F(FileNames, TimesOfAFileAreBrokenDownInUtc) {
+    dir.write("old.txt", "x");
+    utimbuf times{1325376000, 1325376000};  // 1 January 2012, 00:00:00 UTC, a Sunday
+    ASSERT_EQ(utime((dir / "old.txt").c_str(), &times), 0);
+    _eUnion result = env->stats(fromPlatformText(dir / "old.txt"));
+    ASSERT_TRUE(result.holds<FileStats>());
+    _eHndl<Time> modified = result.as<FileStats>()->getLastModified();
+    EXPECT_EQ(text(modified->toString()), L"Year=2012;Month=1;Date=1;Day=0;Hour=0;Min=0;Sec=0");
+    EXPECT_TRUE(*modified == Time(0, 0, 0, 0, 1, 1, 2012));
+    EXPECT_EQ(modified->rank(result.as<FileStats>()->getLastAccessed().get()), rankSame);
+
+    Time a(59, 59, 23, 6, 31, 12, 2011);
+    Time b(0, 0, 0, 0, 1, 1, 2012);
+    Time c(1, 0, 0, 0, 1, 1, 2012);
+    EXPECT_EQ(rankOf(a, b), rankBelow);
+    EXPECT_EQ(rankOf(c, b), rankAbove);
+    EXPECT_EQ(rankOf(b, c), rankBelow);
+    EXPECT_FALSE(b == c);
+    OsInfo os(OsType::linux, 6, 1, 0, 2);
+    EXPECT_EQ(text(os.toString()), L"linux 6.1 SP0.2");
+}
