@@ -11,6 +11,8 @@ set(MODELBRIDGE_SOURCES
   environment/Paths.cpp
   environment/PlatformText.cpp
   environment/Time.cpp
+  Generated/Location.cpp
+  Generated/XMLError.cpp
   Generated/XMLImporter.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

@@ -17,10 +17,24 @@ inline const _eFullTypeInfo* _aParentRecord() {
         return nullptr;
 }
 
+// The type records alone, for abstract classes: the concrete ones below them use `_eClass`.
 template <class Self, class Base>
-class _eClass : public Base {
+class _eAbstractClass : public Base {
 public:
     using Base::Base;
+
+    const _eFullTypeInfo* _aGetFullTypeInfo() const override { return _aTypeRecord(); }
+    static const _eFullTypeInfo* _aTypeRecord() {
+        static const _eFullTypeInfo record(Self::typeName, _aParentRecord<Base>());
+        return &record;
+    }
+    static _eHndl<_eInstblTypeInfo> _aMyTypeInfo() { return _aTypeRecord()->info; }
+};
+
+template <class Self, class Base>
+class _eClass : public _eAbstractClass<Self, Base> {
+public:
+    using _eAbstractClass<Self, Base>::_eAbstractClass;
 
     _eAnyBase* clone() const override { return new Self(static_cast<const Self&>(*this)); }
 
@@ -32,11 +46,4 @@ public:
     }
 
     friend bool operator==(const Self& a, const Self& b) { return a.isEqual(&b); }
-
-    const _eFullTypeInfo* _aGetFullTypeInfo() const override { return _aTypeRecord(); }
-    static const _eFullTypeInfo* _aTypeRecord() {
-        static const _eFullTypeInfo record(Self::typeName, _aParentRecord<Base>());
-        return &record;
-    }
-    static _eHndl<_eInstblTypeInfo> _aMyTypeInfo() { return _aTypeRecord()->info; }
 };

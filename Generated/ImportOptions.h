@@ -1,0 +1,35 @@
+// `ImportOptions`: the settings of generated text. All generation reads one shared instance.
+#pragma once
+
+#include <cstdint>
+
+#include "runtime/Class.h"
+
+class MB_API ImportOptions : public _eClass<ImportOptions, _eAny> {
+public:
+    static constexpr const wchar_t* typeName = L"ImportOptions";
+
+    ImportOptions() : lineWidth(100), indentText(L"\t"), commentPrefix(L"//") {}
+
+    bool equalFields(const ImportOptions& other) const {
+        return lineWidth == other.lineWidth && indentText == other.indentText &&
+               commentPrefix == other.commentPrefix && filePrefix == other.filePrefix;
+    }
+
+    // The one instance that generation uses, with the defaults; nothing changes it.
+    static const ImportOptions& defaults() {
+        static const _eHndl<ImportOptions> shared(new ImportOptions());
+        return *shared;
+    }
+
+    std::int32_t getLineWidth() const { return lineWidth; }
+    const _eString& getIndentText() const { return indentText; }
+    const _eString& getCommentPrefix() const { return commentPrefix; }
+    const _eString& getFilePrefix() const { return filePrefix; }
+
+private:
+    std::int32_t lineWidth;  // the column beyond which a line is broken
+    _eString indentText;     // one level of indentation
+    _eString commentPrefix;  // a token that begins with it is a comment
+    _eString filePrefix;     // put before the base name of each generated file
+};

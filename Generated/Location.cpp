@@ -1,0 +1,44 @@
+#include "Generated/Location.h"
+
+#include "runtime/StringUtils.h"
+
+_eRank Location::rank(const _eAnyBase* other) const {
+    const auto* that = dynamic_cast<const Location*>(other);
+    if (that == nullptr) return defaultRank(other);
+    if (file.isNull() != that->file.isNull()) return file.isNull() ? rankBelow : rankAbove;
+    if (!file.isNull()) {
+        _eRank byFile = file->rank(that->file.get());
+        if (byFile != rankSame) return byFile;
+    }
+    if (line != that->line) return line < that->line ? rankBelow : rankAbove;
+    if (column != that->column) return column < that->column ? rankBelow : rankAbove;
+    return rankSame;
+}
+
+_eString Location::text(bool shortFileNames) const {
+    if (file.isNull()) return L"<no file>";
+    return (shortFileNames ? file->fileNameText() : file->fullPathText()) + L" " + positionText();
+}
+
+_eString Location::positionText() const {
+    return _eString(L"(") + intToString(line) + L"," + intToString(column) + L")";
+}
+
+void Location::nextColumn() {
+    _eFreeze freeze(this);
+    column += 1;
+}
+
+void Location::nextLine() {
+    _eFreeze freeze(this);
+    line += 1;
+    column = 1;
+}
+
+void Location::nextTabStop(std::int32_t width) {
+    _eFreeze freeze(this);
+    std::int32_t c = column + width - 1;
+    std::int32_t remainder = c % width;
+    if (remainder < 0) remainder += width;
+    column = c + 1 - remainder;
+}

@@ -1,0 +1,48 @@
+// `Location`: a position in an input file, or nowhere.
+#pragma once
+
+#include <cstdint>
+
+#include "environment/FileName.h"
+#include "runtime/Class.h"
+
+class MB_API Location : public _eClass<Location, _eAny> {
+public:
+    static constexpr const wchar_t* typeName = L"Location";
+
+    // Line 0, column 0, no file.
+    Location() = default;
+    // Line 0, column 0 at `file`.
+    explicit Location(const _eHndl<FileName>& file) : file(file) {}
+
+    // The one location of every error that has no position.
+    static const _eHndl<Location>& nowhere() {
+        static const _eHndl<Location> shared(new Location());
+        return shared;
+    }
+
+    bool equalFields(const Location& other) const {
+        return line == other.line && column == other.column && file == other.file;
+    }
+    // By file (none first), then line, then column.
+    _eRank rank(const _eAnyBase* other) const override;
+
+    // "<no file>", or the file's name, a blank and `positionText()`.
+    virtual _eString text(bool shortFileNames) const;
+    // "(line,column)"
+    virtual _eString positionText() const;
+    virtual void nextColumn();
+    // To column 1 of the next line.
+    virtual void nextLine();
+    // To the next tab stop: with width 4 the stops are 1, 5, 9, ...
+    virtual void nextTabStop(std::int32_t width);
+
+    std::int32_t getLine() const { return line; }
+    std::int32_t getColumn() const { return column; }
+    const _eHndl<FileName>& getFile() const { return file; }
+
+private:
+    std::int32_t line = 0;
+    std::int32_t column = 0;
+    _eHndl<FileName> file;  // null for a location without a file
+};

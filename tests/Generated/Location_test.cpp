@@ -1,0 +1,81 @@
+// Positions in input files: their text, their movement and their order.
+#include <gtest/gtest.h>
+
+#include "Generated/ImportOptions.h"
+#include "Generated/Location.h"
+#include "environment/Environment.h"
+
+namespace {
+
+std::wstring text(const _eString& s) { return toWString(s); }
+
+class Locations : public testing::Test {
+protected:
+    _eHndl<FileName> file(const wchar_t* path) { return _eHndl<FileName>(new FileName(path, env.get())); }
+    _eHndl<Location> at(const _eHndl<FileName>& f, int line, int column) {
+        _eHndl<Location> l(new Location(f));
+        for (int i = 0; i < line; ++i) l->nextLine();
+        for (int i = 1; i < column; ++i) l->nextColumn();
+        return l;
+    }
+    _eHndl<Environment> env{new Environment()};
+};
+
+}  // namespace
+
+TEST_F(Locations, TextWithAndWithoutAFile) {
+    EXPECT_EQ(text(Location::nowhere()->text(true)), L"<no file>");
+    EXPECT_EQ(text(Location::nowhere()->text(false)), L"<no file>");
+    EXPECT_EQ(Location::nowhere().get(), Location::nowhere().get());
+    _eHndl<Location> l = at(file(L"/models/one/bank.xmi"), 12, 5);
+    EXPECT_EQ(text(l->text(true)), L"bank.xmi (12,5)");
+    EXPECT_EQ(text(l->text(false)), L"/models/one/bank.xmi (12,5)");
+    EXPECT_EQ(text(l->positionText()), L"(12,5)");
+    EXPECT_EQ(text(Location(file(L"/m/x.xmi")).positionText()), L"(0,0)");
+}
+
+TEST_F(Locations, LinesColumnsAndTabStops) {
+    Location l;
+    l.nextLine();
+    EXPECT_EQ(l.getLine(), 1);
+    EXPECT_EQ(l.getColumn(), 1);
+    l.nextTabStop(4);
+    EXPECT_EQ(l.getColumn(), 5);
+    l.nextTabStop(4);
+    EXPECT_EQ(l.getColumn(), 9);
+    l.nextLine();
+    for (int i = 0; i < 3; ++i) l.nextColumn();
+    EXPECT_EQ(l.getColumn(), 4);
+    l.nextTabStop(4);
+    EXPECT_EQ(l.getColumn(), 5);
+    l.nextColumn();
+    l.nextTabStop(8);
+    EXPECT_EQ(l.getColumn(), 9);
+    EXPECT_EQ(l.getLine(), 2);
+}
+
+TEST_F(Locations, OrderByFileThenLineThenColumn) {
+    _eHndl<FileName> a = file(L"/m/a.xmi");
+    _eHndl<FileName> b = file(L"/m/b.xmi");
+    _eHndl<Location> none = Location::nowhere();
+    EXPECT_EQ(none->rank(at(a, 0, 0).get()), rankBelow);
+    EXPECT_EQ(at(a, 0, 0)->rank(none.get()), rankAbove);
+    EXPECT_EQ(none->rank(_eHndl<Location>(new Location()).get()), rankSame);
+    EXPECT_EQ(at(a, 9, 9)->rank(at(b, 1, 1).get()), rankBelow);
+    EXPECT_EQ(at(a, 2, 9)->rank(at(a, 3, 1).get()), rankBelow);
+    EXPECT_EQ(at(a, 3, 2)->rank(at(a, 3, 1).get()), rankAbove);
+    EXPECT_EQ(at(a, 3, 2)->rank(at(file(L"/m/a.xmi"), 3, 2).get()), rankSame);
+    EXPECT_TRUE(*at(a, 3, 2) == *at(file(L"/m/a.xmi"), 3, 2));
+    EXPECT_FALSE(*at(a, 3, 2) == *at(b, 3, 2));
+    EXPECT_FALSE(*at(a, 3, 2) == *none);
+}
+
+TEST(ImportOptions, OneSharedInstanceWithTheDefaults) {
+    const ImportOptions& options = ImportOptions::defaults();
+    EXPECT_EQ(&options, &ImportOptions::defaults());
+    EXPECT_EQ(options.getLineWidth(), 100);
+    EXPECT_EQ(toWString(options.getIndentText()), L"\t");
+    EXPECT_EQ(toWString(options.getCommentPrefix()), L"//");
+    EXPECT_TRUE(options.getFilePrefix().isEmpty());
+    EXPECT_TRUE(options == ImportOptions());
+}
