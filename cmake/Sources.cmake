@@ -12,7 +12,9 @@ set(MODELBRIDGE_SOURCES
   environment/PlatformText.cpp
   environment/Time.cpp
   Generated/Location.cpp
+  Generated/StackValue.cpp
   Generated/XMLError.cpp
   Generated/XMLImporter.cpp
+  xml/XMLLex.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

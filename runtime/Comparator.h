@@ -45,7 +45,10 @@ public:
 
     // The order itself, without the virtual call: what sets and maps use.
     static _eRank order(const T& a, const T& b) {
-        if constexpr (std::is_same_v<T, _eString>) {
+        if constexpr (requires { _aOrderOf(a, b); }) {
+            // A type with an order of its own, found beside the type.
+            return _aOrderOf(a, b);
+        } else if constexpr (std::is_same_v<T, _eString>) {
             return rankStrings(a, b);
         } else if constexpr (_aIsHandle<T>::value) {
             if (a.isNull()) return b.isNull() ? rankSame : rankBelow;

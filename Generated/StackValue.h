@@ -1,0 +1,104 @@
+// The values on the parser's stack: terminals from the lexer, and the base of every syntax node.
+// Each carries the place in the input where it began.
+#pragma once
+
+#include <cstdint>
+
+#include "Generated/Location.h"
+#include "runtime/Class.h"
+
+// Token codes above the 256 characters.
+namespace Token {
+inline constexpr std::int32_t endOfFile = 256;
+inline constexpr std::int32_t error = 257;
+inline constexpr std::int32_t baseChar = 259;
+inline constexpr std::int32_t extNameCharA = 260;
+inline constexpr std::int32_t whiteSpace = 261;
+inline constexpr std::int32_t extNameCharB = 262;
+inline constexpr std::int32_t extender = 263;
+inline constexpr std::int32_t otherChar = 264;
+inline constexpr std::int32_t illegalChar = 265;
+}  // namespace Token
+
+class MB_API StackValue : public _eClass<StackValue, _eAny> {
+public:
+    static constexpr const wchar_t* typeName = L"StackValue";
+
+    explicit StackValue(const _eHndl<Location>& location) : location(location) {}
+
+    bool equalFields(const StackValue& other) const { return location == other.location; }
+
+    virtual void setLocation(const _eHndl<Location>& place) {
+        _eFreeze freeze(this);
+        location = place;
+    }
+
+    const _eHndl<Location>& getLocation() const { return location; }
+
+private:
+    _eHndl<Location> location;  // where the symbol began
+};
+
+class MB_API Terminal : public _eAbstractClass<Terminal, StackValue> {
+public:
+    static constexpr const wchar_t* typeName = L"Terminal";
+
+    Terminal(const _eHndl<Location>& location, std::int32_t token) : _eAbstractClass(location), token(token) {}
+
+    bool equalFields(const Terminal& other) const { return StackValue::equalFields(other) && token == other.token; }
+
+    virtual wchar_t getCharacter() const = 0;
+    // The token's text for a message.
+    virtual _eString getText() const = 0;
+
+    std::int32_t getToken() const { return token; }
+
+private:
+    std::int32_t token;  // the token code: a character below 256, a class above
+};
+
+// A token whose code says everything: a letter, digit or punctuation character, or the end.
+class MB_API SimpleTerminal : public _eClass<SimpleTerminal, Terminal> {
+public:
+    static constexpr const wchar_t* typeName = L"SimpleTerminal";
+
+    SimpleTerminal(const _eHndl<Location>& location, wchar_t character)
+        : _eClass(location, std::int32_t(character)) {}
+    SimpleTerminal(const _eHndl<Location>& location, std::int32_t code) : _eClass(location, code) {}
+
+    bool equalFields(const SimpleTerminal& other) const { return Terminal::equalFields(other); }
+
+    wchar_t getCharacter() const override { return wchar_t(getToken() & 0xFFFF); }
+    // "'<'" for printable ASCII, else "character(256)".
+    _eString getText() const override;
+};
+
+// A token that names a class of characters and carries the character itself.
+class MB_API ComplexTerminal : public _eClass<ComplexTerminal, Terminal> {
+public:
+    static constexpr const wchar_t* typeName = L"ComplexTerminal";
+
+    ComplexTerminal(const _eHndl<Location>& location, std::int32_t code, wchar_t character)
+        : _eClass(location, code), character(character) {}
+
+    bool equalFields(const ComplexTerminal& other) const {
+        return Terminal::equalFields(other) && character == other.character;
+    }
+
+    wchar_t getCharacter() const override { return character; }
+    // The character alone.
+    _eString getText() const override { return _eString(character); }
+
+private:
+    wchar_t character;  // 16 bits
+};
+
+// The base of every syntax node.
+class MB_API NonTerminal : public _eClass<NonTerminal, StackValue> {
+public:
+    static constexpr const wchar_t* typeName = L"NonTerminal";
+
+    using _eClass::_eClass;
+
+    bool equalFields(const NonTerminal& other) const { return StackValue::equalFields(other); }
+};

@@ -1,0 +1,186 @@
+// The lexer: one token per byte, positions, classes of characters, the end and failures.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "environment/PlatformText.h"
+#include "support/TempDir.h"
+#include "xml/XMLLex.h"
+
+namespace {
+
+struct Seen {
+    std::int32_t code;
+    wchar_t character;
+    int line;
+    int column;
+    bool complex;
+
+    bool operator==(const Seen&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Seen& s) {
+    return out << "{" << s.code << ", " << int(s.character) << ", (" << s.line << "," << s.column << ")"
+               << (s.complex ? " complex" : "") << "}";
+}
+
+Seen simple(std::int32_t code, int line, int column) { return {code, wchar_t(code & 0xFFFF), line, column, false}; }
+Seen complex(std::int32_t code, wchar_t c, int line, int column) { return {code, c, line, column, true}; }
+Seen end(int line, int column) { return simple(Token::endOfFile, line, column); }
+
+class Lexing : public testing::Test {
+protected:
+    _eHndl<XMLLex> open(const std::string& bytes, bool expectOpen = true) {
+        std::string path = dir.write("in.xml", bytes);
+        _eHndl<XMLLex> lex(new XMLLex(env.get(), 4));
+        bool ok = false;
+        lex->openFile(_eHndl<FileName>(new FileName(fromPlatformText(path), env.get())), ok);
+        EXPECT_EQ(ok, expectOpen);
+        return lex;
+    }
+    // Every token up to the first end, and `extraEnds` more; the tokens are kept meanwhile.
+    std::vector<Seen> tokens(const std::string& bytes, int extraEnds = 0) {
+        _eHndl<XMLLex> lex = open(bytes);
+        std::vector<_eHndl<Terminal>> held;
+        int ends = 0;
+        while (ends <= extraEnds) {
+            _eHndl<Terminal> t;
+            lex->nextToken(t);
+            held.push_back(t);
+            if (t->getToken() == Token::endOfFile) ++ends;
+        }
+        std::vector<Seen> out;
+        for (const auto& t : held) {
+            const Location& at = *t->getLocation();
+            out.push_back({t->getToken(), t->getCharacter(), at.getLine(), at.getColumn(),
+                           dynamic_cast<const ComplexTerminal*>(t.get()) != nullptr});
+        }
+        lex->closeFile();
+        EXPECT_TRUE(lex->getErrors().isEmpty());
+        return out;
+    }
+
+    TempDir dir;
+    _eHndl<Environment> env{new Environment()};
+};
+
+}  // namespace
+
+TEST_F(Lexing, PositionsFromTheFirstByteToTheRepeatedEnd) {
+    EXPECT_EQ(tokens("", 2), (std::vector<Seen>{end(1, 1), end(2, 1), end(3, 1)}));
+    EXPECT_EQ(tokens("ab"), (std::vector<Seen>{simple('a', 1, 1), simple('b', 1, 2), end(1, 3)}));
+    // A last line feed is not delivered: the end takes its place.
+    EXPECT_EQ(tokens("a\n", 1), (std::vector<Seen>{simple('a', 1, 1), end(1, 2), end(2, 1)}));
+    EXPECT_EQ(tokens("a\nb"),
+              (std::vector<Seen>{simple('a', 1, 1), complex(261, 10, 1, 2), simple('b', 2, 1), end(2, 2)}));
+    // Carriage return and line feed are two tokens and one line; a lone carriage return is a column.
+    EXPECT_EQ(tokens("a\r\nb"), (std::vector<Seen>{simple('a', 1, 1), complex(261, 13, 1, 2),
+                                                   complex(261, 10, 1, 3), simple('b', 2, 1), end(2, 2)}));
+    EXPECT_EQ(tokens("\rb"), (std::vector<Seen>{complex(261, 13, 1, 1), simple('b', 1, 2), end(1, 3)}));
+    // Tab stops every 4 columns: from columns 1 and 4 the next character is at 5.
+    EXPECT_EQ(tokens("\tx"), (std::vector<Seen>{complex(261, 9, 1, 1), simple('x', 1, 5), end(1, 6)}));
+    EXPECT_EQ(tokens("abc\tx")[4], simple('x', 1, 5));
+    EXPECT_EQ(tokens("abcd\tx")[5], simple('x', 1, 9));
+}
+
+TEST_F(Lexing, ClassesOfBytes) {
+    EXPECT_EQ(XMLLex::tokenCode('a'), 'a');
+    EXPECT_EQ(XMLLex::tokenCode('Z'), 'Z');
+    EXPECT_EQ(XMLLex::tokenCode('7'), '7');
+    EXPECT_EQ(XMLLex::tokenCode(' '), Token::whiteSpace);
+    EXPECT_EQ(XMLLex::tokenCode('+'), Token::otherChar);
+    EXPECT_EQ(XMLLex::tokenCode(183), Token::extender);
+    EXPECT_EQ(XMLLex::tokenCode(215), Token::otherChar);
+    EXPECT_EQ(XMLLex::tokenCode(247), Token::otherChar);
+    EXPECT_EQ(XMLLex::tokenCode(192), Token::baseChar);
+    EXPECT_EQ(XMLLex::tokenCode(255), Token::baseChar);
+    EXPECT_EQ(XMLLex::tokenCode(0), Token::illegalChar);
+    EXPECT_EQ(XMLLex::tokenCode(31), Token::illegalChar);
+    EXPECT_EQ(XMLLex::tokenCode(127), Token::otherChar);
+    int punctuation = 0, other = 0;
+    for (int c = 33; c < 127; ++c) {
+        bool alnum = std::isalnum(c) != 0;
+        if (!alnum && XMLLex::tokenCode(static_cast<unsigned char>(c)) == c) ++punctuation;
+        if (XMLLex::tokenCode(static_cast<unsigned char>(c)) == Token::otherChar) ++other;
+    }
+    EXPECT_EQ(punctuation, 25);
+    EXPECT_EQ(other, 7);  // + \ ^ ` { } ~
+
+    // Tokens of the classes carry their byte; the others are plain.
+    EXPECT_EQ(tokens("a +\xB7\xD7"),
+              (std::vector<Seen>{simple('a', 1, 1), complex(261, 32, 1, 2), complex(264, 43, 1, 3),
+                                 complex(263, 183, 1, 4), complex(264, 215, 1, 5), end(1, 6)}));
+    EXPECT_EQ(tokens(std::string("\0", 1))[0], complex(265, 0, 1, 1));
+    // A byte-order mark arrives as three bytes, the first of them a base character.
+    EXPECT_EQ(tokens("\xEF\xBB\xBF<")[0], complex(259, 0xEF, 1, 1));
+}
+
+TEST_F(Lexing, TerminalTexts) {
+    _eHndl<Location> here = Location::nowhere();
+    EXPECT_EQ(toWString(SimpleTerminal(here, L'<').getText()), L"'<'");
+    EXPECT_EQ(toWString(SimpleTerminal(here, std::int32_t(127)).getText()), L"'\x7F'");
+    EXPECT_EQ(toWString(SimpleTerminal(here, std::int32_t(128)).getText()), L"character(128)");
+    EXPECT_EQ(toWString(SimpleTerminal(here, Token::endOfFile).getText()), L"character(256)");
+    EXPECT_EQ(toWString(SimpleTerminal(here, std::int32_t(31)).getText()), L"character(31)");
+    EXPECT_EQ(toWString(ComplexTerminal(here, Token::otherChar, L'+').getText()), L"+");
+    EXPECT_EQ(SimpleTerminal(here, Token::endOfFile).getCharacter(), wchar_t(256));
+    EXPECT_TRUE(SimpleTerminal(here, L'a') == SimpleTerminal(here, L'a'));
+    EXPECT_FALSE(ComplexTerminal(here, 264, L'+').isEqual(_eHndl<ComplexTerminal>(new ComplexTerminal(here, 264, L'~')).get()));
+}
+
+TEST_F(Lexing, FailuresBecomeErrorRecords) {
+    _eHndl<XMLLex> lex(new XMLLex(env.get(), 4));
+    bool ok = true;
+    _eHndl<FileName> missing(new FileName(fromPlatformText(dir / "missing.xml"), env.get()));
+    lex->openFile(missing, ok);
+    EXPECT_FALSE(ok);
+    ASSERT_EQ(lex->getErrors().size(), 1);
+    EXPECT_EQ(toWString(lex->getErrors().at(0)->text(true)),
+              L"missing.xml (0,0): Fatal error! Unable to open file '" + toWString(missing->fullPathText()) +
+                  L"' for 'read' access.");
+    _eHndl<Terminal> t;
+    lex->nextToken(t);
+    EXPECT_EQ(t->getToken(), Token::endOfFile);
+    lex->closeFile();
+    EXPECT_EQ(lex->getErrors().size(), 1);
+
+    // A file that turns out shorter than its size: one read error, then the end. The stream
+    // may hold a block already, so the file is cut well behind the first one.
+    _eHndl<XMLLex> shrunk = open(std::string(100000, 'a'));
+    ASSERT_EQ(truncate((dir / "in.xml").c_str(), 10000), 0);
+    int letters = 0;
+    for (shrunk->nextToken(t); t->getToken() == 'a'; shrunk->nextToken(t)) ++letters;
+    EXPECT_EQ(letters, 10000);
+    EXPECT_EQ(t->getToken(), Token::endOfFile);
+    shrunk->nextToken(t);
+    EXPECT_EQ(t->getToken(), Token::endOfFile);
+    ASSERT_EQ(shrunk->getErrors().size(), 1);
+    EXPECT_EQ(shrunk->getErrors().at(0)->getKind(), XMLErrorType::fileRead);
+    EXPECT_EQ(shrunk->getErrors().at(0)->getLocation()->getColumn(), 10001);
+    shrunk->closeFile();
+    EXPECT_EQ(shrunk->getErrors().size(), 1);
+}
+
+TEST_F(Lexing, DroppedTokensLeaveOneLocationForTheWholeFile) {
+    std::string bytes;
+    for (int line = 0; bytes.size() < (1u << 20); ++line) bytes += "<a b=\"" + std::to_string(line) + "\">x</a>\n";
+    _eHndl<XMLLex> lex = open(bytes);
+    std::set<const Location*> places;
+    std::size_t count = 0;
+    for (_eHndl<Terminal> t;;) {
+        lex->nextToken(t);
+        places.insert(t->getLocation().get());
+        ++count;
+        if (t->getToken() == Token::endOfFile) break;
+        t.reset();
+    }
+    EXPECT_EQ(count, bytes.size());  // the last line feed gives way to the end
+    EXPECT_EQ(places.size(), 1u);
+    EXPECT_EQ(lex->lineNumber(), std::count(bytes.begin(), bytes.end(), '\n'));
+    lex->closeFile();
+    EXPECT_TRUE(lex->getErrors().isEmpty());
+}

@@ -1,0 +1,122 @@
+#include "xml/XMLLex.h"
+
+namespace {
+
+// The punctuation that the grammar tells apart, each its own token.
+constexpr const char* punctuation = "()<>[]%&/!?:;.,=-_|'\"*#@$";
+
+}  // namespace
+
+const XMLLex::CodeTable& XMLLex::codes() {
+    static const CodeTable table = [] {
+        CodeTable t{};
+        for (int c = 0; c < 256; ++c) {
+            std::int32_t code;
+            if (c == 9 || c == 10 || c == 13 || c == 32)
+                code = Token::whiteSpace;
+            else if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'))
+                code = c;
+            else if (c < 128 && c != 0 && std::char_traits<char>::find(punctuation, 25, char(c)) != nullptr)
+                code = c;
+            else if (c == 183)
+                code = Token::extender;
+            else if ((c >= 192 && c <= 214) || (c >= 216 && c <= 246) || c >= 248)
+                code = Token::baseChar;
+            else if (c > 32)
+                code = Token::otherChar;
+            else
+                code = Token::illegalChar;
+            t.table[c] = code;
+        }
+        return t;
+    }();
+    return table;
+}
+
+XMLLex::XMLLex(const Environment* environment, std::int32_t tabWidth)
+    : location(Location::nowhere()), environment(environment), tabWidth(tabWidth) {}
+
+bool XMLLex::equalFields(const XMLLex& other) const {
+    return file == other.file && currentChar == other.currentChar && bytesLeft == other.bytesLeft &&
+           location == other.location && errors == other.errors && path == other.path &&
+           environment == other.environment && tabWidth == other.tabWidth;
+}
+
+void XMLLex::openFile(const _eHndl<FileName>& fileName, bool& succeeded) {
+    _eFreeze freeze(this);
+    succeeded = false;
+    path = fileName->fullPathText();
+    _eUnion opened = environment->open(path, FileModes(FileModeType::read));
+    _eHndl<FileRef> ref = opened.as<FileRef>();
+    if (ref.isNull()) {
+        addError(_eHndl<Location>(new Location(fileName)), XMLErrorType::fileOpen, {path, L"read"});
+        return;
+    }
+    std::int32_t size = 0;
+    FileError::_eEnum error;
+    environment->fileSize(ref, size, error);
+    if (error != FileError::success) {
+        addError(_eHndl<Location>(new Location(fileName)), XMLErrorType::fileTell, {path});
+        environment->close(ref, error);
+        return;
+    }
+    bytesLeft = size;
+    file = ref;
+    location = new Location(fileName);
+    succeeded = true;
+}
+
+void XMLLex::closeFile() {
+    _eFreeze freeze(this);
+    if (!file.isNull()) {
+        FileError::_eEnum error;
+        environment->close(file, error);
+        if (error != FileError::success) addError(location, XMLErrorType::fileClose, {path});
+    }
+    file.reset();
+    bytesLeft = 0;
+    currentChar = 10;
+}
+
+void XMLLex::advance() {
+    // A token may still hold the position: then the lexer moves on with a copy of its own.
+    Location* here = location.uniquePointer();
+    if (currentChar == 10)
+        here->nextLine();
+    else if (currentChar == 9)
+        here->nextTabStop(tabWidth);
+    else
+        here->nextColumn();
+    if (bytesLeft < 1) {
+        currentChar = 10;
+        return;
+    }
+    wchar_t unit = 0;
+    FileError::_eEnum error;
+    environment->readByte(file, unit, error);
+    if (MB_UNLIKELY(error != FileError::success)) {
+        addError(location, XMLErrorType::fileRead, {path});
+        bytesLeft = 0;
+        currentChar = 10;
+        return;
+    }
+    currentChar = unit;
+    --bytesLeft;
+}
+
+void XMLLex::nextToken(_eHndl<Terminal>& token) {
+    advance();
+    if (bytesLeft == 0 && currentChar == 10) {
+        token = new SimpleTerminal(location, Token::endOfFile);
+        return;
+    }
+    std::int32_t code = tokenCode(static_cast<unsigned char>(currentChar));
+    if (code < 256)
+        token = new SimpleTerminal(location, code);
+    else
+        token = new ComplexTerminal(location, code, currentChar);
+}
+
+void XMLLex::addError(const _eHndl<Location>& where, XMLErrorType::_eEnum kind, const _eSeq<_eString>& arguments) {
+    errors.add(_eHndl<XMLError>(new XMLError(where, kind, arguments)));
+}

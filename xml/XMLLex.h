@@ -1,0 +1,49 @@
+// `XMLLex`: one token per input byte. It reads a byte, keeps the line and column, and puts the
+// byte into one of a few token classes; the grammar spells out everything else.
+#pragma once
+
+#include <cstdint>
+
+#include "Generated/StackValue.h"
+#include "Generated/XMLError.h"
+#include "environment/Environment.h"
+#include "environment/FileName.h"
+
+class MB_API XMLLex : public _eClass<XMLLex, _eAny> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLLex";
+
+    XMLLex(const Environment* environment, std::int32_t tabWidth);
+
+    bool equalFields(const XMLLex& other) const;
+
+    // Opens the file for reading and learns its size; failures go to the error set.
+    virtual void openFile(const _eHndl<FileName>& fileName, bool& succeeded);
+    virtual void closeFile();
+    // The token of the next byte; at the end `Token::endOfFile`, again and again, a line further each time.
+    virtual void nextToken(_eHndl<Terminal>& token);
+    virtual std::int32_t lineNumber() const { return location->getLine(); }
+    virtual XMLErrors getErrors() const { return errors; }
+
+    // The code of each byte; above 255 for the classes that carry their character.
+    static std::int32_t tokenCode(unsigned char byte) { return codes().table[byte]; }
+
+private:
+    struct CodeTable {
+        std::int32_t table[256];
+    };
+    static const CodeTable& codes();
+
+    // Moves past `currentChar` and reads the next byte.
+    void advance();
+    void addError(const _eHndl<Location>& where, XMLErrorType::_eEnum kind, const _eSeq<_eString>& arguments);
+
+    _eHndl<FileRef> file;              // the open input; null before opening and after closing
+    wchar_t currentChar = 10;          // the last byte read; 10 also for nothing yet and nothing more
+    std::int32_t bytesLeft = 0;        // bytes of the file not yet read
+    _eHndl<Location> location;         // the position of `currentChar`; changed only when unshared
+    XMLErrors errors;                  // what went wrong, each error once
+    _eString path;                     // the file's name, for messages
+    _eHndl<const Environment> environment;
+    std::int32_t tabWidth;             // distance of tab stops
+};
