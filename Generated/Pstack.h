@@ -30,7 +30,7 @@ public:
     }
     void pop(std::int32_t count) { top -= count; }
     // offset 0 is the first symbol popped, 1 the second, and so on.
-    StackEntry peek(std::int32_t offset) const { return entries.at(top + offset); }
+    const StackEntry& peek(std::int32_t offset) const { return entries.get(top + offset); }
     StackEntry& peekToChange(std::int32_t offset) { return entries.elementRef(top + offset); }
     // Drops the popped entries.
     void trim() {

@@ -11,10 +11,14 @@ set(MODELBRIDGE_SOURCES
   environment/Paths.cpp
   environment/PlatformText.cpp
   environment/Time.cpp
+  Generated/GrcParse.cpp
   Generated/Location.cpp
+  Generated/ParseTables.cpp
+  Generated/Parser.cpp
   Generated/StackValue.cpp
   Generated/XMLError.cpp
   Generated/XMLImporter.cpp
+  Generated/XMLParser.cpp
   xml/XMLLex.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

@@ -325,13 +325,16 @@ public:
         return uniqueChild(c)->elementRef(o);
     }
 
-    // Walks down without virtual calls: below a branch of level 1 every child is a leaf.
-    T at(int i) const override {
+    T at(int i) const override { return ref(i); }
+
+    // The element itself. Walks down without virtual calls: below a branch of level 1 every
+    // child is a leaf.
+    const T& ref(int i) const {
         const _eBranchNode* node = this;
         while (true) {
             auto [c, o] = node->locate(i);
             const _eBaseNode<T>* next = node->children.data[c].get();
-            if (node->level_ == 1) return static_cast<const _eLeafNode<T>*>(next)->at(o);
+            if (node->level_ == 1) return static_cast<const _eLeafNode<T>*>(next)->data()[o];
             node = static_cast<const _eBranchNode*>(next);
             i = o;
         }

@@ -36,6 +36,12 @@ public:
     // Not checked: 0 <= i < size().
     T at(int i) const { return root->at(i); }
     T first() const { return at(0); }
+    // The element in place, valid while this sequence is neither changed nor destroyed.
+    const T& get(int i) const {
+        const _eBaseNode<T>* node = root.get();
+        if (node->level() == 0) return node->asLeaf()->data()[i];
+        return node->asBranch()->ref(i);
+    }
 
     void pushBack(const T& x) {
         _eNodeHndl<T> overflow;

@@ -1,0 +1,24 @@
+// `XMLParser`: the LR driver over the tables of the XML grammar.
+#pragma once
+
+#include "Generated/Parser.h"
+
+class MB_API XMLParser : public _eClass<XMLParser, Parser> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLParser";
+
+    using _eClass::_eClass;
+
+    bool equalFields(const XMLParser& other) const { return Parser::equalFields(other); }
+
+    ActionTableEntry terminalAction(std::int32_t token) const override { return lookupEntry(tables().terminal, token); }
+    ActionTableEntry nonTerminalAction(std::int32_t nonTerminal) const override {
+        return lookupEntry(tables().nonTerminal, nonTerminal);
+    }
+    ReduceTableEntry reduction(std::int32_t production) const override { return tables().reductions.get(production); }
+    void reduceAction(std::int32_t semanticAction) override;
+    RecoveryTable recoveryTable() const override { return tables().recovery; }
+
+    // The tables of the XML grammar, built on first use and shared by all parsers.
+    static const ParseTables& tables();
+};

@@ -1,0 +1,218 @@
+// The LR driver: the search in a row, the actions, and the recovery machinery, on a small
+// grammar of the tests' own.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "Generated/XMLParser.h"
+
+extern const ParseTableData bracketParseTables;
+
+namespace {
+
+// A parser that exposes the search and logs its semantic actions with their locations.
+class BracketParser : public _eClass<BracketParser, Parser> {
+public:
+    static constexpr const wchar_t* typeName = L"BracketParser";
+    using _eClass::_eClass;
+
+    bool equalFields(const BracketParser& other) const { return Parser::equalFields(other); }
+    ActionTableEntry terminalAction(std::int32_t token) const override { return lookupEntry(tables().terminal, token); }
+    ActionTableEntry nonTerminalAction(std::int32_t n) const override { return lookupEntry(tables().nonTerminal, n); }
+    ReduceTableEntry reduction(std::int32_t p) const override { return tables().reductions.at(p); }
+    void reduceAction(std::int32_t action) override {
+        if (action != 0) log.push_back({action, getReduceLocation()->getColumn()});
+    }
+    RecoveryTable recoveryTable() const override { return tables().recovery; }
+
+    ActionTableEntry search(const ActionTable& table, std::int32_t symbol, std::int32_t inState) {
+        state = inState;
+        return lookupEntry(table, symbol);
+    }
+    static const ParseTables& tables() {
+        static const ParseTables built = ParseTables::build(bracketParseTables);
+        return built;
+    }
+
+    std::vector<std::pair<int, int>> log;  // semantic action, column of its location
+};
+
+_eHndl<Terminal> token(std::int32_t code, int column) {
+    _eHndl<Location> at(new Location());
+    at->nextLine();
+    for (int i = 1; i < column; ++i) at->nextColumn();
+    return _eHndl<Terminal>(new SimpleTerminal(at, code));
+}
+
+// Offers each character, then the end, until the parser has finished.
+template <class P>
+void feed(P& parser, const std::string& text) {
+    int column = 1;
+    for (char c : text) {
+        if (parser.isFinished()) return;
+        parser.offerToken(token(static_cast<unsigned char>(c), column++));
+    }
+    while (!parser.isFinished()) parser.offerToken(token(Token::endOfFile, column++));
+}
+
+std::vector<std::wstring> texts(const XMLErrors& errors) {
+    std::vector<std::wstring> out;
+    for (int i = 0; i < errors.size(); ++i) out.push_back(toWString(errors.at(i)->text(true)));
+    return out;
+}
+
+using Log = std::vector<std::pair<int, int>>;
+
+// The bracket grammar with one action of its tables replaced, to reach what correct tables never do.
+class RiggedParser : public BracketParser {
+public:
+    RiggedParser(ActionTableEntry terminalOverride, ActionTableEntry nonTerminalOverride)
+        : BracketParser(ParseControl::shared(), 0), terminalOverride(terminalOverride),
+          nonTerminalOverride(nonTerminalOverride) {}
+    ActionTableEntry terminalAction(std::int32_t token) const override {
+        return token == terminalOverride.symbol ? terminalOverride : BracketParser::terminalAction(token);
+    }
+    ActionTableEntry nonTerminalAction(std::int32_t n) const override {
+        return n == nonTerminalOverride.symbol ? nonTerminalOverride : BracketParser::nonTerminalAction(n);
+    }
+
+private:
+    ActionTableEntry terminalOverride, nonTerminalOverride;
+};
+
+}  // namespace
+
+TEST(ParserSearch, LookupEntryInRowsOfEveryLength) {
+    BracketParser p(ParseControl::shared(), 0);
+    auto e = [](int symbol, int parameter) { return ActionTableEntry{symbol, ActionName::shift, parameter}; };
+    ActionTable table{{}, {e(5, 1)}, {e(3, 1), e(7, 2)}, {e(2, 1), e(4, 2), e(6, 3), e(8, 4), e(10, 5)}};
+    const ActionTableEntry none{0, ActionName::error, 0};
+    EXPECT_EQ(p.search(table, 5, 0), none);
+    EXPECT_EQ(p.search(table, 5, 1), e(5, 1));
+    EXPECT_EQ(p.search(table, 4, 1), none);
+    EXPECT_EQ(p.search(table, 3, 2), e(3, 1));
+    EXPECT_EQ(p.search(table, 7, 2), e(7, 2));
+    EXPECT_EQ(p.search(table, 5, 2), none);
+    EXPECT_EQ(p.search(table, 9, 2), none);
+    for (int s = 2; s <= 10; s += 2) EXPECT_EQ(p.search(table, s, 3), e(s, s / 2));
+    for (int s : {1, 3, 5, 7, 9, 11}) EXPECT_EQ(p.search(table, s, 3), none);
+    // The tables are built once and shared.
+    EXPECT_EQ(&XMLParser::tables(), &XMLParser::tables());
+    EXPECT_EQ(XMLParser::tables().terminal.size(), 364);
+    EXPECT_EQ(XMLParser::tables().reductions.size(), 937);
+    EXPECT_TRUE(XMLParser::tables().recovery.isEmpty());
+    EXPECT_EQ(toWString(actionDisplayName(ActionName::sh_red)), L"Shift Reduce");
+}
+
+TEST(ParserRecovery, ErrorProductionsAndSkippedBrackets) {
+    BracketParser good(ParseControl::shared(), 0);
+    feed(good, "a;(a;);b;bc;");
+    EXPECT_FALSE(good.getResult().isNull());
+    EXPECT_TRUE(good.getErrors().isEmpty());
+    // The empty Opt takes the location of the token behind it: ";" in column 11.
+    EXPECT_EQ(good.log, (Log{{1, 1}, {1, 4}, {2, 3}, {4, 8}, {4, 10}}));
+
+    BracketParser bad(ParseControl::shared(), 0);
+    feed(bad, "a;x;a;");
+    EXPECT_FALSE(bad.getResult().isNull());
+    EXPECT_EQ(texts(bad.getErrors()), std::vector<std::wstring>{L"<no file>: Fatal error! Syntax error at ''x''."});
+    EXPECT_EQ(bad.log, (Log{{1, 1}, {3, 3}, {1, 5}}));
+
+    // While recovering, a bracket is passed over whole, nested ones too.
+    BracketParser brackets(ParseControl::shared(), 0);
+    feed(brackets, "x((a;);a;)b;a;");
+    EXPECT_FALSE(brackets.getResult().isNull());
+    EXPECT_EQ(brackets.getErrors().size(), 1);
+    EXPECT_EQ(brackets.log, (Log{{3, 1}, {1, 13}}));  // "b" went while still recovering
+
+    // The end of the input while recovering ends the parse without a result.
+    BracketParser cut(ParseControl::shared(), 0);
+    feed(cut, "a;x(a;");
+    EXPECT_TRUE(cut.isFinished());
+    EXPECT_TRUE(cut.getResult().isNull());
+    EXPECT_EQ(cut.getErrors().size(), 1);
+
+    BracketParser copy(ParseControl::shared(), 0);
+    BracketParser other(ParseControl::shared(), 0);
+    EXPECT_TRUE(copy.isEqual(&copy));
+    EXPECT_THROW(copy.isEqual(&other), _xCannotHappen);
+}
+
+TEST(ParserRecovery, ActionsThatCorrectTablesNeverHold) {
+    const ActionTableEntry none{-1, ActionName::error, 0};
+    RiggedParser haltOnA({'a', ActionName::halt, 0}, none);
+    EXPECT_THROW(haltOnA.offerToken(token('a', 1)), _xNoChoice);
+
+    // Item, nonterminal 2, has no transition after "a;": the reduction reports it and goes on.
+    RiggedParser noItem(none, {2, ActionName::error, 0});
+    feed(noItem, "a;");
+    ASSERT_GE(noItem.getErrors().size(), 1);
+    EXPECT_EQ(texts(noItem.getErrors())[0], L"<no file>: Fatal error! Illegal nonterminal action 'Error' in state '0'.");
+}
+
+TEST(XMLParserDriver, SkipReduceAndTheEnd) {
+    XMLParser p(ParseControl::shared(), 0);
+    p.offerToken(token(Token::whiteSpace, 1));
+    std::int32_t state = p.getState();
+    int depth = p.getStack().getEntries().size();
+    p.offerToken(token(Token::whiteSpace, 2));  // white space after white space: skipped
+    EXPECT_EQ(p.getState(), state);
+    EXPECT_EQ(p.getStack().getEntries().size(), depth);
+    p.offerToken(token('<', 3));  // reduces the white space first, then takes "<"
+    EXPECT_EQ(p.getStack().getEntries().size(), depth + 1);
+    auto top = p.getStack().peek(-1).value;
+    ASSERT_NE(dynamic_cast<const Terminal*>(top.get()), nullptr);
+    EXPECT_EQ(static_cast<const Terminal*>(top.get())->getToken(), '<');
+    p.offerToken(token('a', 4));
+    p.offerToken(token('/', 5));
+    p.offerToken(token('>', 6));
+    EXPECT_FALSE(p.isFinished());
+    p.offerToken(token(Token::endOfFile, 7));  // reduces all the way to the start symbol
+    EXPECT_TRUE(p.isFinished());
+    EXPECT_FALSE(p.getResult().isNull());
+    EXPECT_TRUE(p.getErrors().isEmpty());
+
+    // The end where it can't stand; the first token refused with an empty stack.
+    XMLParser early(ParseControl::shared(), 0);
+    early.offerToken(token('<', 1));
+    early.offerToken(token(Token::endOfFile, 2));
+    EXPECT_TRUE(early.isFinished());
+    EXPECT_EQ(texts(early.getErrors()), std::vector<std::wstring>{L"<no file>: Fatal error! Syntax error at 'character(256)'."});
+    XMLParser first(ParseControl::shared(), 0);
+    first.offerToken(token('x', 1));
+    EXPECT_TRUE(first.isFinished());
+    EXPECT_TRUE(first.getResult().isNull());
+    EXPECT_TRUE(first.getStack().isEmpty());
+    EXPECT_EQ(first.getErrors().size(), 1);
+}
+
+TEST(ParseTableGenerator, RegeneratesTheCommittedTablesByteForByte) {
+    std::string dir = testing::TempDir();
+    std::string out = dir + "/GrcParse.cpp";
+    std::string command = std::string(LALRGEN_PATH) + " " + XML_GRAMMAR_PATH + " " + out + " xmlParseTables";
+    FILE* pipe = popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string statistics;
+    char buffer[512];
+    while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) statistics += buffer;
+    ASSERT_EQ(pclose(pipe), 0);
+    auto slurp = [](const std::string& path) {
+        FILE* f = std::fopen(path.c_str(), "rb");
+        std::string s;
+        for (int c; f != nullptr && (c = std::fgetc(f)) != EOF;) s.push_back(char(c));
+        if (f != nullptr) std::fclose(f);
+        return s;
+    };
+    EXPECT_EQ(slurp(out), slurp(XML_TABLES_PATH));
+    std::remove(out.c_str());
+    EXPECT_NE(statistics.find("states 1157 before the reductions, 364 after"), std::string::npos) << statistics;
+    EXPECT_NE(statistics.find("terminal table: 7185 entries over 95 token codes (237 shift, 1030 reduce, 5356 sh_red, "
+                              "562 skip), longest row 93, 296 distinct rows"),
+              std::string::npos)
+        << statistics;
+    EXPECT_NE(statistics.find("nonterminal table: 664 entries"), std::string::npos) << statistics;
+    EXPECT_NE(statistics.find("184 empty rows, longest 16"), std::string::npos) << statistics;
+    EXPECT_NE(statistics.find("conflicts: 0"), std::string::npos) << statistics;
+}
