@@ -2,36 +2,24 @@
 // parser would.
 #include <benchmark/benchmark.h>
 
-#include <unistd.h>
-
-#include <cstdio>
 #include <string>
 
+#include "BenchFile.h"
 #include "environment/PlatformText.h"
 #include "xml/XMLLex.h"
 
 namespace {
 
-// A file of XML-like text, removed when the program ends.
-struct InputFile {
-    InputFile() {
-        char name[] = "/tmp/modelbridge-lex-XXXXXX";
-        int fd = mkstemp(name);
-        path = name;
-        std::string text;
-        for (int i = 0; text.size() < 10u * 1024 * 1024; ++i)
-            text += "  <UML:Attribute xmi.id=\"a" + std::to_string(i) + "\" name=\"balance\" visibility=\"public\"/>\n";
-        size = text.size();
-        if (fd < 0 || write(fd, text.data(), text.size()) != ssize_t(text.size())) std::abort();
-        close(fd);
-    }
-    ~InputFile() { unlink(path.c_str()); }
-    std::string path;
-    std::size_t size = 0;
-};
+// A file of XML-like lines.
+std::string xmlLines() {
+    std::string text;
+    for (int i = 0; text.size() < 10u * 1024 * 1024; ++i)
+        text += "  <UML:Attribute xmi.id=\"a" + std::to_string(i) + "\" name=\"balance\" visibility=\"public\"/>\n";
+    return text;
+}
 
 void LexTenMegabytes(benchmark::State& state) {
-    static InputFile input;
+    static BenchFile input(xmlLines());
     _eHndl<Environment> env(new Environment());
     _eHndl<FileName> name(new FileName(fromPlatformText(input.path), env.get()));
     for (auto _ : state) {
