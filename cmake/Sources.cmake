@@ -19,6 +19,9 @@ set(MODELBRIDGE_SOURCES
   Generated/XMLError.cpp
   Generated/XMLImporter.cpp
   Generated/XMLParser.cpp
+  output/ReservedWords.cpp
+  output/TarvaneElements.cpp
+  output/TarvaneOutput.cpp
   xml/XMLLex.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

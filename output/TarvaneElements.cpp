@@ -1,0 +1,178 @@
+#include "output/TarvaneElements.h"
+
+#include <algorithm>
+
+namespace {
+
+_eString repeated(const _eString& text, std::int32_t times) {
+    _eString out;
+    for (std::int32_t i = 0; i < times; ++i) out = out + text;
+    return out;
+}
+
+_eString newLineAndBlanks(std::int32_t blanks) {
+    _eString out = L"\n";
+    for (std::int32_t i = 0; i < blanks; ++i) out.pushBack(L' ');
+    return out;
+}
+
+_eSet<_eString> setOf(std::initializer_list<const wchar_t*> words) {
+    _eSet<_eString> set;
+    for (const wchar_t* w : words) set.add(w);
+    return set;
+}
+
+}  // namespace
+
+void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>& file, const ImportOptions& options,
+                          FileError::_eEnum& status) const {
+    status = FileError::success;
+    std::int32_t column = 0;
+    std::int32_t indent = 0;
+    bool blankLinePending = false;
+    bool breakPending = false;
+    bool inParameterLine = false;
+    std::int32_t bracketDepth = 0;
+    const _eString newLine = L"\n";
+    _eString previous;
+    bool first = true;
+    _eSeqReader<_eString> reader(tokens);
+    for (int i = 0, n = tokens.size(); i < n && status == FileError::success; ++i) {
+        _eString current = reader.next();
+        if (current == newLine) {
+            breakPending = true;
+            continue;
+        }
+        _eString separator;
+        if (breakPending)
+            separator = newLine;
+        else if (!first)
+            separator = separatorBetween(previous, current, indent, options);
+        breakPending = false;
+        bool closes = closesBlock(previous, current);
+        if (closes && indent > 0) indent -= 1;
+        bool comment = current.startsWith(options.getCommentPrefix());
+        _eString lead;
+        if (separator == newLine) {
+            std::int32_t levels = indent > 0 && isSectionHead(current) ? indent - 1 : indent;
+            _eString indentation = repeated(options.getIndentText(), levels);
+            column = indentation.size();
+            lead = (blankLinePending ? _eString(L"\n\n") : newLine) + indentation;
+            blankLinePending = false;
+        } else if (!first && !comment && column + separator.size() + current.size() > options.getLineWidth()) {
+            _eString indentation = repeated(options.getIndentText(), indent + 1);
+            column = indentation.size();
+            lead = newLine + indentation;
+        } else {
+            lead = separator;
+            column += separator.size();
+        }
+        if (!comment) {
+            _eString text = tokenText(current);
+            environment.writeText(file, lead + text, status);
+            column += text.size();
+        } else {
+            writeWrapped(environment, file, lead, current, column, options, status);
+        }
+        if (opensBlock(previous, current))
+            indent += 1;
+        else if (closes && indent < 2)
+            blankLinePending = true;
+        if (inParameterLine) {
+            if (current == _eString(L"(")) {
+                bracketDepth += 1;
+            } else if (bracketDepth == 0) {
+                inParameterLine = false;
+            } else if (current == _eString(L")")) {
+                bracketDepth -= 1;
+                if (bracketDepth == 0) breakPending = true, inParameterLine = false;
+            }
+        }
+        if (startsParameterLine(current)) inParameterLine = true, bracketDepth = 0;
+        previous = current;
+        first = false;
+    }
+    if (status == FileError::success) environment.writeText(file, newLine, status);
+}
+
+void ElementBase::writeWrapped(const Environment& environment, const _eHndl<FileRef>& file, const _eString& lead,
+                               const _eString& text, std::int32_t column, const ImportOptions& options,
+                               FileError::_eEnum& status) const {
+    _eString pieceLead = lead;
+    _eString rest = text;
+    const _eString& prefix = options.getCommentPrefix();
+    while (true) {
+        if (column + rest.size() <= options.getLineWidth()) {
+            environment.writeText(file, pieceLead + rest, status);
+            return;
+        }
+        std::int32_t room = options.getLineWidth() - column;
+        // Every piece carries at least one character behind its prefix, so the comment shrinks.
+        std::int32_t cut = std::max(breakPosition(rest, room, options), prefix.size() + 1);
+        environment.writeText(file, pieceLead + rest.take(cut), status);
+        if (status != FileError::success) return;
+        rest = prefix + rest.drop(cut);
+        pieceLead = newLineAndBlanks(column);
+    }
+}
+
+std::int32_t ElementBase::breakPosition(const _eString& text, std::int32_t room, const ImportOptions&) const {
+    std::int32_t lastBlank = -1;
+    for (std::int32_t i = 3; i < room && i < text.size(); ++i)
+        if (text.at(i) == L' ') lastBlank = i;
+    return lastBlank > 0 ? lastBlank : room;
+}
+
+_eString TarvaneElements::separatorBetween(const _eString& previous, const _eString& current, std::int32_t,
+                                           const ImportOptions& options) const {
+    const _eString& prefix = options.getCommentPrefix();
+    if (lineEnders().contains(previous)) return L"\n";
+    if (blockClosers().contains(previous) && !(current == _eString(L";"))) return L"\n";
+    if (lineStarters().contains(current)) return L"\n";
+    if (current.startsWith(prefix) || previous.startsWith(prefix)) return L"\n";
+    if (noBlankAfter().contains(previous)) return L"";
+    if (noBlankBefore().contains(current)) return L"";
+    return L" ";
+}
+
+const _eSet<_eString>& TarvaneElements::blockOpeners() {
+    static const _eSet<_eString> set = setOf({L"begin", L"class", L"if", L"loop", L"require", L"via", L"when"});
+    return set;
+}
+
+const _eSet<_eString>& TarvaneElements::blockClosers() {
+    static const _eSet<_eString> set = setOf({L"end", L"fi"});
+    return set;
+}
+
+const _eSet<_eString>& TarvaneElements::sectionHeads() {
+    static const _eSet<_eString> set = setOf({L"abstract", L"confined", L"interface", L"internal"});
+    return set;
+}
+
+const _eSet<_eString>& TarvaneElements::lineEnders() {
+    static const _eSet<_eString> set =
+        setOf({L";", L"abstract", L"begin", L"confined", L"interface", L"internal", L"loop", L"via"});
+    return set;
+}
+
+const _eSet<_eString>& TarvaneElements::lineStarters() {
+    static const _eSet<_eString> set =
+        setOf({L"abstract", L"confined", L"end", L"fi", L"interface", L"internal", L"via"});
+    return set;
+}
+
+const _eSet<_eString>& TarvaneElements::noBlankAfter() {
+    static const _eSet<_eString> set = setOf({L"!", L"(", L".", L"[", L"{"});
+    return set;
+}
+
+const _eSet<_eString>& TarvaneElements::noBlankBefore() {
+    static const _eSet<_eString> set = setOf({L")", L",", L".", L":", L";", L"]", L"}"});
+    return set;
+}
+
+const _eSet<_eString>& TarvaneElements::parameterLineStarters() {
+    static const _eSet<_eString> set;
+    return set;
+}

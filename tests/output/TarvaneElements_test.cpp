@@ -1,0 +1,127 @@
+// Tokens laid out in lines: separators, indentation, blank lines, breaking and comments.
+#include <gtest/gtest.h>
+
+#include "environment/PlatformText.h"
+#include "output/ReservedWords.h"
+#include "output/TarvaneElements.h"
+#include "support/TempDir.h"
+
+namespace {
+
+// The text that `writeTo` makes of the tokens.
+std::string layout(const std::vector<std::wstring>& words, FileError::_eEnum* status = nullptr) {
+    TempDir dir;
+    _eHndl<Environment> env(new Environment());
+    Tokens tokens;
+    for (const auto& w : words) tokens.pushBack(_eString(std::wstring_view(w)));
+    _eHndl<FileRef> file = env->open(fromPlatformText(dir / "out.tv"), FileModes(FileModeType::create)).as<FileRef>();
+    FileError::_eEnum result;
+    TarvaneElements(tokens).writeTo(*env, file, ImportOptions::defaults(), result);
+    if (status != nullptr) *status = result;
+    env->close(file, result);
+    return dir.read("out.tv");
+}
+
+std::vector<std::wstring> split(const std::wstring& text) {
+    std::vector<std::wstring> out;
+    std::wstring word;
+    for (wchar_t c : text) {
+        if (c == L' ') {
+            out.push_back(word);
+            word.clear();
+        } else {
+            word.push_back(c);
+        }
+    }
+    if (!word.empty()) out.push_back(word);
+    return out;
+}
+
+}  // namespace
+
+TEST(TarvaneLayout, TheSmallClassLineByLine) {
+    std::string text = layout(split(
+        L"class Account ^= inherits Base abstract var balance : int ; const limit ^= 100 ; confined schema ! reset "
+        L"post ? ; interface selector balance ; function limit ; build { amount : int } post ? ; function total ( "
+        L"rate : int ) : int ^= ? ; end ; final class Leaf ^= interface end ;"));
+    EXPECT_EQ(text,
+              "class Account ^= inherits Base\n"
+              "abstract\n"
+              "\tvar balance: int;\n"
+              "\tconst limit ^= 100;\n"
+              "confined\n"
+              "\tschema !reset post ?;\n"
+              "interface\n"
+              "\tselector balance;\n"
+              "\tfunction limit;\n"
+              "\tbuild {amount: int} post ?;\n"
+              "\tfunction total (rate: int): int ^= ?;\n"
+              "end;\n"
+              "\n"
+              "final class Leaf ^=\n"
+              "interface\n"
+              "end;\n");
+    EXPECT_EQ(layout(split(L"class A ^= interface end ;")), "class A ^=\ninterface\nend;\n");
+    EXPECT_EQ(layout({}), "\n");
+}
+
+TEST(TarvaneLayout, BlankLinesOnlyBehindOuterBlocks) {
+    std::string text = layout(split(
+        L"class A ^= interface function f begin if x then y fi ; z ; end ; function g ; end ;"));
+    EXPECT_EQ(text,
+              "class A ^=\n"
+              "interface\n"
+              "\tfunction f begin\n"
+              "\t\tif x then y\n"
+              "\t\tfi;\n"
+              "\t\tz;\n"
+              "\tend;\n"
+              "\n"
+              "\tfunction g;\n"
+              "end;\n");
+}
+
+TEST(TarvaneLayout, LongLinesBreakBeforeTheTokenThatPassesTheWidth) {
+    std::vector<std::wstring> words(11, L"aaaaaaaaa");
+    words[0] = L"bbbbbbbbbb";  // ten characters: the tenth word ends exactly in column 100
+    std::string text = layout(words);
+    std::string first = "bbbbbbbbbb";
+    for (int i = 0; i < 9; ++i) first += " aaaaaaaaa";
+    EXPECT_EQ(text, first + "\n\taaaaaaaaa\n");
+
+    std::wstring longWord(150, L'x');
+    EXPECT_EQ(layout({longWord}), std::string(150, 'x') + "\n");
+    EXPECT_EQ(layout({L"a", longWord}), "a\n\t" + std::string(150, 'x') + "\n");
+    EXPECT_EQ(layout({L"a", L"\n", L"b", L"c"}), "a\nb c\n");
+}
+
+TEST(TarvaneLayout, CommentsStandAloneAndWrapUnderThemselves) {
+    std::wstring words;
+    for (int i = 0; i < 30; ++i) words += L" word" + std::to_wstring(i);
+    std::string text = layout({L"x", L";", L"//" + words, L"y"});
+    std::vector<std::string> lines;
+    for (std::size_t at = 0, next; at < text.size(); at = next + 1) {
+        next = text.find('\n', at);
+        lines.push_back(text.substr(at, next - at));
+    }
+    ASSERT_GE(lines.size(), 4u);
+    EXPECT_EQ(lines[0], "x;");
+    EXPECT_EQ(lines[1].rfind("// word0 word1", 0), 0u);
+    EXPECT_LE(lines[1].size(), 100u);
+    EXPECT_EQ(lines[2].rfind("// word", 0), 0u) << lines[2];
+    EXPECT_EQ(lines.back(), "y");
+    std::string joined;
+    for (std::size_t i = 1; i + 1 < lines.size(); ++i) joined += lines[i].substr(i == 1 ? 2 : 2);
+    EXPECT_EQ(joined, std::string(words.begin(), words.end()));
+}
+
+TEST(ReservedWords, ExactWordsGetOneUnderscore) {
+    EXPECT_EQ(reservedWords().size(), 106);
+    EXPECT_EQ(toWString(escapeReservedWord(L"value")), L"value_");
+    EXPECT_EQ(toWString(escapeReservedWord(L"name")), L"name_");
+    EXPECT_EQ(toWString(escapeReservedWord(L"End")), L"End");
+    EXPECT_EQ(toWString(escapeReservedWord(L"value_")), L"value_");
+    EXPECT_EQ(toWString(escapeReservedWord(L"balance")), L"balance");
+    for (const wchar_t* w : {L"abstract", L"within", L"fi", L"those", L"nonmember", L"storable"})
+        EXPECT_TRUE(reservedWords().contains(w)) << w;
+}
