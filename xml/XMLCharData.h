@@ -1,0 +1,42 @@
+// Text in element content: character data, and CDATA sections.
+#pragma once
+
+#include <algorithm>
+
+#include "xml/XMLNode.h"
+
+class MB_API XMLCharData : public _eClass<XMLCharData, XMLContentItem> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLCharData";
+
+    explicit XMLCharData(const _eHndl<Terminal>& first) : _eClass(first->getLocation()), text(first->getCharacter()) {}
+    explicit XMLCharData(const _eHndl<Location>& location) : _eClass(location) {}
+
+    bool equalFields(const XMLCharData& other) const { return XMLContentItem::equalFields(other) && text == other.text; }
+
+    virtual void appendCharacter(const _eHndl<Terminal>& next) {
+        _eFreeze freeze(this);
+        text.pushBack(next->getCharacter());
+    }
+
+    const _eString& getText() const { return text; }
+
+private:
+    _eString text;
+};
+
+class MB_API XMLCDSect : public _eClass<XMLCDSect, XMLContentItem> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLCDSect";
+
+    // The character data of a section still holds the two "]" of its end, which are cut off.
+    XMLCDSect(const _eHndl<Location>& location, const _eHndl<XMLCharData>& data)
+        : _eClass(location), text(data->getText().take(std::max(0, data->getText().size() - 2))) {}
+
+    bool equalFields(const XMLCDSect& other) const { return XMLContentItem::equalFields(other) && text == other.text; }
+
+    const _eString& getText() const { return text; }
+
+private:
+    _eString text;
+};

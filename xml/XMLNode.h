@@ -1,0 +1,38 @@
+// `XMLNode`: a syntax node that keeps errors; `XMLContentItem`: what an element's content holds.
+#pragma once
+
+#include "Generated/StackValue.h"
+#include "Generated/XMLError.h"
+
+class Context;
+
+class MB_API XMLNode : public _eClass<XMLNode, NonTerminal> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLNode";
+
+    using _eClass::_eClass;
+
+    bool equalFields(const XMLNode& other) const { return NonTerminal::equalFields(other) && errors == other.errors; }
+
+    virtual XMLErrors getErrors() const { return errors; }
+    virtual void addError(const _eHndl<XMLError>& error) {
+        _eFreeze freeze(this);
+        errors.add(error);
+    }
+    virtual void addErrors(const XMLErrors& newErrors) {
+        _eFreeze freeze(this);
+        errors.addAll(newErrors);
+    }
+
+private:
+    XMLErrors errors;  // empty at first
+};
+
+class MB_API XMLContentItem : public _eClass<XMLContentItem, XMLNode> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLContentItem";
+
+    using _eClass::_eClass;
+
+    bool equalFields(const XMLContentItem& other) const { return XMLNode::equalFields(other); }
+};

@@ -1,0 +1,81 @@
+// References stay objects: they are never expanded, and show in text as marked placeholders,
+// except character references, which give their character.
+#pragma once
+
+#include <cstdint>
+
+#include "xml/XMLNode.h"
+#include "xml/XMLTokens.h"
+
+class MB_API XMLReference : public _eAbstractClass<XMLReference, XMLContentItem> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLReference";
+
+    using _eAbstractClass::_eAbstractClass;
+
+    bool equalFields(const XMLReference& other) const { return XMLContentItem::equalFields(other); }
+
+    virtual _eString referenceText(const _eHndl<Context>& context) const = 0;
+};
+
+class MB_API XMLEntityReference : public _eClass<XMLEntityReference, XMLReference> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLEntityReference";
+
+    XMLEntityReference(const _eHndl<Location>& location, const _eHndl<XMLString>& name)
+        : _eClass(location), name(name->getText()) {}
+
+    bool equalFields(const XMLEntityReference& other) const {
+        return XMLReference::equalFields(other) && name == other.name;
+    }
+
+    // "[[EntityRef'name']]"
+    _eString referenceText(const _eHndl<Context>&) const override {
+        return _eString(L"[[EntityRef'") + name + L"']]";
+    }
+
+    const _eString& getName() const { return name; }
+
+private:
+    _eString name;
+};
+
+class MB_API XMLCharReference : public _eClass<XMLCharReference, XMLReference> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLCharReference";
+
+    XMLCharReference(const _eHndl<Location>& location, const _eHndl<XMLNumber>& number)
+        : _eClass(location), code(number->getValue()) {}
+
+    bool equalFields(const XMLCharReference& other) const {
+        return XMLReference::equalFields(other) && code == other.code;
+    }
+
+    // The character of the code, cut to 16 bits.
+    _eString referenceText(const _eHndl<Context>&) const override {
+        return _eString(wchar_t(std::uint32_t(code) & 0xFFFFu));
+    }
+
+    std::int32_t getCode() const { return code; }
+
+private:
+    std::int32_t code;
+};
+
+class MB_API XMLPEReference : public _eClass<XMLPEReference, NonTerminal> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLPEReference";
+
+    XMLPEReference(const _eHndl<Location>& location, const _eHndl<XMLString>& name)
+        : _eClass(location), name(name->getText()) {}
+
+    bool equalFields(const XMLPEReference& other) const { return NonTerminal::equalFields(other) && name == other.name; }
+
+    // "[[PERef'name']]"
+    _eString text(const _eHndl<Context>&) const { return _eString(L"[[PERef'") + name + L"']]"; }
+
+    const _eString& getName() const { return name; }
+
+private:
+    _eString name;
+};

@@ -1,0 +1,90 @@
+// Attributes and tags: what a start, end or empty-element tag leaves for its element.
+#pragma once
+
+#include "runtime/Map.h"
+#include "xml/XMLValues.h"
+
+class MB_API XMLAttribute : public _eClass<XMLAttribute, NonTerminal> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLAttribute";
+
+    XMLAttribute(const _eHndl<XMLString>& name, const _eHndl<XMLAttributeValue>& value)
+        : _eClass(name->getLocation()), name(name->getText()), value(value) {}
+
+    bool equalFields(const XMLAttribute& other) const {
+        return NonTerminal::equalFields(other) && name == other.name && value == other.value;
+    }
+
+    const _eString& getName() const { return name; }
+    const _eHndl<XMLAttributeValue>& getValue() const { return value; }
+
+private:
+    _eString name;
+    _eHndl<XMLAttributeValue> value;
+};
+
+using AttributeMap = _eMap<_eString, _eHndl<XMLAttributeValue>>;
+
+class MB_API XMLAttributeList : public _eClass<XMLAttributeList, NonTerminal> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLAttributeList";
+
+    using _eClass::_eClass;
+
+    bool equalFields(const XMLAttributeList& other) const {
+        return NonTerminal::equalFields(other) && attributes == other.attributes && repeatedNames == other.repeatedNames;
+    }
+
+    // The first definition of a name wins; a later one is only noted in `repeatedNames`.
+    virtual void addAttribute(const _eHndl<XMLAttribute>& attribute) {
+        _eFreeze freeze(this);
+        if (attributes.containsKey(attribute->getName()))
+            repeatedNames.pushBack(attribute->getName());
+        else
+            attributes.put(attribute->getName(), attribute->getValue());
+    }
+
+    const AttributeMap& getAttributes() const { return attributes; }
+    const _eSeq<_eString>& getRepeatedNames() const { return repeatedNames; }
+
+private:
+    AttributeMap attributes;
+    _eSeq<_eString> repeatedNames;  // names defined again, in order
+};
+
+// The three kinds of tag share one shape: a name, and for start and empty tags the attributes.
+template <class Self>
+class _aTag : public _eClass<Self, NonTerminal> {
+public:
+    _aTag(const _eHndl<Location>& location, const _eHndl<XMLString>& name, const _eHndl<XMLAttributeList>& attributes)
+        : _eClass<Self, NonTerminal>(location), name(name->getText()), attributes(attributes) {}
+
+    bool equalFields(const _aTag& other) const {
+        return NonTerminal::equalFields(other) && name == other.name && attributes == other.attributes;
+    }
+
+    const _eString& getName() const { return name; }
+    const _eHndl<XMLAttributeList>& getAttributes() const { return attributes; }
+
+private:
+    _eString name;
+    _eHndl<XMLAttributeList> attributes;  // null for an end tag
+};
+
+class MB_API XMLEmptyElemTag : public _aTag<XMLEmptyElemTag> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLEmptyElemTag";
+    using _aTag::_aTag;
+};
+
+class MB_API XMLSTag : public _aTag<XMLSTag> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLSTag";
+    using _aTag::_aTag;
+};
+
+class MB_API XMLETag : public _aTag<XMLETag> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLETag";
+    XMLETag(const _eHndl<Location>& location, const _eHndl<XMLString>& name) : _aTag(location, name, {}) {}
+};

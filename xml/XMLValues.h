@@ -1,0 +1,108 @@
+// Entity values and attribute values: lists of characters and references that give their text
+// on demand.
+#pragma once
+
+#include "xml/XMLReferences.h"
+
+class MB_API XMLEntityValueElement : public _eAbstractClass<XMLEntityValueElement, _eAny> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLEntityValueElement";
+
+    virtual _eString text(const _eHndl<Context>& context) const = 0;
+};
+
+class MB_API XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLCharValue";
+
+    explicit XMLCharValue(wchar_t character) : character(character) {}
+
+    bool equalFields(const XMLCharValue& other) const { return character == other.character; }
+    _eString text(const _eHndl<Context>&) const override { return _eString(character); }
+
+private:
+    wchar_t character;
+};
+
+class MB_API XMLReferenceValue : public _eClass<XMLReferenceValue, XMLEntityValueElement> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLReferenceValue";
+
+    explicit XMLReferenceValue(const _eFrom<XMLReference>& reference) : reference(reference) {}
+
+    bool equalFields(const XMLReferenceValue& other) const { return reference == other.reference; }
+    _eString text(const _eHndl<Context>& context) const override { return reference->referenceText(context); }
+
+private:
+    _eFrom<XMLReference> reference;
+};
+
+class MB_API XMLPEReferenceValue : public _eClass<XMLPEReferenceValue, XMLEntityValueElement> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLPEReferenceValue";
+
+    explicit XMLPEReferenceValue(const _eHndl<XMLPEReference>& reference) : reference(reference) {}
+
+    bool equalFields(const XMLPEReferenceValue& other) const { return reference == other.reference; }
+    _eString text(const _eHndl<Context>& context) const override { return reference->text(context); }
+
+private:
+    _eHndl<XMLPEReference> reference;
+};
+
+using ValueElements = _eSeq<_eFrom<XMLEntityValueElement>>;
+
+class MB_API XMLEntityValue : public _eClass<XMLEntityValue, NonTerminal> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLEntityValue";
+
+    using _eClass::_eClass;
+
+    bool equalFields(const XMLEntityValue& other) const {
+        return NonTerminal::equalFields(other) && elements == other.elements;
+    }
+
+    virtual void addReference(const _eFrom<XMLReference>& reference) { append(new XMLReferenceValue(reference)); }
+    virtual void addPEReference(const _eHndl<XMLPEReference>& reference) { append(new XMLPEReferenceValue(reference)); }
+    virtual void addCharacter(const _eHndl<Terminal>& terminal) { append(new XMLCharValue(terminal->getCharacter())); }
+
+    const ValueElements& getElements() const { return elements; }
+
+private:
+    void append(XMLEntityValueElement* element) {
+        _eFreeze freeze(this);
+        elements.pushBack(element);
+    }
+
+    ValueElements elements;
+};
+
+class MB_API XMLAttributeValue : public _eClass<XMLAttributeValue, NonTerminal> {
+public:
+    static constexpr const wchar_t* typeName = L"XMLAttributeValue";
+
+    using _eClass::_eClass;
+
+    bool equalFields(const XMLAttributeValue& other) const {
+        return NonTerminal::equalFields(other) && elements == other.elements;
+    }
+
+    // The texts of the elements, in order.
+    virtual _eString text(const _eHndl<Context>& context) const {
+        _eString out;
+        for (int i = 0, n = elements.size(); i < n; ++i) out = out + elements.get(i)->text(context);
+        return out;
+    }
+    virtual void addReference(const _eFrom<XMLReference>& reference) { append(new XMLReferenceValue(reference)); }
+    virtual void addCharacter(const _eHndl<Terminal>& terminal) { append(new XMLCharValue(terminal->getCharacter())); }
+
+    const ValueElements& getElements() const { return elements; }
+
+private:
+    void append(XMLEntityValueElement* element) {
+        _eFreeze freeze(this);
+        elements.pushBack(element);
+    }
+
+    ValueElements elements;
+};
