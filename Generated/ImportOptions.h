@@ -7,7 +7,7 @@
 
 class MB_API ImportOptions : public _eClass<ImportOptions, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"ImportOptions";
+    static constexpr const wchar_t* _aTypeName = L"ImportOptions";
 
     ImportOptions() : lineWidth(100), indentText(L"\t"), commentPrefix(L"//") {}
 

@@ -8,7 +8,7 @@
 
 class MB_API Location : public _eClass<Location, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"Location";
+    static constexpr const wchar_t* _aTypeName = L"Location";
 
     // Line 0, column 0, no file.
     Location() = default;

@@ -29,7 +29,7 @@ _eString actionDisplayName(ActionName::_eEnum action);
 // Handed to every parser; nothing reads it.
 class MB_API ParseControl : public _eClass<ParseControl, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"ParseControl";
+    static constexpr const wchar_t* _aTypeName = L"ParseControl";
 
     bool equalFields(const ParseControl&) const { return true; }
 

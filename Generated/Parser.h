@@ -10,7 +10,7 @@
 
 class MB_API Parser : public _eAbstractClass<Parser, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"Parser";
+    static constexpr const wchar_t* _aTypeName = L"Parser";
 
     Parser(const _eHndl<ParseControl>& control, std::int32_t initialState);
 

@@ -22,7 +22,7 @@ inline constexpr std::int32_t illegalChar = 265;
 
 class MB_API StackValue : public _eClass<StackValue, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"StackValue";
+    static constexpr const wchar_t* _aTypeName = L"StackValue";
 
     explicit StackValue(const _eHndl<Location>& location) : location(location) {}
 
@@ -41,7 +41,7 @@ private:
 
 class MB_API Terminal : public _eAbstractClass<Terminal, StackValue> {
 public:
-    static constexpr const wchar_t* typeName = L"Terminal";
+    static constexpr const wchar_t* _aTypeName = L"Terminal";
 
     Terminal(const _eHndl<Location>& location, std::int32_t token) : _eAbstractClass(location), token(token) {}
 
@@ -60,7 +60,7 @@ private:
 // A token whose code says everything: a letter, digit or punctuation character, or the end.
 class MB_API SimpleTerminal : public _eClass<SimpleTerminal, Terminal> {
 public:
-    static constexpr const wchar_t* typeName = L"SimpleTerminal";
+    static constexpr const wchar_t* _aTypeName = L"SimpleTerminal";
 
     SimpleTerminal(const _eHndl<Location>& location, wchar_t character)
         : _eClass(location, std::int32_t(character)) {}
@@ -76,7 +76,7 @@ public:
 // A token that names a class of characters and carries the character itself.
 class MB_API ComplexTerminal : public _eClass<ComplexTerminal, Terminal> {
 public:
-    static constexpr const wchar_t* typeName = L"ComplexTerminal";
+    static constexpr const wchar_t* _aTypeName = L"ComplexTerminal";
 
     ComplexTerminal(const _eHndl<Location>& location, std::int32_t code, wchar_t character)
         : _eClass(location, code), character(character) {}
@@ -96,7 +96,7 @@ private:
 // The base of every syntax node.
 class MB_API NonTerminal : public _eClass<NonTerminal, StackValue> {
 public:
-    static constexpr const wchar_t* typeName = L"NonTerminal";
+    static constexpr const wchar_t* _aTypeName = L"NonTerminal";
 
     using _eClass::_eClass;
 

@@ -10,7 +10,7 @@
 // One row of the message table.
 class MB_API ErrorInfo : public _eClass<ErrorInfo, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"ErrorInfo";
+    static constexpr const wchar_t* _aTypeName = L"ErrorInfo";
 
     ErrorInfo(ErrorSeverity::_eEnum severity, const _eString& messageTemplate)
         : severity(severity), messageTemplate(messageTemplate) {}
@@ -29,7 +29,7 @@ private:
 
 class MB_API Error : public _eAbstractClass<Error, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"Error";
+    static constexpr const wchar_t* _aTypeName = L"Error";
 
     Error(const _eHndl<Location>& location, const _eSeq<_eString>& arguments)
         : location(location), arguments(arguments) {}
@@ -57,7 +57,7 @@ private:
 
 class MB_API XMLError : public _eClass<XMLError, Error> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLError";
+    static constexpr const wchar_t* _aTypeName = L"XMLError";
 
     XMLError(const _eHndl<Location>& location, XMLErrorType::_eEnum kind, const _eSeq<_eString>& arguments)
         : _eClass(location, arguments), kind(kind) {}

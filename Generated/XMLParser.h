@@ -5,7 +5,7 @@
 
 class MB_API XMLParser : public _eClass<XMLParser, Parser> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLParser";
+    static constexpr const wchar_t* _aTypeName = L"XMLParser";
 
     using _eClass::_eClass;
 

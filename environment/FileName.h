@@ -9,7 +9,7 @@ class Environment;
 
 class MB_API FileName : public _eClass<FileName, _eStorable> {
 public:
-    static constexpr const wchar_t* typeName = L"FileName";
+    static constexpr const wchar_t* _aTypeName = L"FileName";
 
     FileName() = default;
     // `fileName` against `defaultDirectory`; a non-empty `forcedExtension` replaces the name's own.

@@ -5,7 +5,7 @@
 
 class MB_API FilePath : public _eClass<FilePath, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"FilePath";
+    static constexpr const wchar_t* _aTypeName = L"FilePath";
 
     FilePath(const _eString& directory, const _eString& file) : directory(directory), file(file) {}
 

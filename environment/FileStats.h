@@ -9,7 +9,7 @@
 
 class MB_API FileStats : public _eClass<FileStats, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"FileStats";
+    static constexpr const wchar_t* _aTypeName = L"FileStats";
 
     FileStats(const _eHndl<Time>& created, const _eHndl<Time>& lastModified, const _eHndl<Time>& lastAccessed,
               const _eSet<FileAttribute::_eEnum>& attributes, std::int32_t size)

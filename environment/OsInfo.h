@@ -9,7 +9,7 @@
 
 class MB_API OsInfo : public _eClass<OsInfo, _eStorable> {
 public:
-    static constexpr const wchar_t* typeName = L"OsInfo";
+    static constexpr const wchar_t* _aTypeName = L"OsInfo";
 
     OsInfo() = default;
     OsInfo(OsType::_eEnum osType, std::int32_t majorVersion, std::int32_t minorVersion,

@@ -8,7 +8,7 @@
 
 class MB_API Time : public _eClass<Time, _eStorable> {
 public:
-    static constexpr const wchar_t* typeName = L"Time";
+    static constexpr const wchar_t* _aTypeName = L"Time";
 
     Time() = default;
     // `month` counts from 1, `year` is the full year, `weekday` 0 is Sunday.

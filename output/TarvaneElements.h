@@ -12,7 +12,7 @@ using Tokens = _eSeq<_eString>;
 
 class MB_API ElementBase : public _eAbstractClass<ElementBase, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"ElementBase";
+    static constexpr const wchar_t* _aTypeName = L"ElementBase";
 
     ElementBase() = default;
     explicit ElementBase(const Tokens& tokens) : tokens(tokens) {}
@@ -50,7 +50,7 @@ private:
 
 class MB_API TarvaneElements : public _eClass<TarvaneElements, ElementBase> {
 public:
-    static constexpr const wchar_t* typeName = L"TarvaneElements";
+    static constexpr const wchar_t* _aTypeName = L"TarvaneElements";
 
     using _eClass::_eClass;
 

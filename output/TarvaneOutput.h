@@ -7,7 +7,7 @@
 
 class MB_API TarvaneOutput : public _eClass<TarvaneOutput, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"TarvaneOutput";
+    static constexpr const wchar_t* _aTypeName = L"TarvaneOutput";
 
     TarvaneOutput() : elements(new TarvaneElements()) {}
     explicit TarvaneOutput(const Tokens& tokens) : elements(new TarvaneElements(tokens)) {}

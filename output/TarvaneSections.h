@@ -6,7 +6,7 @@
 
 class MB_API TarvaneSections : public _eClass<TarvaneSections, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"TarvaneSections";
+    static constexpr const wchar_t* _aTypeName = L"TarvaneSections";
 
     TarvaneSections()
         : abstractPart(TarvaneOutput::empty()), confinedPart(TarvaneOutput::empty()),

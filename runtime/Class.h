@@ -1,5 +1,5 @@
 // The members that every value class shares, written once: `Self` supplies its type name
-// (`typeName`) and its field comparison (`equalFields`, which first calls its base's).
+// (`_aTypeName`) and its field comparison (`equalFields`, which first calls its base's).
 #pragma once
 
 #include <type_traits>
@@ -25,7 +25,7 @@ public:
 
     const _eFullTypeInfo* _aGetFullTypeInfo() const override { return _aTypeRecord(); }
     static const _eFullTypeInfo* _aTypeRecord() {
-        static const _eFullTypeInfo record(Self::typeName, _aParentRecord<Base>());
+        static const _eFullTypeInfo record(Self::_aTypeName, _aParentRecord<Base>());
         return &record;
     }
     static _eHndl<_eInstblTypeInfo> _aMyTypeInfo() { return _aTypeRecord()->info; }

@@ -12,7 +12,7 @@ struct DebugType {
         embAsserts, postAsserts, lastChoices, classInvariants, constraints
     };
     static constexpr int count = 11;
-    static constexpr const wchar_t* typeName = L"DebugType";
+    static constexpr const wchar_t* _aTypeName = L"DebugType";
     static constexpr const wchar_t* storageName = L"_DebugType";
     static constexpr const wchar_t* labels[count] = {
         L"preConditions", L"postConditions", L"loopInvariants", L"loopVariants", L"specVariants",
@@ -28,7 +28,7 @@ struct _eSeparatorId {
         Comma, LeftArrow, RightArrow, DoubleArrow
     };
     static constexpr int count = 4;
-    static constexpr const wchar_t* typeName = L"_eSeparatorId";
+    static constexpr const wchar_t* _aTypeName = L"_eSeparatorId";
     static constexpr const wchar_t* storageName = L"_SeparatorId";
     static constexpr const wchar_t* labels[count] = {
         L"Comma", L"LeftArrow", L"RightArrow", L"DoubleArrow"
@@ -43,7 +43,7 @@ struct SerialErrorType {
         missingInstantiation, missingHeap, missingType, unexpectedType, corruptStream, unspecifiedError
     };
     static constexpr int count = 12;
-    static constexpr const wchar_t* typeName = L"SerialErrorType";
+    static constexpr const wchar_t* _aTypeName = L"SerialErrorType";
     static constexpr const wchar_t* storageName = L"_SerialErrorType";
     static constexpr const wchar_t* labels[count] = {
         L"writeError", L"internalError", L"readError", L"systemVersionError", L"userVersionError",

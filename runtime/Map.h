@@ -41,6 +41,29 @@ public:
             items.elementRef(index).second = value;
     }
 
+    // Adds the pair as a set would: behind the pairs of its key, unless an equal pair is there.
+    // A map built this way may hold one key more than once.
+    void addPair(const Entry& pair) {
+        auto [lo, hi] = _aEqualRange(items, pair.first, [](const Entry& e) -> const K& { return e.first; });
+        if (items.find(pair, lo, hi) == hi) items.insertAt(hi, pair);
+    }
+
+    // Union of pair sets, with the rule of `_eSet::addAll`: the smaller goes into the larger.
+    void addAll(const _eMap& other) {
+        if (other.isEmpty()) return;
+        if (isEmpty()) {
+            items = other.items;
+            return;
+        }
+        _eSeq<Entry> from = other.items;
+        if (!(other.size() < size())) {
+            from = items;
+            items = other.items;
+        }
+        _eSeqReader<Entry> reader(from);
+        for (int i = 0, n = from.size(); i < n; ++i) addPair(reader.next());
+    }
+
     // Same keys with equal values, whatever the order of rank ties.
     bool operator==(const _eMap& other) const {
         if (items.rootNode() == other.items.rootNode()) return true;

@@ -7,7 +7,7 @@
 
 class MB_API XMLCharData : public _eClass<XMLCharData, XMLContentItem> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLCharData";
+    static constexpr const wchar_t* _aTypeName = L"XMLCharData";
 
     explicit XMLCharData(const _eHndl<Terminal>& first) : _eClass(first->getLocation()), text(first->getCharacter()) {}
     explicit XMLCharData(const _eHndl<Location>& location) : _eClass(location) {}
@@ -27,7 +27,7 @@ private:
 
 class MB_API XMLCDSect : public _eClass<XMLCDSect, XMLContentItem> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLCDSect";
+    static constexpr const wchar_t* _aTypeName = L"XMLCDSect";
 
     // The character data of a section still holds the two "]" of its end, which are cut off.
     XMLCDSect(const _eHndl<Location>& location, const _eHndl<XMLCharData>& data)

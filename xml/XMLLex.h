@@ -11,7 +11,7 @@
 
 class MB_API XMLLex : public _eClass<XMLLex, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLLex";
+    static constexpr const wchar_t* _aTypeName = L"XMLLex";
 
     XMLLex(const Environment* environment, std::int32_t tabWidth);
 

@@ -8,7 +8,7 @@ class Context;
 
 class MB_API XMLNode : public _eClass<XMLNode, NonTerminal> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLNode";
+    static constexpr const wchar_t* _aTypeName = L"XMLNode";
 
     using _eClass::_eClass;
 
@@ -30,7 +30,7 @@ private:
 
 class MB_API XMLContentItem : public _eClass<XMLContentItem, XMLNode> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLContentItem";
+    static constexpr const wchar_t* _aTypeName = L"XMLContentItem";
 
     using _eClass::_eClass;
 

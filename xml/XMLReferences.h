@@ -9,7 +9,7 @@
 
 class MB_API XMLReference : public _eAbstractClass<XMLReference, XMLContentItem> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLReference";
+    static constexpr const wchar_t* _aTypeName = L"XMLReference";
 
     using _eAbstractClass::_eAbstractClass;
 
@@ -20,7 +20,7 @@ public:
 
 class MB_API XMLEntityReference : public _eClass<XMLEntityReference, XMLReference> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLEntityReference";
+    static constexpr const wchar_t* _aTypeName = L"XMLEntityReference";
 
     XMLEntityReference(const _eHndl<Location>& location, const _eHndl<XMLString>& name)
         : _eClass(location), name(name->getText()) {}
@@ -42,7 +42,7 @@ private:
 
 class MB_API XMLCharReference : public _eClass<XMLCharReference, XMLReference> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLCharReference";
+    static constexpr const wchar_t* _aTypeName = L"XMLCharReference";
 
     XMLCharReference(const _eHndl<Location>& location, const _eHndl<XMLNumber>& number)
         : _eClass(location), code(number->getValue()) {}
@@ -64,7 +64,7 @@ private:
 
 class MB_API XMLPEReference : public _eClass<XMLPEReference, NonTerminal> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLPEReference";
+    static constexpr const wchar_t* _aTypeName = L"XMLPEReference";
 
     XMLPEReference(const _eHndl<Location>& location, const _eHndl<XMLString>& name)
         : _eClass(location), name(name->getText()) {}

@@ -6,7 +6,7 @@
 
 class MB_API XMLAttribute : public _eClass<XMLAttribute, NonTerminal> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLAttribute";
+    static constexpr const wchar_t* _aTypeName = L"XMLAttribute";
 
     XMLAttribute(const _eHndl<XMLString>& name, const _eHndl<XMLAttributeValue>& value)
         : _eClass(name->getLocation()), name(name->getText()), value(value) {}
@@ -27,7 +27,7 @@ using AttributeMap = _eMap<_eString, _eHndl<XMLAttributeValue>>;
 
 class MB_API XMLAttributeList : public _eClass<XMLAttributeList, NonTerminal> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLAttributeList";
+    static constexpr const wchar_t* _aTypeName = L"XMLAttributeList";
 
     using _eClass::_eClass;
 
@@ -73,18 +73,18 @@ private:
 
 class MB_API XMLEmptyElemTag : public _aTag<XMLEmptyElemTag> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLEmptyElemTag";
+    static constexpr const wchar_t* _aTypeName = L"XMLEmptyElemTag";
     using _aTag::_aTag;
 };
 
 class MB_API XMLSTag : public _aTag<XMLSTag> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLSTag";
+    static constexpr const wchar_t* _aTypeName = L"XMLSTag";
     using _aTag::_aTag;
 };
 
 class MB_API XMLETag : public _aTag<XMLETag> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLETag";
+    static constexpr const wchar_t* _aTypeName = L"XMLETag";
     XMLETag(const _eHndl<Location>& location, const _eHndl<XMLString>& name) : _aTag(location, name, {}) {}
 };

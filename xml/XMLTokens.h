@@ -14,7 +14,7 @@ inline std::int32_t digitValue(wchar_t c) {
 
 class MB_API XMLNumber : public _eClass<XMLNumber, NonTerminal> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLNumber";
+    static constexpr const wchar_t* _aTypeName = L"XMLNumber";
 
     explicit XMLNumber(const _eHndl<Terminal>& digit)
         : _eClass(digit->getLocation()), value(digitValue(digit->getCharacter())) {}
@@ -36,7 +36,7 @@ private:
 
 class MB_API XMLString : public _eClass<XMLString, NonTerminal> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLString";
+    static constexpr const wchar_t* _aTypeName = L"XMLString";
 
     explicit XMLString(const _eHndl<Terminal>& first) : _eClass(first->getLocation()), text(first->getCharacter()) {}
 

@@ -6,14 +6,14 @@
 
 class MB_API XMLEntityValueElement : public _eAbstractClass<XMLEntityValueElement, _eAny> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLEntityValueElement";
+    static constexpr const wchar_t* _aTypeName = L"XMLEntityValueElement";
 
     virtual _eString text(const _eHndl<Context>& context) const = 0;
 };
 
 class MB_API XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLCharValue";
+    static constexpr const wchar_t* _aTypeName = L"XMLCharValue";
 
     explicit XMLCharValue(wchar_t character) : character(character) {}
 
@@ -26,7 +26,7 @@ private:
 
 class MB_API XMLReferenceValue : public _eClass<XMLReferenceValue, XMLEntityValueElement> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLReferenceValue";
+    static constexpr const wchar_t* _aTypeName = L"XMLReferenceValue";
 
     explicit XMLReferenceValue(const _eFrom<XMLReference>& reference) : reference(reference) {}
 
@@ -39,7 +39,7 @@ private:
 
 class MB_API XMLPEReferenceValue : public _eClass<XMLPEReferenceValue, XMLEntityValueElement> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLPEReferenceValue";
+    static constexpr const wchar_t* _aTypeName = L"XMLPEReferenceValue";
 
     explicit XMLPEReferenceValue(const _eHndl<XMLPEReference>& reference) : reference(reference) {}
 
@@ -54,7 +54,7 @@ using ValueElements = _eSeq<_eFrom<XMLEntityValueElement>>;
 
 class MB_API XMLEntityValue : public _eClass<XMLEntityValue, NonTerminal> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLEntityValue";
+    static constexpr const wchar_t* _aTypeName = L"XMLEntityValue";
 
     using _eClass::_eClass;
 
@@ -79,7 +79,7 @@ private:
 
 class MB_API XMLAttributeValue : public _eClass<XMLAttributeValue, NonTerminal> {
 public:
-    static constexpr const wchar_t* typeName = L"XMLAttributeValue";
+    static constexpr const wchar_t* _aTypeName = L"XMLAttributeValue";
 
     using _eClass::_eClass;
 

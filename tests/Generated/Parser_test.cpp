@@ -15,7 +15,7 @@ namespace {
 // A parser that exposes the search and logs its semantic actions with their locations.
 class BracketParser : public _eClass<BracketParser, Parser> {
 public:
-    static constexpr const wchar_t* typeName = L"BracketParser";
+    static constexpr const wchar_t* _aTypeName = L"BracketParser";
     using _eClass::_eClass;
 
     bool equalFields(const BracketParser& other) const { return Parser::equalFields(other); }

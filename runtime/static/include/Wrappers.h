@@ -75,7 +75,7 @@ inline _eString _aValueText(unsigned char v) { return byteToString(v); }
 template <class T>
 class _eBasicTypeWrapper final : public _eClass<_eBasicTypeWrapper<T>, _eStorableWrapperBase<T>> {
 public:
-    static constexpr const wchar_t* typeName = _aBasicTypeName<T>::name;
+    static constexpr const wchar_t* _aTypeName = _aBasicTypeName<T>::name;
     using _eClass<_eBasicTypeWrapper<T>, _eStorableWrapperBase<T>>::_eClass;
 
     _eString toString() const override { return _aValueText(this->get()); }
@@ -89,20 +89,20 @@ template <>
 class _eStorableWrapper<_eString> final
     : public _eClass<_eStorableWrapper<_eString>, _eStorableWrapperBase<_eString>> {
 public:
-    static constexpr const wchar_t* typeName = L"seq";
+    static constexpr const wchar_t* _aTypeName = L"seq";
     using _eClass<_eStorableWrapper<_eString>, _eStorableWrapperBase<_eString>>::_eClass;
 
     _eString toString() const override { return seqText(get()); }
 };
 
-// The wrapper of an enumeration `X`: `X` gives `_eEnum`, `count`, `typeName`, `storageName`
+// The wrapper of an enumeration `X`: `X` gives `_eEnum`, `count`, `_aTypeName`, `storageName`
 // and `labels`, one per value.
 template <class X>
 class _eEnumWrapper final : public _eClass<_eEnumWrapper<X>, _eStorableWrapperBase<typename X::_eEnum>> {
     static_assert(std::size(X::labels) == std::size_t(X::count), "one label per value");
 
 public:
-    static constexpr const wchar_t* typeName = X::typeName;
+    static constexpr const wchar_t* _aTypeName = X::_aTypeName;
     static constexpr const wchar_t* storageName = X::storageName;
     using _eClass<_eEnumWrapper<X>, _eStorableWrapperBase<typename X::_eEnum>>::_eClass;
 
