@@ -1,6 +1,7 @@
 #include "Generated/XMLImporter.h"
 
 #include "runtime/Failure.h"
+#include "runtime/StringUtils.h"
 
 XMLImporter::XMLImporter(const Environment* environment)
     : linesParsed(0), environment(environment), tabWidth(4), parseDiagnostics(L"<no parse attempted yet>") {}
@@ -66,4 +67,58 @@ ErrorSeverity::_eEnum XMLImporter::mostSevereError() const {
 
 bool XMLImporter::noSeriousError() const {
     return errors.isEmpty() || mostSevereError() <= ErrorSeverity::warning;
+}
+
+void XMLImporter::attemptParse(_eString fileName, _eString, bool& success) {
+    if (environment.isNull()) {
+        // An importer made without an environment can't reach the file.
+        parseDiagnostics = _eString(L"Failed to open '") + fileName + L"' for parsing!";
+        success = false;
+        return;
+    }
+    FileName file(fileName, environment.get());
+    parseFile(&file, false);
+    success = errors.isEmpty();
+    if (!success) return;
+    parsedFile = new FileName(file);
+    _eHndl<FileStats> stats = environment->stats(fileName).as<FileStats>();
+    parsedFileTime = stats.isNull() ? _eHndl<Time>() : stats->getLastModified();
+    if (!document.isNull()) document.uniquePointer()->analyse();
+}
+
+void XMLImporter::parseFile(const FileName* file, bool showProgress) {
+    parseDiagnostics = {};
+    _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
+    _eHndl<XMLLex> lexer(new XMLLex(environment.get(), tabWidth));
+    bool opened = false;
+    lexer->openFile(_eHndl<FileName>(new FileName(*file)), opened);
+    if (opened) {
+        std::int32_t start = environment->processorTime();
+        processAllTokens(parser, lexer, showProgress);
+        std::int32_t elapsed = (environment->processorTime() - start) / environment->ticksPerSecond();
+        parseDiagnostics = parseDiagnostics + L"Parsed " + intToString(lexer->lineNumber()) + L" lines from file '" +
+                           file->fileNameText() + L"' in " + intToString(elapsed) + L" seconds\n";
+        linesParsed += lexer->lineNumber();
+        document = dynamic_cast<XMLDocument*>(parser->getResult().get());
+        lexer->closeFile();
+        addErrors(parser->getErrors());
+    } else {
+        parseDiagnostics = _eString(L"Failed to open '") + file->fullPathText() + L"' for parsing!";
+    }
+    addErrors(lexer->getErrors());
+}
+
+void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress) {
+    std::int32_t lastLine = 0;
+    _eHndl<Terminal> token;
+    while (!parser->isFinished()) {
+        token.reset();
+        lexer->nextToken(token);
+        if (showProgress && token->getLocation()->getLine() != lastLine) {
+            lastLine = token->getLocation()->getLine();
+            parseDiagnostics = parseDiagnostics + L"\rParsed line " + intToString(lastLine);
+        }
+        parser->offerToken(token);
+    }
+    if (showProgress) parseDiagnostics = parseDiagnostics + L"\n";
 }

@@ -5,9 +5,12 @@
 #include <cstdint>
 
 #include "Generated/XMLError.h"
+#include "Generated/XMLParser.h"
 #include "environment/Environment.h"
 #include "runtime/Seq.h"
 #include "runtime/TypeInfo.h"
+#include "xml/XMLDocument.h"
+#include "xml/XMLLex.h"
 
 class MB_API XMLImporter {
 public:
@@ -17,6 +20,11 @@ public:
     XMLImporter(const XMLImporter& other);
     XMLImporter& operator=(const XMLImporter& other);
     ~XMLImporter();
+
+    // Parses the XMI file `fileName`. `success` is true when no error at all has come up on this
+    // importer so far; then the document is analysed and its classes can be asked for.
+    // `profileRequest` asks for a processor-time profile when it isn't empty.
+    void attemptParse(_eString fileName, _eString profileRequest, bool& success);
 
     // Importers have no equality: this always raises.
     bool operator==(const XMLImporter& other) const;
@@ -41,15 +49,21 @@ private:
 
     static const _eFullTypeInfo* _aTypeRecord();
 
+    // Runs lexer and parser over the file; keeps the document, the diagnostics and the errors.
+    void parseFile(const FileName* file, bool showProgress);
+    void processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress);
     // Joins `newErrors` to `errors`; equal errors collapse.
     void addErrors(XMLErrors newErrors);
     // The greatest severity in `errors`; `inform` when there is none.
     ErrorSeverity::_eEnum mostSevereError() const;
     bool noSeriousError() const;
 
+    _eHndl<XMLDocument> document;               // of the last parse that could open its file
+    _eHndl<FileName> parsedFile;                // of the last parse without any error
+    _eHndl<Time> parsedFileTime;                // that file's modification time after the parse
     [[maybe_unused]] std::int32_t linesParsed;  // lines read over all parses; nothing reads it
     XMLErrors errors;                           // every error so far; it only grows
     _eHndl<const Environment> environment;      // taken at construction
-    [[maybe_unused]] std::int32_t tabWidth;     // column step of a tab in the lexer
+    std::int32_t tabWidth;                      // column step of a tab in the lexer
     _eString parseDiagnostics;                  // report of the last parse
 };

@@ -23,5 +23,10 @@ set(MODELBRIDGE_SOURCES
   output/TarvaneElements.cpp
   output/TarvaneOutput.cpp
   xml/XMLLex.cpp
+  xml/XMLcontent.cpp
+  xml/XMLDocument.cpp
+  xmi/Context.cpp
+  xmi/XMLDictionary.cpp
+  xmi/XMLElement.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

@@ -73,10 +73,34 @@ MB_ELEMENT_CLASS(FCClassElement)
 MB_ELEMENT_CLASS(FCClassifierFeatureElement)
 MB_ELEMENT_CLASS(FCAttributeElement)
 MB_ELEMENT_CLASS(FCOperationElement)
-MB_ELEMENT_CLASS(FCAssociationElement)
-MB_ELEMENT_CLASS(FCGeneralizationElement)
 
 #undef MB_ELEMENT_CLASS
+
+class MB_API FCAssociationElement : public _eClass<FCAssociationElement, XMLElement> {
+public:
+    static constexpr const wchar_t* _aTypeName = L"FCAssociationElement";
+    using _eClass::_eClass;
+    bool equalFields(const FCAssociationElement& other) const { return XMLElement::equalFields(other); }
+
+    // The class of that id stands at one of the ends.
+    virtual bool involves(const _eString& classId, const _eHndl<Context>& context) const;
+    // The elements at "UML:Association.connection", "UML:AssociationEnd" that name their type by a child.
+    ElementSeq ends() const;
+};
+
+class MB_API FCGeneralizationElement : public _eClass<FCGeneralizationElement, XMLElement> {
+public:
+    static constexpr const wchar_t* _aTypeName = L"FCGeneralizationElement";
+    using _eClass::_eClass;
+    bool equalFields(const FCGeneralizationElement& other) const { return XMLElement::equalFields(other); }
+
+    // The class of that id is the child of this generalization.
+    virtual bool isChild(const _eString& classId, const _eHndl<Context>& context) const;
+
+    static const Names& childNames();
+    static const Names& parentNames();
+    static const Names& innerNames();
+};
 
 // The factory that the reductions call: the tag name decides the class.
 class MB_API ElementCreation {

@@ -1,15 +1,7 @@
 // Error records: their text, their order in a set, and the importer's summaries of them.
 #include <gtest/gtest.h>
 
-#include "Generated/XMLImporter.h"
-
-// The test suite's view of the importer's private members.
-class XMLImporterInspector {
-public:
-    static void addErrors(XMLImporter& importer, const XMLErrors& errors) { importer.addErrors(errors); }
-    static ErrorSeverity::_eEnum mostSevereError(const XMLImporter& importer) { return importer.mostSevereError(); }
-    static bool noSeriousError(const XMLImporter& importer) { return importer.noSeriousError(); }
-};
+#include "support/ImporterInspector.h"
 
 namespace {
 

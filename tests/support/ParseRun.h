@@ -15,10 +15,8 @@ struct ParseOutcome {
     _eHndl<StackValue> result;
 };
 
-inline ParseOutcome parseText(const std::string& bytes) {
-    TempDir dir;
+inline ParseOutcome parseFile(const std::string& path) {
     _eHndl<Environment> env(new Environment());
-    std::string path = dir.write("in.xml", bytes);
     _eHndl<XMLLex> lex(new XMLLex(env.get(), 4));
     bool ok = false;
     lex->openFile(_eHndl<FileName>(new FileName(fromPlatformText(path), env.get())), ok);
@@ -36,4 +34,9 @@ inline ParseOutcome parseText(const std::string& bytes) {
     errors.addAll(lex->getErrors());
     for (int i = 0; i < errors.size(); ++i) outcome.errors.push_back(toWString(errors.at(i)->text(true)));
     return outcome;
+}
+
+inline ParseOutcome parseText(const std::string& bytes) {
+    TempDir dir;
+    return parseFile(dir.write("in.xml", bytes));
 }

@@ -1,0 +1,76 @@
+// The importer's parse: diagnostics, errors that only grow, and what a good parse keeps.
+#include <gtest/gtest.h>
+
+#include "environment/PlatformText.h"
+#include "support/ImporterInspector.h"
+#include "support/TempDir.h"
+
+namespace {
+
+class Parsing : public testing::Test {
+protected:
+    _eString path(const std::string& name) const { return fromPlatformText(dir / name); }
+    bool parse(XMLImporter& importer, const std::string& name) {
+        bool success = true;
+        importer.attemptParse(path(name), L"", success);
+        return success;
+    }
+    std::wstring diagnostics(const XMLImporter& importer) { return toWString(importer.getParseDiagnostics()); }
+
+    TempDir dir;
+    _eHndl<Environment> env{new Environment()};
+};
+
+const char* goodModel = "<XMI><XMI.content><UML:Model name='m'></UML:Model></XMI.content></XMI>\n";
+
+}  // namespace
+
+TEST_F(Parsing, AGoodFileIsAnalysedAndKept) {
+    dir.write("good.xmi", std::string("<?xml version='1.0'?>\n") + goodModel);
+    XMLImporter importer(env.get());
+    EXPECT_TRUE(parse(importer, "good.xmi"));
+    EXPECT_EQ(diagnostics(importer), L"Parsed 2 lines from file 'good.xmi' in 0 seconds\n");
+    ASSERT_FALSE(XMLImporterInspector::document(importer).isNull());
+    EXPECT_FALSE(XMLImporterInspector::document(importer)->getDictionary().isNull());
+    ASSERT_FALSE(XMLImporterInspector::parsedFile(importer).isNull());
+    EXPECT_EQ(toWString(XMLImporterInspector::parsedFile(importer)->fileNameText()), L"good.xmi");
+    EXPECT_FALSE(XMLImporterInspector::parsedFileTime(importer).isNull());
+    EXPECT_TRUE(importer.getErrorList(true).isEmpty());
+}
+
+TEST_F(Parsing, AMissingFileFailsAndItsErrorStays) {
+    dir.write("good.xmi", goodModel);
+    XMLImporter importer(env.get());
+    EXPECT_FALSE(parse(importer, "missing.xmi"));
+    EXPECT_EQ(diagnostics(importer), L"Failed to open '" + toWString(path("missing.xmi")) + L"' for parsing!");
+    EXPECT_EQ(importer.numErrors(), 1);
+    EXPECT_TRUE(XMLImporterInspector::document(importer).isNull());
+    // A good file afterwards is parsed, but the first error still counts.
+    EXPECT_FALSE(parse(importer, "good.xmi"));
+    EXPECT_FALSE(XMLImporterInspector::document(importer).isNull());
+    EXPECT_TRUE(XMLImporterInspector::document(importer)->getDictionary().isNull());
+    EXPECT_TRUE(XMLImporterInspector::parsedFile(importer).isNull());
+    EXPECT_EQ(importer.numErrors(), 1);
+
+    XMLImporter detached;
+    bool success = true;
+    detached.attemptParse(path("good.xmi"), L"", success);
+    EXPECT_FALSE(success);
+}
+
+TEST_F(Parsing, ASyntaxErrorStopsTheParseAtItsLine) {
+    dir.write("bad.xmi", "<XMI>\n<a>\n<b x=1/>\n</a>\n</XMI>\n");
+    XMLImporter importer(env.get());
+    EXPECT_FALSE(parse(importer, "bad.xmi"));
+    EXPECT_EQ(diagnostics(importer), L"Parsed 3 lines from file 'bad.xmi' in 0 seconds\n");
+    EXPECT_EQ(importer.numErrors(), 1);
+    EXPECT_EQ(toWString(importer.getMostSevereErrorMsg()), L"bad.xmi (3,6): Fatal error! Syntax error at ''1''.");
+    EXPECT_TRUE(XMLImporterInspector::document(importer).isNull());
+
+    // Progress text, when asked for: one entry per line met, then a line end.
+    XMLImporter progress(env.get());
+    dir.write("two.xmi", "<a>\n</a>\n");
+    XMLImporterInspector::parseWithProgress(progress, FileName(path("two.xmi"), env.get()));
+    EXPECT_EQ(diagnostics(progress), L"\rParsed line 1\rParsed line 2\n"
+                                     L"Parsed 2 lines from file 'two.xmi' in 0 seconds\n");
+}

@@ -1,0 +1,203 @@
+// XMI text parsed into a tree, and the queries that elements ask of their content.
+#include <gtest/gtest.h>
+
+#include "support/ParseRun.h"
+#include "xml/XMLCharData.h"
+#include "xml/XMLDocument.h"
+
+namespace {
+
+_eHndl<XMLDocument> parsed(const std::string& text) {
+    ParseOutcome o = parseText(text);
+    EXPECT_TRUE(o.accepted) << text;
+    return _eHndl<XMLDocument>(dynamic_cast<XMLDocument*>(o.result.get()));
+}
+
+_eFrom<XMLElement> rootOf(const std::string& text) { return parsed(text)->getRoot(); }
+
+std::wstring w(const _eString& s) { return toWString(s); }
+
+const _eHndl<Context>& ctx() { return Context::shared(); }
+
+const char* model(bool longTags) {
+    return longTags ? R"(<?xml version="1.0"?>
+<XMI xmi.version="1.0"><XMI.content>
+<Model_Management.Model xmi.id="m"><Foundation.Core.ModelElement.name>Bank</Foundation.Core.ModelElement.name>
+<Foundation.Core.Namespace.ownedElement>
+  <Foundation.Core.Class xmi.id="c1"><Foundation.Core.ModelElement.name> first name, second </Foundation.Core.ModelElement.name>
+    <Foundation.Core.ModelElement.visibility xmi.value="public"/>
+  </Foundation.Core.Class>
+  <Foundation.Core.DataType xmi.id="d1"><Foundation.Core.ModelElement.name>boolean</Foundation.Core.ModelElement.name></Foundation.Core.DataType>
+</Foundation.Core.Namespace.ownedElement>
+</Model_Management.Model>
+</XMI.content></XMI>
+)"
+                    : R"(<?xml version="1.0"?>
+<XMI xmi.version="1.1"><XMI.content>
+<UML:Model xmi.id="m" name="Bank"><UML:Namespace.ownedElement>
+  <UML:Class xmi.id="c1" name=" first name, second " visibility="public" isAbstract="true">
+    <UML:ModelElement.visibility xmi.value="private"/>
+  </UML:Class>
+  <UML:DataType xmi.id="d1" name="boolean"/>
+  <UML:Class xmi.idref="c1"></UML:Class>
+</UML:Namespace.ownedElement></UML:Model>
+</XMI.content></XMI>
+)";
+}
+
+}  // namespace
+
+TEST(XMLTree, BothTagFormsGiveTheSameClasses) {
+    for (bool longTags : {false, true}) {
+        SCOPED_TRACE(longTags ? "long tags" : "short tags");
+        _eHndl<XMLDocument> doc = parsed(model(longTags));
+        ASSERT_FALSE(doc.isNull());
+        _eFrom<XMLElement> root = doc->getRoot();
+        EXPECT_NE(dynamic_cast<const XMIRootElement*>(root.get()), nullptr);
+        ElementSeq classes = root->getContent()->elementsAtPath(
+            {L"XMI.content", L"UML:Model", L"UML:Namespace.ownedElement", L"UML:Class"});
+        ASSERT_GE(classes.size(), 1);
+        const XMLElement& c = *classes.get(0);
+        EXPECT_NE(dynamic_cast<const FCClassElement*>(&c), nullptr);
+        EXPECT_EQ(w(c.getName()), L"UML:Class");
+        EXPECT_EQ(w(c.visibility(ctx())), L"public");
+        // The attribute keeps its inner blank and its comma; the child element does not.
+        EXPECT_EQ(w(c.elementName(false)), longTags ? L"first_name, second" : L"first name, second");
+        EXPECT_TRUE(c.hasName());
+        _eHndl<XMLDictionary> dictionary = root->dictionary();
+        EXPECT_FALSE(dictionary->lookup(L"c1").isNull());
+        EXPECT_TRUE(dictionary->lookup(L"nope").isNull());
+        EXPECT_EQ(w(dictionary->lookup(L"d1")->typeName()), L"bool");
+        EXPECT_EQ(w(dictionary->lookup(L"m")->elementName(false)), L"Bank");
+    }
+    // The reference and the empty-element tag are unrecognised elements.
+    _eFrom<XMLElement> root = rootOf(model(false));
+    ElementSeq all = root->getContent()->elementsAtPath(
+        {L"XMI.content", L"UML:Model", L"UML:Namespace.ownedElement", L"UML:Class"});
+    ASSERT_EQ(all.size(), 2);
+    EXPECT_NE(dynamic_cast<const UnrecognisedElement*>(all.get(1).get()), nullptr);
+    EXPECT_TRUE(all.get(0)->isAbstract(ctx()));
+    EXPECT_FALSE(all.get(0)->isLeaf(ctx()));
+    ElementSeq types = root->getContent()->elementsAtPath(
+        {L"XMI.content", L"UML:Model", L"UML:Namespace.ownedElement", L"UML:DataType"});
+    EXPECT_NE(dynamic_cast<const UnrecognisedElement*>(types.get(0).get()), nullptr);
+    // The same file parsed twice gives equal trees.
+    TempDir dir;
+    std::string path = dir.write("model.xmi", model(false));
+    ParseOutcome first = parseFile(path);
+    ParseOutcome second = parseFile(path);
+    EXPECT_TRUE(first.result->isEqual(second.result.get()));
+    EXPECT_NE(first.result.get(), second.result.get());
+    EXPECT_FALSE(first.result->isEqual(parseFile(dir.write("other.xmi", model(true))).result.get()));
+}
+
+TEST(XMLTree, TagNamesCanonicalForm) {
+    EXPECT_EQ(w(XMLElement::canonicalTagName(L"Foundation.Core.Generalization.parent")), L"UML:Generalization.parent");
+    EXPECT_EQ(w(XMLElement::canonicalTagName(L"Foundation.Data_Types.MultiplicityRange.lower")),
+              L"UML:MultiplicityRange.lower");
+    EXPECT_EQ(w(XMLElement::canonicalTagName(L"Model_Management.Package")), L"UML:Package");
+    EXPECT_EQ(w(XMLElement::canonicalTagName(L"foo.Foundation.Core.Class")), L"foo.Foundation.Core.Class");
+    EXPECT_NE(dynamic_cast<const FCClassElement*>(rootOf("<Foundation.Core.Class></Foundation.Core.Class>").get()), nullptr);
+    EXPECT_NE(dynamic_cast<const UnrecognisedElement*>(rootOf("<foo.Foundation.Core.Class></foo.Foundation.Core.Class>").get()),
+              nullptr);
+    EXPECT_NE(dynamic_cast<const FCOperationElement*>(rootOf("<UML:Operation></UML:Operation>").get()), nullptr);
+}
+
+TEST(XMLTree, ContentQueriesAndTheirMessages) {
+    _eFrom<XMLElement> e = rootOf(
+        "<e><UML:ModelElement.name>class</UML:ModelElement.name>"
+        "<UML:Multiplicity><UML:Multiplicity.range><UML:MultiplicityRange lower='0'/><UML:MultiplicityRange lower='1'/>"
+        "</UML:Multiplicity.range></UML:Multiplicity>"
+        "<t> a b </t><t2>x\n</t2><d/><d/>"
+        "<UML:StructuralFeature.type><UML:Class xmi.idref='c9'/></UML:StructuralFeature.type></e>");
+    const XMLcontent& c = *e->getContent();
+    EXPECT_EQ(c.elementsAtPath({L"UML:Multiplicity", L"UML:Multiplicity.range", L"UML:MultiplicityRange"}).size(), 2);
+    EXPECT_EQ(w(c.textAtPath({L"t"})), L"a b");
+    EXPECT_EQ(w(c.textAtPath({L"t2"})), L"x\n");
+    EXPECT_EQ(w(c.textAtPath({L"none"})), L"?[[Missing Element 'none']]");
+    EXPECT_EQ(w(c.textAtPath({L"d"})), L"?[[Duplicate Element 'd']]");
+    EXPECT_EQ(w(c.singleChildAttribute(L"d", L"x", ctx())), L"?[[Duplicate Element 'd']]");
+    EXPECT_EQ(w(c.singleChildAttribute(L"t", L"x", ctx())), L"?[[Missing Attribute 'x']]");
+    EXPECT_EQ(w(c.nameElementText(true)), L"class_");
+    EXPECT_EQ(w(c.nameElementText(false)), L"class");
+    EXPECT_EQ(w(e->getContent()->childrenNamed(L"UML:StructuralFeature.type").get(0)->getContent()->referencedId(ctx())),
+              L"c9");
+    EXPECT_EQ(w(c.childReferencedTypeName(L"UML:StructuralFeature.type", ctx())), L"?");
+    EXPECT_EQ(w(e->getContent()->childrenNamed(L"t").get(0)->getContent()->referencedId(ctx())),
+              L"?[[Missing Element 'UML:AssociationClass' or 'UML:Class' or 'UML:Classifier' or 'UML:DataType' or "
+              L"'UML:Data_Types.Enumeration' or 'UML:Data_Types.Primitive' or 'UML:Data_Types.Structure' or "
+              L"'UML:Interface']]");
+    EXPECT_EQ(w(e->typeOf(L"UML:StructuralFeature.type", ctx())->tokens().get(0)), L"?");
+
+    _eFrom<XMLElement> unnamed = rootOf("<a/>");
+    EXPECT_EQ(w(unnamed->elementName(false)), L"?[[Missing_Element_'UML:ModelElement.name']]");
+    EXPECT_FALSE(unnamed->hasName());
+    EXPECT_TRUE(unnamed->getContent()->childrenNamed(L"x").isEmpty());
+    EXPECT_TRUE(*unnamed->getContent()->dictionary() == XMLDictionary());
+    EXPECT_EQ(w(rootOf("<a><UML:ModelElement.name>a,,b</UML:ModelElement.name></a>")->elementName(false)), L"a, , b");
+    EXPECT_EQ(w(rootOf("<a name='   '/>")->nameOrUnknown(false)), L"?");
+    EXPECT_EQ(w(rootOf("<a name='Boolean'/>")->typeName()), L"Boolean");
+    EXPECT_EQ(w(rootOf("<a name='double'/>")->typeName()), L"real");
+    _eFrom<XMLElement> twice = rootOf("<a><UML:ModelElement.visibility>public</UML:ModelElement.visibility>"
+                                      "<UML:ModelElement.visibility>public</UML:ModelElement.visibility></a>");
+    EXPECT_EQ(w(twice->visibility(ctx())), L"?");
+}
+
+TEST(XMLTree, ValuesReferencesAndErrorsOfElements) {
+    _eFrom<XMLElement> e = rootOf("<a x='1' x='2' x='3' v='a&b;c&#65;'>t&amp;<![CDATA[a]]b]]></b>");
+    EXPECT_EQ(w(e->attributeText(L"x", ctx())), L"1");
+    EXPECT_EQ(w(e->attributeText(L"v", ctx())), L"a[[EntityRef'b']]cA");
+    XMLErrors errors = e->getErrors();
+    // The two repetitions of x make equal records, which collapse.
+    ASSERT_EQ(errors.size(), 2);
+    EXPECT_EQ(w(errors.at(0)->text(true)), L"in.xml (1,1): Warning! Element has multiple definitions of attribute 'x'.");
+    EXPECT_EQ(w(errors.at(1)->text(true)),
+              L"in.xml (1,59): Warning! End tag name 'b' does not match start tag name 'a' at (1,1).");
+    const auto& items = e->getContent()->getItems();
+    ASSERT_EQ(items.size(), 3);
+    EXPECT_EQ(w(dynamic_cast<const XMLCharData*>(items.get(0).get())->getText()), L"t");
+    EXPECT_NE(dynamic_cast<const XMLEntityReference*>(items.get(1).get()), nullptr);
+    EXPECT_EQ(w(dynamic_cast<const XMLCDSect*>(items.get(2).get())->getText()), L"a]]b");
+    EXPECT_EQ(w(e->getContent()->text()), L"t");
+}
+
+TEST(XMLTree, DictionariesDropIdsThatSiblingsShare) {
+    _eFrom<XMLElement> root = rootOf(
+        "<r><p><x xmi.id='dup' name='one'></x><x xmi.id='a'></x></p><q><x xmi.id='dup' name='two'></x></q>"
+        "<UML:Association xmi.id='as1'></UML:Association><s><UML:Association xmi.id='as2'></UML:Association></s>"
+        "<UML:Generalization xmi.id='g1'></UML:Generalization><UML:Association></UML:Association></r>");
+    _eHndl<XMLDictionary> d = root->dictionary();
+    EXPECT_TRUE(d->lookup(L"dup").isNull());
+    EXPECT_TRUE(d->getDuplicateIds().contains(L"dup"));
+    EXPECT_FALSE(d->lookup(L"a").isNull());
+    ASSERT_EQ(d->getAssociations().size(), 2);
+    // Sibling subtrees of one size each: the later one's association comes first.
+    EXPECT_EQ(w(d->getAssociations().at(0)->attributeText(L"xmi.id", ctx())), L"as2");
+    EXPECT_EQ(d->getGeneralizations().size(), 1);
+
+    // An element whose id one of its descendants repeats keeps its own entry.
+    _eHndl<XMLDictionary> nested = rootOf("<x xmi.id='i' name='outer'><y xmi.id='i' name='inner'></y></x>")->dictionary();
+    ASSERT_FALSE(nested->lookup(L"i").isNull());
+    EXPECT_EQ(w(nested->lookup(L"i")->elementName(false)), L"inner");
+    EXPECT_TRUE(nested->getDuplicateIds().contains(L"i"));
+}
+
+TEST(XMLTree, GenerationNeedsAnXMIRoot) {
+    TempDir dir;
+    _eHndl<const Environment> env(new Environment());
+    FileName source(L"/models/m.xmi", env.get());
+    _eHndl<XMLDocument> other = parsed("<Foundation.Core.Class></Foundation.Core.Class>");
+    other->analyse();
+    EXPECT_TRUE(other->getClasses().isEmpty());
+    other->generateClassFile(L"A", fromPlatformText(dir.path() + "/"), source, env);
+    other->generateSingleFile(FileName(fromPlatformText(dir / "all.tv"), env.get()), Names(), source, env);
+    ASSERT_EQ(other->getErrors().size(), 1);
+    EXPECT_EQ(w(other->getErrors().at(0)->text(true)), L"in.xml (1,1): Fatal error! Not an XMI document.");
+    EXPECT_TRUE(dir.read("all.tv").empty());
+
+    _eHndl<XMLDocument> xmi = parsed("<XMI></XMI>");
+    xmi->analyse();
+    xmi->generateSingleFile(FileName(fromPlatformText(dir / "all.tv"), env.get()), Names(), source, env);
+    EXPECT_TRUE(xmi->getErrors().isEmpty());
+    EXPECT_TRUE(dir.read("all.tv").ends_with("\n\n\n\n\n// End of file.\n"));
+}

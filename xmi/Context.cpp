@@ -1,0 +1,28 @@
+#include "xmi/Context.h"
+
+#include "xmi/XMLDictionary.h"
+
+Context::Context() : Context(XMLDictionary::empty()) {}
+
+Context::Context(const _eHndl<XMLDictionary>& dictionary) : dictionary(dictionary), className(L"?"), rolePrefix(L"my") {}
+
+Context::Context(const Context& other) = default;
+
+Context::~Context() = default;
+
+const _eHndl<Context>& Context::shared() {
+    static const _eHndl<Context> context(new Context());
+    return context;
+}
+
+bool Context::equalFields(const Context& other) const {
+    return dictionary == other.dictionary && className == other.className && rolePrefix == other.rolePrefix;
+}
+
+_eFrom<XMLElement> Context::lookup(const _eString& id) const { return dictionary->lookup(id); }
+
+_eHndl<Context> Context::withClassName(const _eString& name) const {
+    _eHndl<Context> copy(new Context(*this));
+    copy->className = name;
+    return copy;
+}

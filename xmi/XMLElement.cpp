@@ -1,0 +1,221 @@
+#include "xmi/XMLElement.h"
+
+#include "output/ReservedWords.h"
+#include "xmi/XMLDictionary.h"
+
+namespace {
+
+_eHndl<TarvaneOutput> singleToken(const _eString& token) {
+    return _eHndl<TarvaneOutput>(new TarvaneOutput(Tokens{token}));
+}
+
+void recordError(XMLErrors& errors, const _eHndl<Location>& where, XMLErrorType::_eEnum kind,
+              const _eSeq<_eString>& arguments) {
+    errors.add(_eHndl<XMLError>(new XMLError(where, kind, arguments)));
+}
+
+// One error for each attribute defined again in the tag.
+XMLErrors repeatedAttributeErrors(const _eHndl<Location>& where, const XMLAttributeList& list) {
+    XMLErrors errors;
+    const _eSeq<_eString>& repeated = list.getRepeatedNames();
+    for (int i = 0, n = repeated.size(); i < n; ++i) recordError(errors, where, XMLErrorType::duplicateAttribute, {repeated.get(i)});
+    return errors;
+}
+
+}  // namespace
+
+XMLElement::XMLElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
+                       const _eHndl<XMLETag>& endTag)
+    : _eClass(startTag->getLocation()),
+      name(canonicalTagName(startTag->getName())),
+      attributes(startTag->getAttributes()->getAttributes()),
+      content(content),
+      elementErrors(repeatedAttributeErrors(startTag->getLocation(), *startTag->getAttributes())) {
+    if (!(startTag->getName() == endTag->getName()))
+        recordError(elementErrors, endTag->getLocation(), XMLErrorType::tagMismatch,
+                 {endTag->getName(), startTag->getName(), startTag->getLocation()->positionText()});
+}
+
+XMLElement::XMLElement(const _eHndl<XMLEmptyElemTag>& emptyTag)
+    : _eClass(emptyTag->getLocation()),
+      name(canonicalTagName(emptyTag->getName())),
+      attributes(emptyTag->getAttributes()->getAttributes()),
+      content(new XMLcontent(emptyTag->getLocation())),
+      elementErrors(repeatedAttributeErrors(emptyTag->getLocation(), *emptyTag->getAttributes())) {}
+
+bool XMLElement::equalFields(const XMLElement& other) const {
+    return XMLContentItem::equalFields(other) && name == other.name && attributes == other.attributes &&
+           content == other.content && elementErrors == other.elementErrors;
+}
+
+XMLErrors XMLElement::getErrors() const {
+    XMLErrors all = XMLContentItem::getErrors();
+    all.addAll(elementErrors);
+    return all;
+}
+
+_eHndl<TarvaneOutput> XMLElement::generateClasses(const Names&, const _eHndl<Context>&) const {
+    return TarvaneOutput::empty();
+}
+
+_eHndl<TarvaneSections> XMLElement::generateSections(const _eHndl<Context>&) const { return TarvaneSections::empty(); }
+
+_eHndl<TarvaneOutput> XMLElement::asType(const _eHndl<Context>&) const { return singleToken(typeName()); }
+
+_eHndl<TarvaneOutput> XMLElement::typeOf(const _eString& elementName, const _eHndl<Context>& context) const {
+    if (hasAttribute(L"type")) {
+        _eFrom<XMLElement> found = context->lookup(attributeText(L"type", context));
+        return found.isNull() ? singleToken(L"?") : found->asType(context);
+    }
+    ElementSeq children = content->childrenNamed(elementName);
+    if (children.size() != 1) return singleToken(L"?");
+    return children.get(0)->referencedType(context);
+}
+
+_eHndl<TarvaneOutput> XMLElement::referencedType(const _eHndl<Context>& context) const {
+    _eFrom<XMLElement> found = context->lookup(content->referencedId(context));
+    return found.isNull() ? singleToken(L"?") : found->asType(context);
+}
+
+ClassMap XMLElement::classMap() const { return {}; }
+
+_eHndl<XMLDictionary> XMLElement::dictionary() const {
+    _eHndl<XMLDictionary> below = content->dictionary();
+    if (!hasAttribute(L"xmi.id")) return below;
+    return below->add(attributeText(L"xmi.id", Context::shared()), const_cast<XMLElement*>(this));
+}
+
+_eString XMLElement::attributeText(const _eString& attribute, const _eHndl<Context>& context) const {
+    return attributes.get(attribute)->text(context);
+}
+
+_eString XMLElement::attributeOrSubElement(const _eString& attribute, const _eString& subElement,
+                                           const _eHndl<Context>& context) const {
+    if (hasAttribute(attribute)) return attributeText(attribute, context);
+    ElementSeq children = content->childrenNamed(subElement);
+    if (children.size() != 1) return L"?";
+    const _eFrom<XMLElement>& child = children.get(0);
+    if (child->hasAttribute(L"xmi.value")) return child->attributeText(L"xmi.value", context);
+    return child->getContent()->text();
+}
+
+_eString XMLElement::requiredAttribute(const _eString& attribute, const _eHndl<Context>& context) const {
+    if (hasAttribute(attribute)) return attributeText(attribute, context);
+    return _eString(L"?[[Missing Attribute '") + attribute + L"']]";
+}
+
+_eString XMLElement::elementName(bool escape) const {
+    if (!hasAttribute(L"name")) return content->nameElementText(escape);
+    _eString value = XMLcontent::trimSpaces(attributeText(L"name", Context::shared()));
+    return escape ? escapeReservedWord(value) : value;
+}
+
+_eString XMLElement::nameOrUnknown(bool escape) const {
+    _eString value = elementName(escape);
+    return value.isEmpty() ? _eString(L"?") : value;
+}
+
+bool XMLElement::hasName() const {
+    return (hasAttribute(L"name") || content->hasSingleNameElement()) && !elementName(false).isEmpty();
+}
+
+_eString XMLElement::typeName() const {
+    _eString value = nameOrUnknown(false);
+    if (value == _eString(L"boolean")) return L"bool";
+    if (value == _eString(L"float") || value == _eString(L"double")) return L"real";
+    return value;
+}
+
+_eString XMLElement::visibility(const _eHndl<Context>& context) const {
+    return attributeOrSubElement(L"visibility", L"UML:ModelElement.visibility", context);
+}
+
+_eString XMLElement::parameterKind(const _eHndl<Context>& context) const {
+    return attributeOrSubElement(L"kind", L"UML:Parameter.kind", context);
+}
+
+bool XMLElement::isLeaf(const _eHndl<Context>& context) const {
+    return attributeOrSubElement(L"isLeaf", L"UML:GeneralizableElement.isLeaf", context) == _eString(L"true");
+}
+
+bool XMLElement::isAbstract(const _eHndl<Context>& context) const {
+    return attributeOrSubElement(L"isAbstract", L"UML:GeneralizableElement.isAbstract", context) == _eString(L"true");
+}
+
+_eString XMLElement::canonicalTagName(const _eString& tag) {
+    for (const wchar_t* prefix : {L"Model_Management.", L"Foundation.Core.", L"Foundation.Data_Types."}) {
+        _eString p = prefix;
+        if (tag.startsWith(p)) return _eString(L"UML:") + tag.drop(p.size());
+    }
+    return tag;
+}
+
+ElementSeq FCAssociationElement::ends() const {
+    ElementSeq all = getContent()->elementsAtPath({L"UML:Association.connection", L"UML:AssociationEnd"});
+    ElementSeq out;
+    for (int i = 0, n = all.size(); i < n; ++i)
+        if (all.get(i)->getContent()->hasChild(L"UML:AssociationEnd.type")) out.pushBack(all.get(i));
+    return out;
+}
+
+bool FCAssociationElement::involves(const _eString& classId, const _eHndl<Context>& context) const {
+    ElementSeq all = ends();
+    for (int i = 0, n = all.size(); i < n; ++i) {
+        ElementSeq types = all.get(i)->getContent()->childrenNamed(L"UML:AssociationEnd.type");
+        if (types.get(0)->getContent()->referencedId(context) == classId) return true;
+    }
+    return false;
+}
+
+const Names& FCGeneralizationElement::childNames() {
+    static const Names names(_eString(L"UML:Generalization.child"), _eString(L"UML:Generalization.subtype"));
+    return names;
+}
+
+const Names& FCGeneralizationElement::parentNames() {
+    static const Names names(_eString(L"UML:Generalization.parent"), _eString(L"UML:Generalization.supertype"));
+    return names;
+}
+
+const Names& FCGeneralizationElement::innerNames() {
+    static const Names names(_eString(L"UML:Class"), _eString(L"UML:GeneralizableElement"));
+    return names;
+}
+
+bool FCGeneralizationElement::isChild(const _eString& classId, const _eHndl<Context>& context) const {
+    return getContent()->grandchildAttributeInSet(childNames(), innerNames(), L"xmi.idref", context) == classId;
+}
+
+_eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
+                                                  const _eHndl<XMLETag>& endTag) {
+    if (startTag->getAttributes()->getAttributes().containsKey(L"xmi.idref"))
+        return new UnrecognisedElement(startTag, content, endTag);
+    using Maker = XMLElement* (*)(const _eHndl<XMLSTag>&, const _eHndl<XMLcontent>&, const _eHndl<XMLETag>&);
+    static const _eMap<_eString, Maker> classes = [] {
+        _eMap<_eString, Maker> m;
+        auto make = []<class C>(C*) -> Maker {
+            return [](const _eHndl<XMLSTag>& s, const _eHndl<XMLcontent>& c, const _eHndl<XMLETag>& e) -> XMLElement* {
+                return new C(s, c, e);
+            };
+        };
+        m.put(L"XMI", make(static_cast<XMIRootElement*>(nullptr)));
+        m.put(L"XMI.content", make(static_cast<XMIContentElement*>(nullptr)));
+        m.put(L"UML:Model", make(static_cast<Model_ManagementModelElement*>(nullptr)));
+        m.put(L"UML:Package", make(static_cast<Model_ManagementPackageElement*>(nullptr)));
+        m.put(L"UML:Namespace.ownedElement", make(static_cast<FCNamespaceOwnedElement*>(nullptr)));
+        m.put(L"UML:Class", make(static_cast<FCClassElement*>(nullptr)));
+        m.put(L"UML:Classifier.feature", make(static_cast<FCClassifierFeatureElement*>(nullptr)));
+        m.put(L"UML:Attribute", make(static_cast<FCAttributeElement*>(nullptr)));
+        m.put(L"UML:Operation", make(static_cast<FCOperationElement*>(nullptr)));
+        m.put(L"UML:Association", make(static_cast<FCAssociationElement*>(nullptr)));
+        m.put(L"UML:Generalization", make(static_cast<FCGeneralizationElement*>(nullptr)));
+        return m;
+    }();
+    _eString canonical = XMLElement::canonicalTagName(startTag->getName());
+    if (!classes.containsKey(canonical)) return new UnrecognisedElement(startTag, content, endTag);
+    return classes.get(canonical)(startTag, content, endTag);
+}
+
+_eFrom<XMLElement> ElementCreation::createEmptyElement(const _eHndl<XMLEmptyElemTag>& emptyTag) {
+    return new UnrecognisedElement(emptyTag);
+}

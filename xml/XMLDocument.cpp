@@ -1,0 +1,37 @@
+#include "xml/XMLDocument.h"
+
+void XMLDocument::analyse() {
+    _eFreeze freeze(this);
+    dictionary = root->dictionary();
+    classes = root->classMap();
+}
+
+bool XMLDocument::rootIsXMI() {
+    if (root->getName() == _eString(L"XMI")) return true;
+    addError(_eHndl<XMLError>(new XMLError(getLocation(), XMLErrorType::notXMI)));
+    return false;
+}
+
+void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
+                        const _eHndl<const Environment>& environment) {
+    XMLErrors errors;
+    output.writeFile(ImportOptions::defaults(), file, sourceFile, environment, errors);
+    addErrors(errors);
+}
+
+void XMLDocument::generateClassFile(const _eString& className, const _eString& outputDirectory,
+                                    const FileName& sourceFile, const _eHndl<const Environment>& environment) {
+    if (!rootIsXMI()) return;
+    _eHndl<Context> context(new Context(dictionary.isNull() ? XMLDictionary::empty() : dictionary));
+    auto [index, end] = classes.lookup(className);
+    _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
+    if (index != end) output = classes.at(index).second->generateClasses(Names(className), context);
+    write(*output, FileName(outputDirectory, className, L"tv", environment.get()), sourceFile, environment);
+}
+
+void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
+                                     const _eHndl<const Environment>& environment) {
+    if (!rootIsXMI()) return;
+    _eHndl<Context> context(new Context(dictionary.isNull() ? XMLDictionary::empty() : dictionary));
+    write(*root->generateClasses(classNames, context), targetFile, sourceFile, environment);
+}

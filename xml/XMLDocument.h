@@ -1,0 +1,40 @@
+// `XMLDocument`: the top of the tree that the parser delivers: the root element, the id
+// dictionary and the class map; it starts generation.
+#pragma once
+
+#include "xmi/XMLDictionary.h"
+
+class MB_API XMLDocument : public _eClass<XMLDocument, XMLNode> {
+public:
+    static constexpr const wchar_t* _aTypeName = L"XMLDocument";
+
+    XMLDocument(const _eHndl<Location>& location, const _eFrom<XMLElement>& root) : _eClass(location), root(root) {}
+
+    bool equalFields(const XMLDocument& other) const {
+        return XMLNode::equalFields(other) && root == other.root && dictionary == other.dictionary &&
+               classes == other.classes;
+    }
+
+    // Writes the file of one class into `outputDirectory`.
+    virtual void generateClassFile(const _eString& className, const _eString& outputDirectory,
+                                   const FileName& sourceFile, const _eHndl<const Environment>& environment);
+    // Writes one file with the chosen classes, in document order.
+    virtual void generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
+                                    const _eHndl<const Environment>& environment);
+    // Builds the dictionary and the class map.
+    virtual void analyse();
+    virtual ClassMap getClasses() const { return classes; }
+
+    const _eFrom<XMLElement>& getRoot() const { return root; }
+    const _eHndl<XMLDictionary>& getDictionary() const { return dictionary; }
+
+private:
+    // False, with a `notXMI` error, when the root isn't "XMI".
+    bool rootIsXMI();
+    void write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
+               const _eHndl<const Environment>& environment);
+
+    _eFrom<XMLElement> root;
+    _eHndl<XMLDictionary> dictionary;  // null until analysed
+    ClassMap classes;                  // class name to class element
+};

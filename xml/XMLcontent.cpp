@@ -1,0 +1,201 @@
+#include "xml/XMLcontent.h"
+
+#include "output/ReservedWords.h"
+#include "runtime/StringUtils.h"
+#include "xmi/XMLDictionary.h"
+#include "xml/XMLCharData.h"
+
+namespace {
+
+// The children of `content` that are elements, each with its element.
+template <class Keep>
+ElementSeq elementsWhere(const _eSeq<_eFrom<XMLContentItem>>& items, Keep keep) {
+    ElementSeq out;
+    for (int i = 0, n = items.size(); i < n; ++i) {
+        auto* element = dynamic_cast<XMLElement*>(items.get(i).get());
+        if (element != nullptr && keep(*element)) out.pushBack(element);
+    }
+    return out;
+}
+
+const Names& classifierNames() {
+    static const Names names(_eString(L"UML:AssociationClass"), _eString(L"UML:Class"), _eString(L"UML:Classifier"),
+                             _eString(L"UML:DataType"), _eString(L"UML:Data_Types.Enumeration"),
+                             _eString(L"UML:Data_Types.Primitive"), _eString(L"UML:Data_Types.Structure"),
+                             _eString(L"UML:Interface"));
+    return names;
+}
+
+}  // namespace
+
+XMLcontent::XMLcontent(const _eHndl<Location>& location) : _eClass(location) {}
+XMLcontent::XMLcontent(const XMLcontent& other) = default;
+XMLcontent::~XMLcontent() = default;
+
+bool XMLcontent::equalFields(const XMLcontent& other) const {
+    return NonTerminal::equalFields(other) && items == other.items;
+}
+
+_eHndl<XMLDictionary> XMLcontent::dictionary() const {
+    ElementSeq children = elementsWhere(items, [](const XMLElement&) { return true; });
+    if (children.isEmpty()) return XMLDictionary::empty();
+    _eHndl<XMLDictionary> result = children.get(0)->dictionary();
+    for (int i = 1, n = children.size(); i < n; ++i) result = result->merge(*children.get(i)->dictionary());
+    return result;
+}
+
+bool XMLcontent::hasChild(const _eString& name) const { return !childrenNamed(name).isEmpty(); }
+
+_eHndl<TarvaneOutput> XMLcontent::generateNamed(const Names& classNames, const _eString& name,
+                                                const _eHndl<Context>& context) const {
+    return generateInSet(classNames, Names(name), context);
+}
+
+_eHndl<TarvaneOutput> XMLcontent::generateInSet(const Names& classNames, const Names& names,
+                                                const _eHndl<Context>& context) const {
+    _eHndl<TarvaneOutput> out = TarvaneOutput::empty();
+    ElementSeq children = childrenInSet(names);
+    for (int i = 0, n = children.size(); i < n; ++i) out = out->concat(*children.get(i)->generateClasses(classNames, context));
+    return out;
+}
+
+_eHndl<TarvaneSections> XMLcontent::sectionsNamed(const _eString& name, const _eHndl<Context>& context) const {
+    _eHndl<TarvaneSections> out = TarvaneSections::empty();
+    ElementSeq children = childrenNamed(name);
+    for (int i = 0, n = children.size(); i < n; ++i) out = out->merge(*children.get(i)->generateSections(context));
+    return out;
+}
+
+_eString XMLcontent::referencedId(const _eHndl<Context>& context) const {
+    ElementSeq candidates = childrenInSet(classifierNames());
+    if (candidates.size() != 1) return missingOrDuplicate(classifierNames(), candidates.size());
+    const _eFrom<XMLElement>& candidate = candidates.get(0);
+    if (candidate->hasAttribute(L"xmi.idref")) return candidate->requiredAttribute(L"xmi.idref", context);
+    return candidate->getContent()->grandchildAttribute(L"UML:Namespace.ownedElement", L"UML:DataType", L"xmi.idref",
+                                                        context);
+}
+
+_eString XMLcontent::referencedTypeName(const _eHndl<Context>& context) const {
+    _eFrom<XMLElement> found = context->lookup(referencedId(context));
+    return found.isNull() ? _eString(L"?") : found->typeName();
+}
+
+_eString XMLcontent::childReferencedTypeName(const _eString& name, const _eHndl<Context>& context) const {
+    ElementSeq children = childrenNamed(name);
+    if (children.size() != 1) return L"?";
+    return children.get(0)->getContent()->referencedTypeName(context);
+}
+
+_eString XMLcontent::singleChildAttributeInSet(const Names& names, const _eString& attribute,
+                                               const _eHndl<Context>& context) const {
+    ElementSeq children = childrenInSet(names);
+    if (children.size() != 1) return missingOrDuplicate(names, children.size());
+    return children.get(0)->requiredAttribute(attribute, context);
+}
+
+_eString XMLcontent::singleChildAttribute(const _eString& name, const _eString& attribute,
+                                          const _eHndl<Context>& context) const {
+    ElementSeq children = childrenNamed(name);
+    if (children.size() != 1) return missingOrDuplicate(name, children.size());
+    return children.get(0)->requiredAttribute(attribute, context);
+}
+
+_eString XMLcontent::grandchildAttributeInSet(const Names& names, const Names& innerNames, const _eString& attribute,
+                                              const _eHndl<Context>& context) const {
+    ElementSeq children = childrenInSet(names);
+    if (children.size() != 1) return missingOrDuplicate(names, children.size());
+    return children.get(0)->getContent()->singleChildAttributeInSet(innerNames, attribute, context);
+}
+
+_eString XMLcontent::grandchildAttribute(const _eString& name, const _eString& innerName, const _eString& attribute,
+                                         const _eHndl<Context>& context) const {
+    ElementSeq children = childrenNamed(name);
+    if (children.size() != 1) return missingOrDuplicate(name, children.size());
+    return children.get(0)->getContent()->singleChildAttribute(innerName, attribute, context);
+}
+
+_eString XMLcontent::textAtPath(const _eSeq<_eString>& path) const {
+    const _eString& first = path.get(0);
+    ElementSeq children = childrenNamed(first);
+    if (children.size() != 1) return missingOrDuplicate(first, children.size());
+    if (path.size() == 1) return children.get(0)->getContent()->text();
+    return children.get(0)->getContent()->textAtPath(path.drop(1));
+}
+
+_eString XMLcontent::text() const {
+    _eString all;
+    for (int i = 0, n = items.size(); i < n; ++i)
+        if (const auto* data = dynamic_cast<const XMLCharData*>(items.get(i).get())) all = all + data->getText();
+    return trimSpaces(all);
+}
+
+_eString XMLcontent::nameElementText(bool escape) const {
+    _eString value = textAtPath({L"UML:ModelElement.name"});
+    _eSeq<_eString> pieces;
+    _eString piece;
+    auto finish = [&] {
+        _eString trimmed = trimSpaces(piece);
+        for (int i = 0, n = trimmed.size(); i < n; ++i)
+            if (trimmed.get(i) == L' ') trimmed.replaceAt(i, L'_');
+        pieces.pushBack(escape ? escapeReservedWord(trimmed) : trimmed);
+        piece = {};
+    };
+    for (int i = 0, n = value.size(); i < n; ++i) {
+        if (value.get(i) == L',')
+            finish();
+        else
+            piece.pushBack(value.get(i));
+    }
+    finish();
+    return join(pieces, L", ");
+}
+
+bool XMLcontent::hasSingleNameElement() const { return childrenNamed(L"UML:ModelElement.name").size() == 1; }
+
+ElementSeq XMLcontent::elementsAtPath(const _eSeq<_eString>& path) const {
+    ElementSeq children = childrenNamed(path.get(0));
+    if (path.size() == 1 || children.isEmpty()) return children;
+    ElementSeq out;
+    for (int i = 0, n = children.size(); i < n; ++i) out.appendAll(children.get(i)->getContent()->elementsAtPath(path.drop(1)));
+    return out;
+}
+
+ElementSeq XMLcontent::childrenInSet(const Names& names) const {
+    return elementsWhere(items, [&](const XMLElement& e) { return names.contains(e.getName()); });
+}
+
+ElementSeq XMLcontent::childrenNamed(const _eString& name) const {
+    return elementsWhere(items, [&](const XMLElement& e) { return e.getName() == name; });
+}
+
+ClassMap XMLcontent::classesNamed(const _eString& name) const { return classesInSet(Names(name)); }
+
+ClassMap XMLcontent::classesInSet(const Names& names) const {
+    ClassMap out;
+    ElementSeq children = childrenInSet(names);
+    for (int i = 0, n = children.size(); i < n; ++i) out.addAll(children.get(i)->classMap());
+    return out;
+}
+
+void XMLcontent::addItem(const _eFrom<XMLContentItem>& item) {
+    _eFreeze freeze(this);
+    items.pushBack(item);
+}
+
+_eString XMLcontent::missingOrDuplicate(const _eString& name, int found) {
+    return _eString(found == 0 ? L"?[[Missing Element '" : L"?[[Duplicate Element '") + name + L"']]";
+}
+
+_eString XMLcontent::missingOrDuplicate(const Names& names, int found) {
+    _eSeq<_eString> quoted;
+    for (int i = 0, n = names.size(); i < n; ++i) quoted.pushBack(_eString(L"'") + names.at(i) + L"'");
+    return _eString(found == 0 ? L"?[[Missing Element " : L"?[[Duplicate Element ") + join(quoted, L" or ") + L"]]";
+}
+
+_eString XMLcontent::trimSpaces(const _eString& text) {
+    int from = 0;
+    int to = text.size();
+    while (from < to && text.get(from) == L' ') ++from;
+    while (to > from && text.get(to - 1) == L' ') --to;
+    return text.take(to).drop(from);
+}
