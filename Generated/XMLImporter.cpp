@@ -122,3 +122,69 @@ void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& le
     }
     if (showProgress) parseDiagnostics = parseDiagnostics + L"\n";
 }
+
+const _eSet<_eString>& XMLImporter::classesToIgnore() {
+    static const _eSet<_eString> names = [] {
+        _eSet<_eString> set;
+        for (const wchar_t* name : {L"Boolean", L"Byte", L"Character", L"Double", L"Integer", L"String", L"bag",
+                                    L"bool", L"map", L"pair", L"real", L"seq", L"set", L"triple"})
+            set.add(name);
+        return set;
+    }();
+    return names;
+}
+
+_eSeq<_eString> XMLImporter::getClassList() const {
+    _eSeq<_eString> list;
+    if (document.isNull()) return list;
+    ClassMap classes = document->getClasses();
+    _eSet<_eString> names;
+    for (int i = 0, n = classes.size(); i < n; ++i) names.add(classes.at(i).first);
+    for (int i = 0, n = names.size(); i < n; ++i)
+        if (!classesToIgnore().contains(names.at(i))) list.pushBack(names.at(i));
+    return list;
+}
+
+ValidityStatus::_eEnum XMLImporter::getValidityStatus(_eString fileName) const {
+    if (environment.isNull()) return ValidityStatus::Invalid;
+    FileName file(fileName, environment.get());
+    if (document.isNull()) return ValidityStatus::Invalid;
+    const XMLDocument& parsed = *document;
+    if (typeid(parsed) != typeid(XMLDocument)) return ValidityStatus::Invalid;
+    if (parsedFile.isNull() || !(*parsedFile == file)) return ValidityStatus::Invalid;
+    if (parsedFileTime.isNull()) return ValidityStatus::Unknown;
+    _eHndl<FileStats> stats = environment->stats(file.fullPathText()).as<FileStats>();
+    if (stats.isNull()) return ValidityStatus::Unknown;
+    return *stats->getLastModified() == *parsedFileTime ? ValidityStatus::Valid : ValidityStatus::Invalid;
+}
+
+template <class Generate>
+void XMLImporter::generate(Generate run, bool& success) {
+    if (document.isNull() || environment.isNull()) {
+        // Nothing was parsed that could be generated.
+        success = false;
+        return;
+    }
+    FileName source = parsedFile.isNull() ? FileName() : *parsedFile;
+    run(*document.uniquePointer(), source);
+    XMLErrors documentErrors = document->getErrors();
+    addErrors(documentErrors);
+    success = documentErrors.isEmpty();
+}
+
+void XMLImporter::generateClassFile(_eString directory, _eString className, bool& success) {
+    generate([&](XMLDocument& doc, const FileName& source) {
+        doc.generateClassFile(className, directory, source, environment);
+    }, success);
+}
+
+void XMLImporter::generateSingleFile(_eString directory, _eString fileName, _eSet<_eString> classNames, bool& success) {
+    generate([&](XMLDocument& doc, const FileName& source) {
+        FileName target(directory, fileName, L"tv", environment.get());
+        doc.generateSingleFile(target, classNames, source, environment);
+    }, success);
+}
+
+_eString XMLImporter::genFullFileNameString(_eString directory, _eString name, const Environment* environment) {
+    return FileName(directory, name, L"tv", environment).fullPathText();
+}

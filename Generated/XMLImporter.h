@@ -26,6 +26,19 @@ public:
     // `profileRequest` asks for a processor-time profile when it isn't empty.
     void attemptParse(_eString fileName, _eString profileRequest, bool& success);
 
+    // The names of the parsed model's classes, sorted, without repeats and without the names of
+    // built-in types.
+    _eSeq<_eString> getClassList() const;
+    // Whether the parsed model still corresponds to the file of that name.
+    ValidityStatus::_eEnum getValidityStatus(_eString fileName) const;
+    // Writes the class into `directory`/`className`.tv; `success` when no generation on this
+    // document has failed so far.
+    void generateClassFile(_eString directory, _eString className, bool& success);
+    // Writes the chosen classes, in document order, into one file.
+    void generateSingleFile(_eString directory, _eString fileName, _eSet<_eString> classNames, bool& success);
+    // Where a file of that name goes: in `directory`, with the extension "tv".
+    static _eString genFullFileNameString(_eString directory, _eString name, const Environment* environment);
+
     // Importers have no equality: this always raises.
     bool operator==(const XMLImporter& other) const;
 
@@ -52,6 +65,10 @@ private:
     // Runs lexer and parser over the file; keeps the document, the diagnostics and the errors.
     void parseFile(const FileName* file, bool showProgress);
     void processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress);
+    static const _eSet<_eString>& classesToIgnore();
+    // Runs one generation on the document and takes its errors over.
+    template <class Generate>
+    void generate(Generate run, bool& success);
     // Joins `newErrors` to `errors`; equal errors collapse.
     void addErrors(XMLErrors newErrors);
     // The greatest severity in `errors`; `inform` when there is none.

@@ -26,6 +26,11 @@ set(MODELBRIDGE_SOURCES
   xml/XMLcontent.cpp
   xml/XMLDocument.cpp
   xmi/Context.cpp
+  xmi/FCAttributeElement.cpp
+  xmi/FCClassElement.cpp
+  xmi/FCOperationElement.cpp
+  xmi/PathElements.cpp
+  xmi/Relationships.cpp
   xmi/XMLDictionary.cpp
   xmi/XMLElement.cpp
 )

@@ -150,42 +150,6 @@ _eString XMLElement::canonicalTagName(const _eString& tag) {
     return tag;
 }
 
-ElementSeq FCAssociationElement::ends() const {
-    ElementSeq all = getContent()->elementsAtPath({L"UML:Association.connection", L"UML:AssociationEnd"});
-    ElementSeq out;
-    for (int i = 0, n = all.size(); i < n; ++i)
-        if (all.get(i)->getContent()->hasChild(L"UML:AssociationEnd.type")) out.pushBack(all.get(i));
-    return out;
-}
-
-bool FCAssociationElement::involves(const _eString& classId, const _eHndl<Context>& context) const {
-    ElementSeq all = ends();
-    for (int i = 0, n = all.size(); i < n; ++i) {
-        ElementSeq types = all.get(i)->getContent()->childrenNamed(L"UML:AssociationEnd.type");
-        if (types.get(0)->getContent()->referencedId(context) == classId) return true;
-    }
-    return false;
-}
-
-const Names& FCGeneralizationElement::childNames() {
-    static const Names names(_eString(L"UML:Generalization.child"), _eString(L"UML:Generalization.subtype"));
-    return names;
-}
-
-const Names& FCGeneralizationElement::parentNames() {
-    static const Names names(_eString(L"UML:Generalization.parent"), _eString(L"UML:Generalization.supertype"));
-    return names;
-}
-
-const Names& FCGeneralizationElement::innerNames() {
-    static const Names names(_eString(L"UML:Class"), _eString(L"UML:GeneralizableElement"));
-    return names;
-}
-
-bool FCGeneralizationElement::isChild(const _eString& classId, const _eHndl<Context>& context) const {
-    return getContent()->grandchildAttributeInSet(childNames(), innerNames(), L"xmi.idref", context) == classId;
-}
-
 _eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
                                                   const _eHndl<XMLETag>& endTag) {
     if (startTag->getAttributes()->getAttributes().containsKey(L"xmi.idref"))

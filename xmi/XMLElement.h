@@ -37,6 +37,13 @@ public:
     _eString parameterKind(const _eHndl<Context>& context) const;
     bool isLeaf(const _eHndl<Context>& context) const;
     bool isAbstract(const _eHndl<Context>& context) const;
+    // The type of the feature with its multiplicity: optional, plain, a set, or a set with a lower bound.
+    _eHndl<TarvaneOutput> multiplicityType(const _eString& multiplicityElement, const _eString& typeElement, bool isRef,
+                                           const _eHndl<Context>& context) const;
+    // The body of the one "UML:Expression" of the initial value, else "?".
+    _eString initialValue(const _eHndl<Context>& context) const;
+    // A model literal in the target language: "100L" to "100", "'a'" to "`a`".
+    static _eString literalText(const _eString& value);
 
     const _eString& getName() const { return name; }
     const AttributeMap& getAttributes() const { return attributes; }
@@ -55,26 +62,69 @@ private:
 };
 
 // The element classes. Each differs from `XMLElement` only in what it generates.
-#define MB_ELEMENT_CLASS(Class)                                                   \
-    class MB_API Class : public _eClass<Class, XMLElement> {                      \
-    public:                                                                       \
-        static constexpr const wchar_t* _aTypeName = L## #Class;                    \
-        using _eClass::_eClass;                                                   \
+#define MB_ELEMENT_CLASS(Class, Members)                                                      \
+    class MB_API Class : public _eClass<Class, XMLElement> {                                 \
+    public:                                                                                  \
+        static constexpr const wchar_t* _aTypeName = L## #Class;                             \
+        using _eClass::_eClass;                                                              \
         bool equalFields(const Class& other) const { return XMLElement::equalFields(other); } \
+        Members                                                                              \
     };
 
-MB_ELEMENT_CLASS(UnrecognisedElement)
-MB_ELEMENT_CLASS(XMIRootElement)
-MB_ELEMENT_CLASS(XMIContentElement)
-MB_ELEMENT_CLASS(Model_ManagementModelElement)
-MB_ELEMENT_CLASS(FCNamespaceOwnedElement)
-MB_ELEMENT_CLASS(Model_ManagementPackageElement)
-MB_ELEMENT_CLASS(FCClassElement)
-MB_ELEMENT_CLASS(FCClassifierFeatureElement)
-MB_ELEMENT_CLASS(FCAttributeElement)
-MB_ELEMENT_CLASS(FCOperationElement)
+// The elements on the path to the classes descend into the children of the names they give.
+#define MB_PATH_MEMBERS                                                                                  \
+    _eHndl<TarvaneOutput> generateClasses(const Names& classNames, const _eHndl<Context>& context) const \
+        override;                                                                                        \
+    ClassMap classMap() const override;                                                                  \
+    static const Names& descent();
 
+#define MB_FEATURE_MEMBERS _eHndl<TarvaneSections> generateSections(const _eHndl<Context>& context) const override;
+
+MB_ELEMENT_CLASS(UnrecognisedElement, )
+MB_ELEMENT_CLASS(XMIRootElement, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(XMIContentElement, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(Model_ManagementModelElement, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(FCNamespaceOwnedElement, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(Model_ManagementPackageElement, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(FCClassifierFeatureElement, MB_FEATURE_MEMBERS)
+MB_ELEMENT_CLASS(FCAttributeElement, MB_FEATURE_MEMBERS)
+#undef MB_FEATURE_MEMBERS
+#undef MB_PATH_MEMBERS
 #undef MB_ELEMENT_CLASS
+
+// A "UML:Operation": a constructor, schema, function or operator.
+class MB_API FCOperationElement : public _eClass<FCOperationElement, XMLElement> {
+public:
+    static constexpr const wchar_t* _aTypeName = L"FCOperationElement";
+    using _eClass::_eClass;
+    bool equalFields(const FCOperationElement& other) const { return XMLElement::equalFields(other); }
+
+    _eHndl<TarvaneSections> generateSections(const _eHndl<Context>& context) const override;
+
+    // The parameters in braces for a constructor, in parentheses otherwise; none: nothing, or "{}".
+    static _eHndl<TarvaneOutput> parameterList(const ElementSeq& list, bool isConstructor,
+                                               const _eHndl<Context>& context);
+    // A return parameter whose type isn't void.
+    static bool returnsSomething(const XMLElement& parameter, const _eHndl<Context>& context);
+};
+
+// A "UML:Class": one class declaration.
+class MB_API FCClassElement : public _eClass<FCClassElement, XMLElement> {
+public:
+    static constexpr const wchar_t* _aTypeName = L"FCClassElement";
+    using _eClass::_eClass;
+    bool equalFields(const FCClassElement& other) const { return XMLElement::equalFields(other); }
+
+    _eHndl<TarvaneOutput> generateClasses(const Names& classNames, const _eHndl<Context>& context) const override;
+    // A leaf class by its name; any other as ("from", name).
+    _eHndl<TarvaneOutput> asType(const _eHndl<Context>& context) const override;
+    ClassMap classMap() const override;
+
+    // The members that associations give this class.
+    _eHndl<TarvaneSections> associationSections(const _eHndl<Context>& context) const;
+    // ("inherits", parent, ",", parent, ...), or nothing.
+    _eHndl<TarvaneOutput> inheritsClause(const _eHndl<Context>& context) const;
+};
 
 class MB_API FCAssociationElement : public _eClass<FCAssociationElement, XMLElement> {
 public:
@@ -82,10 +132,17 @@ public:
     using _eClass::_eClass;
     bool equalFields(const FCAssociationElement& other) const { return XMLElement::equalFields(other); }
 
+    // The members that this association gives to the class of that id.
+    virtual _eHndl<TarvaneSections> sectionsFor(const _eString& classId, const _eHndl<Context>& context) const;
     // The class of that id stands at one of the ends.
     virtual bool involves(const _eString& classId, const _eHndl<Context>& context) const;
     // The elements at "UML:Association.connection", "UML:AssociationEnd" that name their type by a child.
     ElementSeq ends() const;
+
+private:
+    _eHndl<TarvaneSections> endSections(const XMLElement& ownEnd, const XMLElement& farEnd, const _eString& classId,
+                                        const _eHndl<Context>& context) const;
+    _eHndl<TarvaneSections> farEndMember(const XMLElement& end, bool isRef, const _eHndl<Context>& context) const;
 };
 
 class MB_API FCGeneralizationElement : public _eClass<FCGeneralizationElement, XMLElement> {
@@ -94,6 +151,8 @@ public:
     using _eClass::_eClass;
     bool equalFields(const FCGeneralizationElement& other) const { return XMLElement::equalFields(other); }
 
+    // The parent's name as one token, "?" if it can't be found.
+    virtual _eHndl<TarvaneOutput> parentOutput(const _eHndl<Context>& context) const;
     // The class of that id is the child of this generalization.
     virtual bool isChild(const _eString& classId, const _eHndl<Context>& context) const;
 

@@ -3,7 +3,8 @@
 void XMLDocument::analyse() {
     _eFreeze freeze(this);
     dictionary = root->dictionary();
-    classes = root->classMap();
+    // Classes are found only below an "XMI" document element.
+    classes = root->getName() == _eString(L"XMI") ? root->classMap() : ClassMap();
 }
 
 bool XMLDocument::rootIsXMI() {

@@ -1,0 +1,135 @@
+// Members of classes: attributes, multiplicities, literals, operations, association ends.
+#include <gtest/gtest.h>
+
+#include "support/ParseRun.h"
+#include "xml/XMLDocument.h"
+
+namespace {
+
+std::wstring joined(const _eHndl<TarvaneOutput>& out) {
+    std::wstring text;
+    for (int i = 0; i < out->tokens().size(); ++i) text += (i ? L" " : L"") + toWString(out->tokens().at(i));
+    return text;
+}
+
+// The root's first child element of that tag, with a context on the whole fragment.
+struct Fragment {
+    explicit Fragment(const std::string& inner) {
+        ParseOutcome o = parseText("<r>" + inner + "<UML:DataType xmi.id='int' name='int'/><UML:DataType xmi.id='v' name='void'/>"
+                                   "<UML:Class xmi.id='T' name='T' isLeaf='true'></UML:Class><UML:Class xmi.id='N' name='N'></UML:Class></r>");
+        EXPECT_TRUE(o.accepted) << inner;
+        root = static_cast<XMLDocument*>(o.result.get())->getRoot();
+        context = new Context(root->dictionary());
+    }
+    _eFrom<XMLElement> first(const wchar_t* tag) const { return root->getContent()->childrenNamed(tag).get(0); }
+    // "abstract | confined | interface"
+    std::wstring sections(const wchar_t* tag) const {
+        _eHndl<TarvaneSections> s = first(tag)->generateSections(context->withClassName(L"K"));
+        return joined(s->getAbstractPart()) + L" | " + joined(s->getConfinedPart()) + L" | " + joined(s->getInterfacePart());
+    }
+    _eFrom<XMLElement> root;
+    _eHndl<Context> context;
+};
+
+std::string attribute(const std::string& extra, const std::string& range) {
+    std::string multiplicity =
+        range.empty() ? "" : "<UML:StructuralFeature.multiplicity><UML:Multiplicity><UML:Multiplicity.range>" + range +
+                                 "</UML:Multiplicity.range></UML:Multiplicity></UML:StructuralFeature.multiplicity>";
+    return "<UML:Attribute name='x' visibility='public' " + extra + "><UML:StructuralFeature.type>"
+           "<UML:Class xmi.idref='T'/></UML:StructuralFeature.type>" + multiplicity + "</UML:Attribute>";
+}
+
+std::string range(const std::string& lower, const std::string& upper) {
+    return "<UML:MultiplicityRange lower='" + lower + "' upper='" + upper + "'/>";
+}
+
+std::string operation(const std::string& attributes, const std::string& parameters) {
+    return "<UML:Operation " + attributes + "><UML:BehavioralFeature.parameter>" + parameters +
+           "</UML:BehavioralFeature.parameter></UML:Operation>";
+}
+
+std::string parameter(const std::string& name, const std::string& kind, const std::string& type) {
+    return "<UML:Parameter name='" + name + "'" + (kind.empty() ? "" : " kind='" + kind + "'") +
+           "><UML:Parameter.type><UML:DataType xmi.idref='" + type + "'/></UML:Parameter.type></UML:Parameter>";
+}
+
+}  // namespace
+
+TEST(Members, AttributesAndTheirMultiplicities) {
+    EXPECT_EQ(Fragment(attribute("", "")).sections(L"UML:Attribute"), L"var x : T ; |  | selector x ;");
+    EXPECT_EQ(Fragment(attribute("", range("0", "1"))).sections(L"UML:Attribute"), L"var x : T || void ; |  | selector x ;");
+    EXPECT_EQ(Fragment(attribute("", range("1", "*"))).sections(L"UML:Attribute"),
+              L"var x : those x : set of T :- # x >= 1 ; |  | selector x ;");
+    EXPECT_EQ(Fragment(attribute("", range("0", "*"))).sections(L"UML:Attribute"), L"var x : set of T ; |  | selector x ;");
+    EXPECT_EQ(Fragment(attribute("", range("2", "1"))).sections(L"UML:Attribute"), L"var x : T ; |  | selector x ;");
+    EXPECT_EQ(Fragment(attribute("", range(" 2 ", "5"))).sections(L"UML:Attribute"),
+              L"var x : those x : set of T :- # x >= 2 ; |  | selector x ;");
+    EXPECT_EQ(Fragment(attribute("", range("\t2", "5"))).sections(L"UML:Attribute"), L"var x : set of T ; |  | selector x ;");
+    EXPECT_EQ(Fragment(attribute("", range("0", "1") + range("0", "1"))).sections(L"UML:Attribute"),
+              L"var x : T ; |  | selector x ;");
+    EXPECT_EQ(Fragment("<UML:Attribute name='value' visibility='protected' changeability='frozen'><UML:Attribute.initialValue>"
+                       "<UML:Expression body='100L'/></UML:Attribute.initialValue></UML:Attribute>")
+                  .sections(L"UML:Attribute"),
+              L"const value_ ^= 100 ; | function value_ ; | ");
+    EXPECT_EQ(Fragment("<UML:Attribute name='y' visibility='private'></UML:Attribute>").sections(L"UML:Attribute"),
+              L"var y : ? ; |  | ");
+    EXPECT_EQ(toWString(XMLElement::literalText(L"'a'")), L"`a`");
+    EXPECT_EQ(toWString(XMLElement::literalText(L"''")), L"''");
+    EXPECT_EQ(toWString(XMLElement::literalText(L"1.5f")), L"1.5f");
+    EXPECT_EQ(toWString(XMLElement::literalText(L"-7l")), L"-7");
+    EXPECT_EQ(toWString(XMLElement::literalText(L"L")), L"L");
+}
+
+TEST(Members, OperationsInEveryForm) {
+    std::string area = parameter("r", "return", "int");
+    EXPECT_EQ(Fragment(operation("name='area' visibility='public'", area)).sections(L"UML:Operation"),
+              L" |  | function area : int ^= ? ;");
+    EXPECT_EQ(Fragment(operation("name='area' visibility='public' isAbstract='true'", area)).sections(L"UML:Operation"),
+              L" |  | deferred function area : int ;");
+    EXPECT_EQ(Fragment(operation("name='setX' visibility='public'", parameter("v", "in", "int"))).sections(L"UML:Operation"),
+              L" |  | schema ! setX ( v : int ) post ? ;");
+    EXPECT_EQ(Fragment(operation("name='get' visibility='protected'", parameter("r", "out", "int"))).sections(L"UML:Operation"),
+              L" | schema get ( r ! : out int ) post ? ; | ");
+    EXPECT_EQ(Fragment(operation("name='f' visibility='public'", parameter("r", "return", "v"))).sections(L"UML:Operation"),
+              L" |  | schema ! f post ? ;");
+    EXPECT_EQ(Fragment(operation("name='K'", parameter("a", "in", "int") + parameter("b", "out", "int")))
+                  .sections(L"UML:Operation"),
+              L"build { a : int , b : int } post ? ; |  | ");
+    EXPECT_EQ(Fragment(operation("name='build' visibility='public'", "")).sections(L"UML:Operation"), L" |  | build { } post ? ;");
+    EXPECT_EQ(Fragment(operation("name='s' visibility='public' ownerScope='classifier' isAbstract='true'", area))
+                  .sections(L"UML:Operation"),
+              L" |  | nonmember function s : int ;");
+    EXPECT_EQ(Fragment(operation("name='+' visibility='public'", parameter("a", "in", "int") + parameter("b", "in", "int") + area))
+                  .sections(L"UML:Operation"),
+              L" |  | operator ( a : int ) + ( b : int ) : int ^= ? ;");
+    EXPECT_EQ(Fragment(operation("name='-' visibility='public'", parameter("a", "in", "int") + area)).sections(L"UML:Operation"),
+              L" |  | operator - ( a : int ) : int ^= ? ;");
+    EXPECT_EQ(Fragment(operation("name='*' visibility='public'", area)).sections(L"UML:Operation"),
+              L" |  | operator * : int ^= ? ;");
+    EXPECT_EQ(Fragment(operation("name='two' visibility='public'", area + parameter("s", "return", "int")))
+                  .sections(L"UML:Operation"),
+              L" |  | function two : [[Duplicate return declaration]] ^= ? ;");
+}
+
+TEST(Members, AssociationEndsAndClassTypes) {
+    std::string association =
+        "<UML:Association xmi.id='as'><UML:Association.connection>"
+        "<UML:AssociationEnd isNavigable='false' aggregation='composite'><UML:AssociationEnd.type><UML:Class xmi.idref='N'/>"
+        "</UML:AssociationEnd.type></UML:AssociationEnd>"
+        "<UML:AssociationEnd isNavigable='true' visibility='public'><UML:AssociationEnd.multiplicity><UML:Multiplicity>"
+        "<UML:Multiplicity.range><UML:MultiplicityRange lower='0' upper='*'/></UML:Multiplicity.range></UML:Multiplicity>"
+        "</UML:AssociationEnd.multiplicity><UML:AssociationEnd.type><UML:Class xmi.idref='T'/></UML:AssociationEnd.type>"
+        "</UML:AssociationEnd></UML:Association.connection></UML:Association>";
+    Fragment f(association);
+    auto sections = f.first(L"UML:Association").get();
+    auto* as = dynamic_cast<const FCAssociationElement*>(sections);
+    ASSERT_NE(as, nullptr);
+    _eHndl<TarvaneSections> forN = as->sectionsFor(L"N", f.context);
+    // The whole of a composition on an end that can't be navigated holds its part by value.
+    EXPECT_EQ(joined(forN->getAbstractPart()), L"var myT : set of T ;");
+    EXPECT_EQ(joined(forN->getInterfacePart()), L"selector myT ;");
+    EXPECT_TRUE(as->sectionsFor(L"T", f.context)->getAbstractPart()->isEmpty());
+    // A class that isn't a leaf is written with "from".
+    EXPECT_EQ(joined(f.context->lookup(L"N")->asType(f.context)), L"from N");
+    EXPECT_EQ(joined(f.context->lookup(L"T")->asType(f.context)), L"T");
+}
