@@ -52,57 +52,49 @@ private:
 
 using ValueElements = _eSeq<_eFrom<XMLEntityValueElement>>;
 
-class MB_API XMLEntityValue : public _eClass<XMLEntityValue, NonTerminal> {
+// Entity and attribute values share their shape: a list of characters and references.
+template <class Self>
+class _aValueList : public _eClass<Self, NonTerminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLEntityValue";
+    using _eClass<Self, NonTerminal>::_eClass;
 
-    using _eClass::_eClass;
-
-    bool equalFields(const XMLEntityValue& other) const {
+    bool equalFields(const _aValueList& other) const {
         return NonTerminal::equalFields(other) && elements == other.elements;
     }
 
     virtual void addReference(const _eFrom<XMLReference>& reference) { append(new XMLReferenceValue(reference)); }
-    virtual void addPEReference(const _eHndl<XMLPEReference>& reference) { append(new XMLPEReferenceValue(reference)); }
     virtual void addCharacter(const _eHndl<Terminal>& terminal) { append(new XMLCharValue(terminal->getCharacter())); }
 
     const ValueElements& getElements() const { return elements; }
 
-private:
+protected:
     void append(XMLEntityValueElement* element) {
         _eFreeze freeze(this);
         elements.pushBack(element);
     }
 
+private:
     ValueElements elements;
 };
 
-class MB_API XMLAttributeValue : public _eClass<XMLAttributeValue, NonTerminal> {
+class MB_API XMLEntityValue : public _aValueList<XMLEntityValue> {
+public:
+    static constexpr const wchar_t* _aTypeName = L"XMLEntityValue";
+    using _aValueList::_aValueList;
+
+    virtual void addPEReference(const _eHndl<XMLPEReference>& reference) { append(new XMLPEReferenceValue(reference)); }
+};
+
+class MB_API XMLAttributeValue : public _aValueList<XMLAttributeValue> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLAttributeValue";
-
-    using _eClass::_eClass;
-
-    bool equalFields(const XMLAttributeValue& other) const {
-        return NonTerminal::equalFields(other) && elements == other.elements;
-    }
+    using _aValueList::_aValueList;
 
     // The texts of the elements, in order.
     virtual _eString text(const _eHndl<Context>& context) const {
         _eString out;
+        const ValueElements& elements = getElements();
         for (int i = 0, n = elements.size(); i < n; ++i) out = out + elements.get(i)->text(context);
         return out;
     }
-    virtual void addReference(const _eFrom<XMLReference>& reference) { append(new XMLReferenceValue(reference)); }
-    virtual void addCharacter(const _eHndl<Terminal>& terminal) { append(new XMLCharValue(terminal->getCharacter())); }
-
-    const ValueElements& getElements() const { return elements; }
-
-private:
-    void append(XMLEntityValueElement* element) {
-        _eFreeze freeze(this);
-        elements.pushBack(element);
-    }
-
-    ValueElements elements;
 };
