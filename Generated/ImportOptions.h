@@ -5,7 +5,7 @@
 
 #include "runtime/Class.h"
 
-class MB_API ImportOptions : public _eClass<ImportOptions, _eAny> {
+class ImportOptions : public _eClass<ImportOptions, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"ImportOptions";
 

@@ -6,7 +6,7 @@
 #include "environment/FileName.h"
 #include "runtime/Class.h"
 
-class MB_API Location : public _eClass<Location, _eAny> {
+class Location : public _eClass<Location, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"Location";
 

@@ -27,7 +27,7 @@ const _eSeq<_ePair<ActionName::_eEnum, _eString>>& actionDisplayNames();
 _eString actionDisplayName(ActionName::_eEnum action);
 
 // Handed to every parser; nothing reads it.
-class MB_API ParseControl : public _eClass<ParseControl, _eAny> {
+class ParseControl : public _eClass<ParseControl, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"ParseControl";
 

@@ -8,7 +8,7 @@
 #include "Generated/Pstack.h"
 #include "Generated/XMLError.h"
 
-class MB_API Parser : public _eAbstractClass<Parser, _eAny> {
+class Parser : public _eAbstractClass<Parser, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"Parser";
 

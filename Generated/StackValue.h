@@ -20,7 +20,7 @@ inline constexpr std::int32_t otherChar = 264;
 inline constexpr std::int32_t illegalChar = 265;
 }  // namespace Token
 
-class MB_API StackValue : public _eClass<StackValue, _eAny> {
+class StackValue : public _eClass<StackValue, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"StackValue";
 
@@ -39,7 +39,7 @@ private:
     _eHndl<Location> location;  // where the symbol began
 };
 
-class MB_API Terminal : public _eAbstractClass<Terminal, StackValue> {
+class Terminal : public _eAbstractClass<Terminal, StackValue> {
 public:
     static constexpr const wchar_t* _aTypeName = L"Terminal";
 
@@ -58,7 +58,7 @@ private:
 };
 
 // A token whose code says everything: a letter, digit or punctuation character, or the end.
-class MB_API SimpleTerminal : public _eClass<SimpleTerminal, Terminal> {
+class SimpleTerminal : public _eClass<SimpleTerminal, Terminal> {
 public:
     static constexpr const wchar_t* _aTypeName = L"SimpleTerminal";
 
@@ -74,7 +74,7 @@ public:
 };
 
 // A token that names a class of characters and carries the character itself.
-class MB_API ComplexTerminal : public _eClass<ComplexTerminal, Terminal> {
+class ComplexTerminal : public _eClass<ComplexTerminal, Terminal> {
 public:
     static constexpr const wchar_t* _aTypeName = L"ComplexTerminal";
 
@@ -94,7 +94,7 @@ private:
 };
 
 // The base of every syntax node.
-class MB_API NonTerminal : public _eClass<NonTerminal, StackValue> {
+class NonTerminal : public _eClass<NonTerminal, StackValue> {
 public:
     static constexpr const wchar_t* _aTypeName = L"NonTerminal";
 

@@ -8,7 +8,7 @@
 #include "runtime/Set.h"
 
 // One row of the message table.
-class MB_API ErrorInfo : public _eClass<ErrorInfo, _eAny> {
+class ErrorInfo : public _eClass<ErrorInfo, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"ErrorInfo";
 
@@ -27,7 +27,7 @@ private:
     _eString messageTemplate;  // with "$" placeholders
 };
 
-class MB_API Error : public _eAbstractClass<Error, _eAny> {
+class Error : public _eAbstractClass<Error, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"Error";
 
@@ -55,7 +55,7 @@ private:
     _eSeq<_eString> arguments;   // the texts for the placeholders
 };
 
-class MB_API XMLError : public _eClass<XMLError, Error> {
+class XMLError : public _eClass<XMLError, Error> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLError";
 

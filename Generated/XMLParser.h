@@ -3,7 +3,7 @@
 
 #include "Generated/Parser.h"
 
-class MB_API XMLParser : public _eClass<XMLParser, Parser> {
+class XMLParser : public _eClass<XMLParser, Parser> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLParser";
 

@@ -54,6 +54,9 @@ struct FileAttribute {
     using _eWrapper = _eEnumWrapper<FileAttribute>;
 };
 
+// Compilers with GNU extensions define `linux` as a macro; the enumerator keeps its name.
+#pragma push_macro("linux")
+#undef linux
 // The operating system family.
 struct OsType {
     enum _eEnum : std::int32_t {
@@ -67,6 +70,7 @@ struct OsType {
     };
     using _eWrapper = _eEnumWrapper<OsType>;
 };
+#pragma pop_macro("linux")
 
 // The side of a connection. Declared and storable; nothing here opens a socket.
 struct SocketMode {

@@ -4,6 +4,6 @@
 #include "runtime/Set.h"
 
 // All 106, lower case; compared by exact characters.
-MB_API const _eSet<_eString>& reservedWords();
+const _eSet<_eString>& reservedWords();
 // `name` with "_" behind it if it is reserved, else `name` unchanged.
-MB_API _eString escapeReservedWord(const _eString& name);
+_eString escapeReservedWord(const _eString& name);

@@ -10,7 +10,7 @@
 
 using Tokens = _eSeq<_eString>;
 
-class MB_API ElementBase : public _eAbstractClass<ElementBase, _eAny> {
+class ElementBase : public _eAbstractClass<ElementBase, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"ElementBase";
 
@@ -48,7 +48,7 @@ private:
     Tokens tokens;  // in order; "\n" asks for a line break
 };
 
-class MB_API TarvaneElements : public _eClass<TarvaneElements, ElementBase> {
+class TarvaneElements : public _eClass<TarvaneElements, ElementBase> {
 public:
     static constexpr const wchar_t* _aTypeName = L"TarvaneElements";
 

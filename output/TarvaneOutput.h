@@ -5,7 +5,7 @@
 #include "Generated/XMLError.h"
 #include "output/TarvaneElements.h"
 
-class MB_API TarvaneOutput : public _eClass<TarvaneOutput, _eAny> {
+class TarvaneOutput : public _eClass<TarvaneOutput, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"TarvaneOutput";
 

@@ -4,7 +4,7 @@
 
 #include "output/TarvaneOutput.h"
 
-class MB_API TarvaneSections : public _eClass<TarvaneSections, _eAny> {
+class TarvaneSections : public _eClass<TarvaneSections, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"TarvaneSections";
 

@@ -5,6 +5,6 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build_dir=${BUILD_DIR:-$root/build}
-cmake -S "$root" -B "$build_dir" "$@"
+cmake -S "$root" -B "$build_dir" -DMODELBRIDGE_TESTS=ON "$@"
 cmake --build "$build_dir" -j"$(nproc)"
 ctest --test-dir "$build_dir" --output-on-failure -j"$(nproc)"

@@ -5,7 +5,7 @@
 #include "runtime/Class.h"
 #include "xml/XMLcontent.h"
 
-class MB_API Context : public _eClass<Context, _eAny> {
+class Context : public _eClass<Context, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"Context";
 

@@ -7,7 +7,7 @@
 using Associations = _eSet<_eHndl<FCAssociationElement>>;
 using Generalizations = _eSet<_eHndl<FCGeneralizationElement>>;
 
-class MB_API XMLDictionary : public _eClass<XMLDictionary, _eAny> {
+class XMLDictionary : public _eClass<XMLDictionary, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLDictionary";
 

@@ -6,7 +6,7 @@
 #include "xmi/Context.h"
 #include "xml/XMLTags.h"
 
-class MB_API XMLElement : public _eClass<XMLElement, XMLContentItem> {
+class XMLElement : public _eClass<XMLElement, XMLContentItem> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLElement";
 
@@ -63,7 +63,7 @@ private:
 
 // The element classes. Each differs from `XMLElement` only in what it generates.
 #define MB_ELEMENT_CLASS(Class, Members)                                                      \
-    class MB_API Class : public _eClass<Class, XMLElement> {                                 \
+    class Class : public _eClass<Class, XMLElement> {                                 \
     public:                                                                                  \
         static constexpr const wchar_t* _aTypeName = L## #Class;                             \
         using _eClass::_eClass;                                                              \
@@ -93,7 +93,7 @@ MB_ELEMENT_CLASS(FCAttributeElement, MB_FEATURE_MEMBERS)
 #undef MB_ELEMENT_CLASS
 
 // A "UML:Operation": a constructor, schema, function or operator.
-class MB_API FCOperationElement : public _eClass<FCOperationElement, XMLElement> {
+class FCOperationElement : public _eClass<FCOperationElement, XMLElement> {
 public:
     static constexpr const wchar_t* _aTypeName = L"FCOperationElement";
     using _eClass::_eClass;
@@ -109,7 +109,7 @@ public:
 };
 
 // A "UML:Class": one class declaration.
-class MB_API FCClassElement : public _eClass<FCClassElement, XMLElement> {
+class FCClassElement : public _eClass<FCClassElement, XMLElement> {
 public:
     static constexpr const wchar_t* _aTypeName = L"FCClassElement";
     using _eClass::_eClass;
@@ -126,7 +126,7 @@ public:
     _eHndl<TarvaneOutput> inheritsClause(const _eHndl<Context>& context) const;
 };
 
-class MB_API FCAssociationElement : public _eClass<FCAssociationElement, XMLElement> {
+class FCAssociationElement : public _eClass<FCAssociationElement, XMLElement> {
 public:
     static constexpr const wchar_t* _aTypeName = L"FCAssociationElement";
     using _eClass::_eClass;
@@ -145,7 +145,7 @@ private:
     _eHndl<TarvaneSections> farEndMember(const XMLElement& end, bool isRef, const _eHndl<Context>& context) const;
 };
 
-class MB_API FCGeneralizationElement : public _eClass<FCGeneralizationElement, XMLElement> {
+class FCGeneralizationElement : public _eClass<FCGeneralizationElement, XMLElement> {
 public:
     static constexpr const wchar_t* _aTypeName = L"FCGeneralizationElement";
     using _eClass::_eClass;
@@ -162,7 +162,7 @@ public:
 };
 
 // The factory that the reductions call: the tag name decides the class.
-class MB_API ElementCreation {
+class ElementCreation {
 public:
     static _eFrom<XMLElement> createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
                                             const _eHndl<XMLETag>& endTag);

@@ -5,7 +5,7 @@
 
 #include "xml/XMLNode.h"
 
-class MB_API XMLCharData : public _eClass<XMLCharData, XMLContentItem> {
+class XMLCharData : public _eClass<XMLCharData, XMLContentItem> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLCharData";
 
@@ -25,7 +25,7 @@ private:
     _eString text;
 };
 
-class MB_API XMLCDSect : public _eClass<XMLCDSect, XMLContentItem> {
+class XMLCDSect : public _eClass<XMLCDSect, XMLContentItem> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLCDSect";
 

@@ -4,7 +4,7 @@
 
 #include "xmi/XMLDictionary.h"
 
-class MB_API XMLDocument : public _eClass<XMLDocument, XMLNode> {
+class XMLDocument : public _eClass<XMLDocument, XMLNode> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLDocument";
 

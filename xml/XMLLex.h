@@ -9,7 +9,7 @@
 #include "environment/Environment.h"
 #include "environment/FileName.h"
 
-class MB_API XMLLex : public _eClass<XMLLex, _eAny> {
+class XMLLex : public _eClass<XMLLex, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLLex";
 

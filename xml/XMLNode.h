@@ -6,7 +6,7 @@
 
 class Context;
 
-class MB_API XMLNode : public _eClass<XMLNode, NonTerminal> {
+class XMLNode : public _eClass<XMLNode, NonTerminal> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLNode";
 
@@ -28,7 +28,7 @@ private:
     XMLErrors errors;  // empty at first
 };
 
-class MB_API XMLContentItem : public _eClass<XMLContentItem, XMLNode> {
+class XMLContentItem : public _eClass<XMLContentItem, XMLNode> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLContentItem";
 

@@ -7,7 +7,7 @@
 #include "xml/XMLNode.h"
 #include "xml/XMLTokens.h"
 
-class MB_API XMLReference : public _eAbstractClass<XMLReference, XMLContentItem> {
+class XMLReference : public _eAbstractClass<XMLReference, XMLContentItem> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLReference";
 
@@ -18,7 +18,7 @@ public:
     virtual _eString referenceText(const _eHndl<Context>& context) const = 0;
 };
 
-class MB_API XMLEntityReference : public _eClass<XMLEntityReference, XMLReference> {
+class XMLEntityReference : public _eClass<XMLEntityReference, XMLReference> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLEntityReference";
 
@@ -40,7 +40,7 @@ private:
     _eString name;
 };
 
-class MB_API XMLCharReference : public _eClass<XMLCharReference, XMLReference> {
+class XMLCharReference : public _eClass<XMLCharReference, XMLReference> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLCharReference";
 
@@ -62,7 +62,7 @@ private:
     std::int32_t code;
 };
 
-class MB_API XMLPEReference : public _eClass<XMLPEReference, NonTerminal> {
+class XMLPEReference : public _eClass<XMLPEReference, NonTerminal> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLPEReference";
 

@@ -4,7 +4,7 @@
 #include "runtime/Map.h"
 #include "xml/XMLValues.h"
 
-class MB_API XMLAttribute : public _eClass<XMLAttribute, NonTerminal> {
+class XMLAttribute : public _eClass<XMLAttribute, NonTerminal> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLAttribute";
 
@@ -25,7 +25,7 @@ private:
 
 using AttributeMap = _eMap<_eString, _eHndl<XMLAttributeValue>>;
 
-class MB_API XMLAttributeList : public _eClass<XMLAttributeList, NonTerminal> {
+class XMLAttributeList : public _eClass<XMLAttributeList, NonTerminal> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLAttributeList";
 
@@ -71,19 +71,19 @@ private:
     _eHndl<XMLAttributeList> attributes;  // null for an end tag
 };
 
-class MB_API XMLEmptyElemTag : public _aTag<XMLEmptyElemTag> {
+class XMLEmptyElemTag : public _aTag<XMLEmptyElemTag> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLEmptyElemTag";
     using _aTag::_aTag;
 };
 
-class MB_API XMLSTag : public _aTag<XMLSTag> {
+class XMLSTag : public _aTag<XMLSTag> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLSTag";
     using _aTag::_aTag;
 };
 
-class MB_API XMLETag : public _aTag<XMLETag> {
+class XMLETag : public _aTag<XMLETag> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLETag";
     XMLETag(const _eHndl<Location>& location, const _eHndl<XMLString>& name) : _aTag(location, name, {}) {}

@@ -12,7 +12,7 @@ inline std::int32_t digitValue(wchar_t c) {
     return std::int32_t(c) - 55;
 }
 
-class MB_API XMLNumber : public _eClass<XMLNumber, NonTerminal> {
+class XMLNumber : public _eClass<XMLNumber, NonTerminal> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLNumber";
 
@@ -34,7 +34,7 @@ private:
     std::int32_t value;
 };
 
-class MB_API XMLString : public _eClass<XMLString, NonTerminal> {
+class XMLString : public _eClass<XMLString, NonTerminal> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLString";
 

@@ -4,14 +4,14 @@
 
 #include "xml/XMLReferences.h"
 
-class MB_API XMLEntityValueElement : public _eAbstractClass<XMLEntityValueElement, _eAny> {
+class XMLEntityValueElement : public _eAbstractClass<XMLEntityValueElement, _eAny> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLEntityValueElement";
 
     virtual _eString text(const _eHndl<Context>& context) const = 0;
 };
 
-class MB_API XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
+class XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLCharValue";
 
@@ -24,7 +24,7 @@ private:
     wchar_t character;
 };
 
-class MB_API XMLReferenceValue : public _eClass<XMLReferenceValue, XMLEntityValueElement> {
+class XMLReferenceValue : public _eClass<XMLReferenceValue, XMLEntityValueElement> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLReferenceValue";
 
@@ -37,7 +37,7 @@ private:
     _eFrom<XMLReference> reference;
 };
 
-class MB_API XMLPEReferenceValue : public _eClass<XMLPEReferenceValue, XMLEntityValueElement> {
+class XMLPEReferenceValue : public _eClass<XMLPEReferenceValue, XMLEntityValueElement> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLPEReferenceValue";
 
@@ -77,7 +77,7 @@ private:
     ValueElements elements;
 };
 
-class MB_API XMLEntityValue : public _aValueList<XMLEntityValue> {
+class XMLEntityValue : public _aValueList<XMLEntityValue> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLEntityValue";
     using _aValueList::_aValueList;
@@ -85,7 +85,7 @@ public:
     virtual void addPEReference(const _eHndl<XMLPEReference>& reference) { append(new XMLPEReferenceValue(reference)); }
 };
 
-class MB_API XMLAttributeValue : public _aValueList<XMLAttributeValue> {
+class XMLAttributeValue : public _aValueList<XMLAttributeValue> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLAttributeValue";
     using _aValueList::_aValueList;

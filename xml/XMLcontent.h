@@ -14,7 +14,7 @@ using ElementSeq = _eSeq<_eFrom<XMLElement>>;
 using ClassMap = _eMap<_eString, _eFrom<XMLElement>>;
 using Names = _eSet<_eString>;
 
-class MB_API XMLcontent : public _eClass<XMLcontent, NonTerminal> {
+class XMLcontent : public _eClass<XMLcontent, NonTerminal> {
 public:
     static constexpr const wchar_t* _aTypeName = L"XMLcontent";
 

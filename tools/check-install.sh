@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Installs the library into a temporary prefix, builds a small host against it with CMake and
+# with pkg-config, runs both on the example model, and checks the exported symbols.
+# Usage: tools/check-install.sh BUILD_DIR
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+build_dir=$1
+prefix=$(mktemp -d)
+trap 'rm -rf "$prefix"' EXIT
+cmake --install "$build_dir" --prefix "$prefix" >/dev/null
+model="$root/examples/models/bank.xmi"
+expected=$'Account\nCustomer\nSavingsAccount'
+
+cmake -S "$root/tests/install" -B "$prefix/host-cmake" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$prefix/host-cmake" >/dev/null
+[ "$(LD_LIBRARY_PATH="$prefix/lib" "$prefix/host-cmake/host" "$model")" = "$expected" ]
+
+PKG_CONFIG_PATH="$prefix/lib/pkgconfig" c++ -o "$prefix/host-pkg" "$root/tests/install/host.cpp" \
+    $(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs modelbridge)
+[ "$(LD_LIBRARY_PATH="$prefix/lib" "$prefix/host-pkg" "$model")" = "$expected" ]
+
+# The library exports its interface and none of its internals.
+symbols=$(nm -D --defined-only -C "$prefix/lib/libModelBridge.so" | awk '{ $1 = ""; $2 = ""; print }')
+echo "$symbols" | grep -q "XMLImporter::attemptParse"
+echo "$symbols" | grep -q "Environment::open"
+if echo "$symbols" | grep -E "XMLLex::advance|Parser::lookupEntry|resolvePath|appendUtf8|_GLOBAL__sub" ; then
+    echo "internal symbols are exported" >&2
+    exit 1
+fi
+echo "install check passed: CMake and pkg-config hosts run, $(echo "$symbols" | wc -l) symbols exported"
