@@ -161,7 +161,8 @@ ValidityStatus::_eEnum XMLImporter::getValidityStatus(_eString fileName) const {
 template <class Generate>
 void XMLImporter::generate(Generate run, bool& success) {
     if (document.isNull() || environment.isNull()) {
-        // Nothing was parsed that could be generated.
+        // Nothing was parsed that could be generated: reported as no XMI document.
+        errors.add(_eHndl<XMLError>(new XMLError(Location::nowhere(), XMLErrorType::notXMI)));
         success = false;
         return;
     }
