@@ -42,18 +42,25 @@ _eString XMLImporter::getMostSevereErrorMsg() const {
     return {};
 }
 
-std::int32_t XMLImporter::numErrors() const {
+namespace {
+
+// The errors whose severity passes the test.
+template <class Test>
+std::int32_t countWhere(const XMLErrors& errors, Test test) {
     std::int32_t count = 0;
     for (int i = 0, n = errors.size(); i < n; ++i)
-        if (errors.at(i)->severity() > ErrorSeverity::warning) ++count;
+        if (test(errors.at(i)->severity())) ++count;
     return count;
 }
 
+}  // namespace
+
+std::int32_t XMLImporter::numErrors() const {
+    return countWhere(errors, [](ErrorSeverity::_eEnum s) { return s > ErrorSeverity::warning; });
+}
+
 std::int32_t XMLImporter::numWarnings() const {
-    std::int32_t count = 0;
-    for (int i = 0, n = errors.size(); i < n; ++i)
-        if (errors.at(i)->severity() == ErrorSeverity::warning) ++count;
-    return count;
+    return countWhere(errors, [](ErrorSeverity::_eEnum s) { return s == ErrorSeverity::warning; });
 }
 
 void XMLImporter::addErrors(XMLErrors newErrors) { errors.addAll(newErrors); }

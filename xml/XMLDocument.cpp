@@ -13,6 +13,10 @@ bool XMLDocument::rootIsXMI() {
     return false;
 }
 
+_eHndl<Context> XMLDocument::generationContext() const {
+    return _eHndl<Context>(new Context(dictionary.isNull() ? XMLDictionary::empty() : dictionary));
+}
+
 void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
                         const _eHndl<const Environment>& environment) {
     XMLErrors errors;
@@ -23,7 +27,7 @@ void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const
 void XMLDocument::generateClassFile(const _eString& className, const _eString& outputDirectory,
                                     const FileName& sourceFile, const _eHndl<const Environment>& environment) {
     if (!rootIsXMI()) return;
-    _eHndl<Context> context(new Context(dictionary.isNull() ? XMLDictionary::empty() : dictionary));
+    _eHndl<Context> context = generationContext();
     auto [index, end] = classes.lookup(className);
     _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
     if (index != end) output = classes.at(index).second->generateClasses(Names(className), context);
@@ -33,6 +37,6 @@ void XMLDocument::generateClassFile(const _eString& className, const _eString& o
 void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                      const _eHndl<const Environment>& environment) {
     if (!rootIsXMI()) return;
-    _eHndl<Context> context(new Context(dictionary.isNull() ? XMLDictionary::empty() : dictionary));
+    _eHndl<Context> context = generationContext();
     write(*root->generateClasses(classNames, context), targetFile, sourceFile, environment);
 }

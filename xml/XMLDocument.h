@@ -31,6 +31,8 @@ public:
 private:
     // False, with a `notXMI` error, when the root isn't "XMI".
     bool rootIsXMI();
+    // A fresh context on the dictionary; on the empty one before `analyse`.
+    _eHndl<Context> generationContext() const;
     void write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
                const _eHndl<const Environment>& environment);
 
