@@ -76,15 +76,27 @@ bool XMLImporter::noSeriousError() const {
     return errors.isEmpty() || mostSevereError() <= ErrorSeverity::warning;
 }
 
-void XMLImporter::attemptParse(_eString fileName, _eString, bool& success) {
+void XMLImporter::attemptParse(_eString fileName, _eString profileRequest, bool& success) {
     if (environment.isNull()) {
         // An importer made without an environment can't reach the file.
         parseDiagnostics = _eString(L"Failed to open '") + fileName + L"' for parsing!";
         success = false;
         return;
     }
+    // A profile goes to "profile.txt" in the working directory; if that can't be opened, the
+    // run goes on unprofiled. Its failures never reach the errors.
+    _eHndl<FileRef> profile;
+    if (!profileRequest.isEmpty()) {
+        profile = environment->open(L"profile.txt", FileModes(FileModeType::create)).as<FileRef>();
+        if (!profile.isNull()) environment->startProfiler();
+    }
     FileName file(fileName, environment.get());
     parseFile(&file, false);
+    if (!profile.isNull()) {
+        FileError::_eEnum ignored;
+        environment->writeProfile(profile, ignored);
+        environment->close(profile, ignored);
+    }
     success = errors.isEmpty();
     if (!success) return;
     parsedFile = new FileName(file);

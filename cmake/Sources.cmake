@@ -3,7 +3,9 @@ set(MODELBRIDGE_SOURCES
   runtime/Any.cpp
   runtime/Failure.cpp
   runtime/Pool.cpp
+  runtime/Profiler.cpp
   runtime/StringUtils.cpp
+  runtime/UrelException.cpp
   environment/Environment.cpp
   environment/FileName.cpp
   environment/FileStats.cpp

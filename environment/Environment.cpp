@@ -12,6 +12,7 @@
 
 #include "environment/Paths.h"
 #include "environment/PlatformText.h"
+#include "runtime/Profiler.h"
 
 namespace {
 
@@ -77,6 +78,12 @@ void Environment::close(const _eHndl<FileRef>& file, FileError::_eEnum& error) c
     error = std::fclose(stream) == 0 ? FileError::success : FileError::closeError;
 }
 
+void Environment::startProfiler() const { ::startProfiler(); }
+
+void Environment::writeProfile(const _eHndl<FileRef>& file, FileError::_eEnum& error) const {
+    ::writeProfile(*file.get(), error);
+}
+
 void Environment::fileSize(const _eHndl<FileRef>& file, std::int32_t& size, FileError::_eEnum& error) const {
     std::FILE* stream = file->getStream();
     size = 0;
@@ -101,13 +108,7 @@ void Environment::writeText(const _eHndl<FileRef>& file, const _eString& text, F
     std::string bytes;
     bytes.reserve(std::size_t(text.size()));
     _eSeqReader<wchar_t> reader(text);
-    for (int i = 0, n = text.size(); i < n; ++i) {
-        auto unit = std::uint32_t(reader.next());
-        if (unit < 256)
-            bytes.push_back(char(unit));
-        else
-            appendUtf8(bytes, unit);
-    }
+    for (int i = 0, n = text.size(); i < n; ++i) appendOutputUnit(bytes, std::uint32_t(reader.next()));
     std::size_t written = std::fwrite(bytes.data(), 1, bytes.size(), ref->getStream());
     error = written == bytes.size() ? FileError::success : FileError::writeError;
 }

@@ -44,6 +44,9 @@ public:
     _eHndl<Time> currentTime() const;
     std::int32_t processorTime() const;
     std::int32_t ticksPerSecond() const { return 1000; }
+    // The process-wide profiler: start it, and later stop it into a report on `file`.
+    void startProfiler() const;
+    void writeProfile(const _eHndl<FileRef>& file, FileError::_eEnum& error) const;
 
     // The platform's mode text for a mode set, given whether the file exists.
     static const char* modeText(const FileModes& modes, bool exists);

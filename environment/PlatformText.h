@@ -12,3 +12,10 @@ std::string toPlatformText(const _eString& text);
 _eString fromPlatformText(std::string_view bytes);
 // Appends the UTF-8 sequence of one unit.
 void appendUtf8(std::string& out, std::uint32_t unit);
+// Appends a unit of written text: up to 255 the byte of its value, above that its UTF-8 sequence.
+inline void appendOutputUnit(std::string& out, std::uint32_t unit) {
+    if (unit < 256)
+        out.push_back(char(unit));
+    else
+        appendUtf8(out, unit);
+}

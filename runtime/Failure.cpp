@@ -4,6 +4,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
+
+#include "runtime/Profiler.h"
 
 namespace {
 
@@ -27,6 +30,25 @@ bool debuggerAttached() {
 #endif
 }
 
+// Slot by slot, the active frames from the innermost as "name (file, line N)", then nulls.
+// A slot's earlier text is released when the slot takes a new one: the table holds the only pointer.
+void recordFailureTrace() {
+    ProfilerState& profiler = profilerState();
+    const ProfileFrame* frame = profiler.activeFrames;
+    for (wchar_t*& slot : profiler.failureTrace) {
+        std::free(slot);
+        slot = nullptr;
+        if (frame == nullptr) continue;
+        const ProfileRecord& record = *frame->record;
+        const wchar_t* name = record.name != nullptr ? record.name : L"";
+        const wchar_t* file = record.file != nullptr ? record.file : L"";
+        std::size_t room = std::wcslen(name) + std::wcslen(file) + 34;
+        slot = static_cast<wchar_t*>(std::malloc(room * sizeof(wchar_t)));
+        if (slot != nullptr) std::swprintf(slot, room, L"%ls (%ls, line %u)", name, file, unsigned(record.line));
+        frame = frame->next;
+    }
+}
+
 }  // namespace
 
 void _eFormat::format() const {}
@@ -38,6 +60,7 @@ _xCeption::_xCeption(const wchar_t* file, unsigned line) {
     if (debuggerAttached()) std::raise(SIGTRAP);
     (void)file;
     (void)line;
+    recordFailureTrace();
 }
 
 void _xDebug::writeDetail(wchar_t*&, unsigned&) const {}
