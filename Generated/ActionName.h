@@ -11,7 +11,7 @@ struct ActionName {
         error, shift, reduce, sh_red, halt, skip
     };
     static constexpr int count = 6;
-    static constexpr const wchar_t* _aTypeName = L"ActionName";
+    static constexpr _aTypeSlot _aType{&_aModule10, 0};
     static constexpr const wchar_t* storageName = L"ActionName";
     static constexpr const wchar_t* labels[count] = {
         L"error", L"shift", L"reduce", L"sh_red", L"halt",

@@ -11,7 +11,7 @@ struct ErrorSeverity {
         inform, warning, serious, fatal
     };
     static constexpr int count = 4;
-    static constexpr const wchar_t* _aTypeName = L"ErrorSeverity";
+    static constexpr _aTypeSlot _aType{&_aModule3, 0};
     static constexpr const wchar_t* storageName = L"ErrorSeverity";
     static constexpr const wchar_t* labels[count] = {
         L"inform", L"warning", L"serious", L"fatal"
@@ -25,7 +25,7 @@ struct ValidityStatus {
         Valid, Unknown, Invalid
     };
     static constexpr int count = 3;
-    static constexpr const wchar_t* _aTypeName = L"ValidityStatus";
+    static constexpr _aTypeSlot _aType{&_aModule22, 1};
     static constexpr const wchar_t* storageName = L"ValidityStatus";
     static constexpr const wchar_t* labels[count] = {
         L"Valid", L"Unknown", L"Invalid"
@@ -40,7 +40,7 @@ struct XMLErrorType {
         tagMismatch, illegalNonterminalAction, unexpectedToken, notXMI, noXMIcontent, duplicateAttribute
     };
     static constexpr int count = 12;
-    static constexpr const wchar_t* _aTypeName = L"XMLErrorType";
+    static constexpr _aTypeSlot _aType{&_aModule21, 0};
     static constexpr const wchar_t* storageName = L"XMLErrorType";
     static constexpr const wchar_t* labels[count] = {
         L"fileOpen", L"fileClose", L"fileRead", L"fileWrite", L"fileTell",

@@ -7,7 +7,7 @@
 
 class ImportOptions : public _eClass<ImportOptions, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"ImportOptions";
+    static constexpr _aTypeSlot _aType{&_aModule6, 0};
 
     ImportOptions() : lineWidth(100), indentText(L"\t"), commentPrefix(L"//") {}
 

@@ -8,7 +8,7 @@
 
 class Location : public _eClass<Location, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Location";
+    static constexpr _aTypeSlot _aType{&_aModule7, 0};
 
     // Line 0, column 0, no file.
     Location() = default;

@@ -29,7 +29,7 @@ _eString actionDisplayName(ActionName::_eEnum action);
 // Handed to every parser; nothing reads it.
 class ParseControl : public _eClass<ParseControl, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"ParseControl";
+    static constexpr _aTypeSlot _aType{&_aModule9, 0};
 
     bool equalFields(const ParseControl&) const { return true; }
 

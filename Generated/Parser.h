@@ -10,7 +10,7 @@
 
 class Parser : public _eAbstractClass<Parser, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Parser";
+    static constexpr _aTypeSlot _aType{&_aModule10, 3};
 
     Parser(const _eHndl<ParseControl>& control, std::int32_t initialState);
 

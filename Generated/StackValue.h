@@ -22,7 +22,7 @@ inline constexpr std::int32_t illegalChar = 265;
 
 class StackValue : public _eClass<StackValue, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"StackValue";
+    static constexpr _aTypeSlot _aType{&_aModule14, 0};
 
     explicit StackValue(const _eHndl<Location>& location) : location(location) {}
 
@@ -41,7 +41,7 @@ private:
 
 class Terminal : public _eAbstractClass<Terminal, StackValue> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Terminal";
+    static constexpr _aTypeSlot _aType{&_aModule25, 0};
 
     Terminal(const _eHndl<Location>& location, std::int32_t token) : _eAbstractClass(location), token(token) {}
 
@@ -60,7 +60,7 @@ private:
 // A token whose code says everything: a letter, digit or punctuation character, or the end.
 class SimpleTerminal : public _eClass<SimpleTerminal, Terminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"SimpleTerminal";
+    static constexpr _aTypeSlot _aType{&_aModule25, 1};
 
     SimpleTerminal(const _eHndl<Location>& location, wchar_t character)
         : _eClass(location, std::int32_t(character)) {}
@@ -76,7 +76,7 @@ public:
 // A token that names a class of characters and carries the character itself.
 class ComplexTerminal : public _eClass<ComplexTerminal, Terminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"ComplexTerminal";
+    static constexpr _aTypeSlot _aType{&_aModule25, 2};
 
     ComplexTerminal(const _eHndl<Location>& location, std::int32_t code, wchar_t character)
         : _eClass(location, code), character(character) {}
@@ -96,7 +96,7 @@ private:
 // The base of every syntax node.
 class NonTerminal : public _eClass<NonTerminal, StackValue> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"NonTerminal";
+    static constexpr _aTypeSlot _aType{&_aModule8, 0};
 
     using _eClass::_eClass;
 

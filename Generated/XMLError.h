@@ -10,7 +10,7 @@
 // One row of the message table.
 class ErrorInfo : public _eClass<ErrorInfo, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"ErrorInfo";
+    static constexpr _aTypeSlot _aType{&_aModule3, 1};
 
     ErrorInfo(ErrorSeverity::_eEnum severity, const _eString& messageTemplate)
         : severity(severity), messageTemplate(messageTemplate) {}
@@ -29,7 +29,7 @@ private:
 
 class Error : public _eAbstractClass<Error, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Error";
+    static constexpr _aTypeSlot _aType{&_aModule3, 2};
 
     Error(const _eHndl<Location>& location, const _eSeq<_eString>& arguments)
         : location(location), arguments(arguments) {}
@@ -57,7 +57,7 @@ private:
 
 class XMLError : public _eClass<XMLError, Error> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLError";
+    static constexpr _aTypeSlot _aType{&_aModule21, 1};
 
     XMLError(const _eHndl<Location>& location, XMLErrorType::_eEnum kind, const _eSeq<_eString>& arguments)
         : _eClass(location, arguments), kind(kind) {}

@@ -25,7 +25,7 @@ _eHndl<_eInstblTypeInfo> XMLImporter::_aGetMyTypeInfo() const { return _aTypeRec
 _eHndl<_eInstblTypeInfo> XMLImporter::_aMyTypeInfo() { return _aTypeRecord()->info; }
 
 const _eFullTypeInfo* XMLImporter::_aTypeRecord() {
-    static const _eFullTypeInfo record(L"XMLImporter", nullptr);
+    static const _eFullTypeInfo record(_aTypeOf({&_aModule22, 0}), nullptr);
     return &record;
 }
 

@@ -5,7 +5,7 @@
 
 class XMLParser : public _eClass<XMLParser, Parser> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLParser";
+    static constexpr _aTypeSlot _aType{&_aModule5, 0};
 
     using _eClass::_eClass;
 

@@ -2,9 +2,14 @@
 set(MODELBRIDGE_SOURCES
   runtime/Any.cpp
   runtime/Failure.cpp
+  runtime/Heap.cpp
+  runtime/ModuleDescriptor.cpp
   runtime/Pool.cpp
   runtime/Profiler.cpp
+  runtime/StorageStream.cpp
   runtime/StringUtils.cpp
+  runtime/SystemModules.cpp
+  runtime/TypeInfo.cpp
   runtime/UrelException.cpp
   environment/Environment.cpp
   environment/FileName.cpp

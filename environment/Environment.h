@@ -16,7 +16,7 @@ using FileModes = _eSet<FileModeType::_eEnum>;
 
 class MB_API Environment : public _eClass<Environment, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Environment";
+    static constexpr _aTypeSlot _aType{&_aModule28, 19};
 
     Environment() = default;
 

@@ -11,7 +11,7 @@ struct FileModeType {
         read, create, append, text
     };
     static constexpr int count = 4;
-    static constexpr const wchar_t* _aTypeName = L"FileModeType";
+    static constexpr _aTypeSlot _aType{&_aModule29, 2};
     static constexpr const wchar_t* storageName = L"_FileModeType";
     static constexpr const wchar_t* labels[count] = {
         L"read", L"create", L"append", L"text"
@@ -27,7 +27,7 @@ struct FileError {
         fileSpecError, permError, createError, closeError, otherError
     };
     static constexpr int count = 17;
-    static constexpr const wchar_t* _aTypeName = L"FileError";
+    static constexpr _aTypeSlot _aType{&_aModule29, 3};
     static constexpr const wchar_t* storageName = L"_FileError";
     static constexpr const wchar_t* labels[count] = {
         L"success", L"endOfFile", L"fileNotFound", L"directoryNotFound", L"fileNotOpen",
@@ -45,7 +45,7 @@ struct FileAttribute {
         directory
     };
     static constexpr int count = 7;
-    static constexpr const wchar_t* _aTypeName = L"FileAttribute";
+    static constexpr _aTypeSlot _aType{&_aModule29, 4};
     static constexpr const wchar_t* storageName = L"_FileAttribute";
     static constexpr const wchar_t* labels[count] = {
         L"read", L"write", L"execute", L"archive", L"system",
@@ -63,7 +63,7 @@ struct OsType {
         unknown, windows95, windows98, windowsNT, linux
     };
     static constexpr int count = 5;
-    static constexpr const wchar_t* _aTypeName = L"OsType";
+    static constexpr _aTypeSlot _aType{&_aModule29, 5};
     static constexpr const wchar_t* storageName = L"_OsType";
     static constexpr const wchar_t* labels[count] = {
         L"unknown", L"windows95", L"windows98", L"windowsNT", L"linux"
@@ -78,7 +78,7 @@ struct SocketMode {
         client, server
     };
     static constexpr int count = 2;
-    static constexpr const wchar_t* _aTypeName = L"SocketMode";
+    static constexpr _aTypeSlot _aType{&_aModule29, 13};
     static constexpr const wchar_t* storageName = L"_SocketMode";
     static constexpr const wchar_t* labels[count] = {
         L"client", L"server"
@@ -93,7 +93,7 @@ struct SocketError {
         invalidSocket, wrongType, connectionNotOpen
     };
     static constexpr int count = 9;
-    static constexpr const wchar_t* _aTypeName = L"SocketError";
+    static constexpr _aTypeSlot _aType{&_aModule29, 14};
     static constexpr const wchar_t* storageName = L"_SocketError";
     static constexpr const wchar_t* labels[count] = {
         L"success", L"unknownHost", L"ioError", L"generalError", L"invalidAddress",

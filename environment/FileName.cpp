@@ -1,6 +1,7 @@
 #include "environment/FileName.h"
 
 #include "environment/Environment.h"
+#include "runtime/StorageStream.h"
 
 FileName::FileName(const _eString& defaultDirectory, const _eString& fileName, const _eString& forcedExtension,
                    const Environment* environment) {
@@ -42,4 +43,15 @@ _eRank FileName::rank(const _eAnyBase* other) const {
 _eString FileName::fileNameText() const {
     if (extension.isEmpty()) return name;
     return name + L"." + extension;
+}
+
+void FileName::storeFields(StoreStream& stream) const {
+    for (const _eString* text : {&directory, &name, &extension}) stream.storeString(*text);
+    stream.storeBool(valid);
+}
+
+void FileName::fill(FillStream& stream) {
+    _eFreeze freeze(this);
+    for (_eString* text : {&directory, &name, &extension}) stream.fillString(*text);
+    stream.fillBool(valid);
 }

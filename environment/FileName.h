@@ -9,7 +9,7 @@ class Environment;
 
 class MB_API FileName : public _eClass<FileName, _eStorable> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"FileName";
+    static constexpr _aTypeSlot _aType{&_aModule4, 0};
 
     FileName() = default;
     // `fileName` against `defaultDirectory`; a non-empty `forcedExtension` replaces the name's own.
@@ -25,6 +25,10 @@ public:
     _eRank rank(const _eAnyBase* other) const override;
 
     _eString toString() const override { return fullPathText(); }
+
+    void store(StoreStream& stream) const override { _aStoreObject(stream, *this, _aMyTypeInfo()); }
+    void storeFields(StoreStream& stream) const override;
+    void fill(FillStream& stream) override;
 
     // `name`, and "." and `extension` when there is one.
     _eString fileNameText() const;

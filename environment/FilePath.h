@@ -5,7 +5,7 @@
 
 class MB_API FilePath : public _eClass<FilePath, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"FilePath";
+    static constexpr _aTypeSlot _aType{&_aModule29, 0};
 
     FilePath(const _eString& directory, const _eString& file) : directory(directory), file(file) {}
 

@@ -8,7 +8,7 @@
 
 class MB_API FileRef : public _eClass<FileRef, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"FileRef";
+    static constexpr _aTypeSlot _aType{&_aModule28, 21};
 
     FileRef(std::FILE* stream, bool openedForChange)
         : stream(stream), openedForChange(openedForChange), lastWasWrite(openedForChange) {}

@@ -9,7 +9,7 @@
 
 class MB_API FileStats : public _eClass<FileStats, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"FileStats";
+    static constexpr _aTypeSlot _aType{&_aModule29, 9};
 
     FileStats(const _eHndl<Time>& created, const _eHndl<Time>& lastModified, const _eHndl<Time>& lastAccessed,
               const _eSet<FileAttribute::_eEnum>& attributes, std::int32_t size)

@@ -9,7 +9,7 @@
 
 class MB_API OsInfo : public _eClass<OsInfo, _eStorable> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"OsInfo";
+    static constexpr _aTypeSlot _aType{&_aModule29, 6};
 
     OsInfo() = default;
     OsInfo(OsType::_eEnum osType, std::int32_t majorVersion, std::int32_t minorVersion,
@@ -28,6 +28,19 @@ public:
         return OsType::_eWrapper::label(osType) + L" " + intToString(majorVersion) + L"." +
                intToString(minorVersion) + L" SP" + intToString(servicePackMajor) + L"." +
                intToString(servicePackMinor);
+    }
+
+    void store(StoreStream& stream) const override { _aStoreObject(stream, *this, _aMyTypeInfo()); }
+    void storeFields(StoreStream& stream) const override {
+        _aStoreEnum(stream, OsType::storageName, osType);
+        for (std::int32_t number : {majorVersion, minorVersion, servicePackMajor, servicePackMinor})
+            _aStoreValue(stream, number);
+    }
+    void fill(FillStream& stream) override {
+        _eFreeze freeze(this);
+        osType = OsType::_eEnum(_aFillEnum(stream, OsType::storageName));
+        for (std::int32_t* number : {&majorVersion, &minorVersion, &servicePackMajor, &servicePackMinor})
+            _aFillValue(stream, *number);
     }
 
 private:

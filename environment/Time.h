@@ -8,7 +8,7 @@
 
 class MB_API Time : public _eClass<Time, _eStorable> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Time";
+    static constexpr _aTypeSlot _aType{&_aModule29, 1};
 
     Time() = default;
     // `month` counts from 1, `year` is the full year, `weekday` 0 is Sunday.
@@ -25,6 +25,10 @@ public:
 
     // "Year=2012;Month=1;Date=1;Day=0;Hour=0;Min=0;Sec=0"
     _eString toString() const override;
+
+    void store(StoreStream& stream) const override { _aStoreObject(stream, *this, _aMyTypeInfo()); }
+    void storeFields(StoreStream& stream) const override;
+    void fill(FillStream& stream) override;
 
     std::int32_t getSecond() const { return second; }
     std::int32_t getMinute() const { return minute; }

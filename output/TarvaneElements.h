@@ -12,7 +12,7 @@ using Tokens = _eSeq<_eString>;
 
 class ElementBase : public _eAbstractClass<ElementBase, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"ElementBase";
+    static constexpr _aTypeSlot _aType{&_aModule2, 0};
 
     ElementBase() = default;
     explicit ElementBase(const Tokens& tokens) : tokens(tokens) {}
@@ -50,7 +50,7 @@ private:
 
 class TarvaneElements : public _eClass<TarvaneElements, ElementBase> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"TarvaneElements";
+    static constexpr _aTypeSlot _aType{&_aModule11, 0};
 
     using _eClass::_eClass;
 

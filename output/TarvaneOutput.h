@@ -7,7 +7,7 @@
 
 class TarvaneOutput : public _eClass<TarvaneOutput, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"TarvaneOutput";
+    static constexpr _aTypeSlot _aType{&_aModule12, 0};
 
     TarvaneOutput() : elements(new TarvaneElements()) {}
     explicit TarvaneOutput(const Tokens& tokens) : elements(new TarvaneElements(tokens)) {}

@@ -6,7 +6,7 @@
 
 class TarvaneSections : public _eClass<TarvaneSections, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"TarvaneSections";
+    static constexpr _aTypeSlot _aType{&_aModule17, 0};
 
     TarvaneSections()
         : abstractPart(TarvaneOutput::empty()), confinedPart(TarvaneOutput::empty()),

@@ -40,27 +40,3 @@ _eString _eAny::toString() const { return L"No output string defined for this cl
 const _eAny* _eAny::self() const { return this; }
 
 _eHndl<_eInstblTypeInfo> _eAny::_aGetMyTypeInfo() const { return _aGetFullTypeInfo()->info; }
-
-_eInstblTypeInfo::_eInstblTypeInfo(const wchar_t* name) : name(name) {}
-
-_eAnyBase* _eInstblTypeInfo::clone() const { return new _eInstblTypeInfo(*this); }
-
-bool _eInstblTypeInfo::isEqual(const _eAnyBase* other) const {
-    if (other == this) return true;
-    if (other == nullptr || typeid(*other) != typeid(*this)) return false;
-    return equalFields(*static_cast<const _eInstblTypeInfo*>(other));
-}
-
-const _eFullTypeInfo* _eInstblTypeInfo::_aGetFullTypeInfo() const { return _aTypeRecord(); }
-
-const _eFullTypeInfo* _eInstblTypeInfo::_aTypeRecord() {
-    static const _eFullTypeInfo record(L"InstblTypeInfo", nullptr);
-    return &record;
-}
-
-_eString _eInstblTypeInfo::toString() const { return name; }
-
-_eFullTypeInfo::_eFullTypeInfo(const wchar_t* name, const _eFullTypeInfo* parent)
-    : info(new _eInstblTypeInfo(name)), level(parent != nullptr ? parent->level + 1 : 1), parent(parent) {}
-
-_eFullTypeInfo::~_eFullTypeInfo() = default;

@@ -1,5 +1,6 @@
-// The members that every value class shares, written once: `Self` supplies its type name
-// (`_aTypeName`) and its field comparison (`equalFields`, which first calls its base's).
+// The members that every value class shares, written once: `Self` supplies its type's place
+// (`_aType`, a module record and a row of its table) and its field comparison (`equalFields`,
+// which first calls its base's). A template instantiation builds its type in `_aBuildType`.
 #pragma once
 
 #include <type_traits>
@@ -17,6 +18,14 @@ inline const _eFullTypeInfo* _aParentRecord() {
         return nullptr;
 }
 
+template <class Self>
+inline _eHndl<_eInstblTypeInfo> _aClassType() {
+    if constexpr (requires { Self::_aBuildType(); })
+        return Self::_aBuildType();
+    else
+        return _aTypeOf(Self::_aType);
+}
+
 // The type records alone, for abstract classes: the concrete ones below them use `_eClass`.
 template <class Self, class Base>
 class _eAbstractClass : public Base {
@@ -25,7 +34,7 @@ public:
 
     const _eFullTypeInfo* _aGetFullTypeInfo() const override { return _aTypeRecord(); }
     static const _eFullTypeInfo* _aTypeRecord() {
-        static const _eFullTypeInfo record(Self::_aTypeName, _aParentRecord<Base>());
+        static const _eFullTypeInfo record(_aClassType<Self>(), _aParentRecord<Base>());
         return &record;
     }
     static _eHndl<_eInstblTypeInfo> _aMyTypeInfo() { return _aTypeRecord()->info; }

@@ -1,6 +1,8 @@
 // Comparators: the three-way order that sets and maps keep their elements in.
 #pragma once
 
+#include <functional>
+
 #include <cstdint>
 #include <type_traits>
 
@@ -62,7 +64,9 @@ public:
         } else if constexpr (std::is_same_v<T, wchar_t>) {
             return numeric(std::uint32_t(a), std::uint32_t(b));
         } else {
-            static_assert(std::is_arithmetic_v<T> || std::is_enum_v<T>, "no natural order for this type");
+            // Addresses order as numbers: the keys of the storage stream's table of objects.
+            static_assert(std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T>,
+                          "no natural order for this type");
             return numeric(a, b);
         }
     }
@@ -70,6 +74,7 @@ public:
 private:
     template <class N>
     static _eRank numeric(N a, N b) {
-        return a < b ? rankBelow : (b < a ? rankAbove : rankSame);
+        std::less<N> less;
+        return less(a, b) ? rankBelow : (less(b, a) ? rankAbove : rankSame);
     }
 };

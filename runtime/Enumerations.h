@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "runtime/SeparatorId.h"
 #include "runtime/static/include/Wrappers.h"
 
 // The classes of run-time check of the modelling language; this library holds `lastChoices` only.
@@ -12,7 +13,7 @@ struct DebugType {
         embAsserts, postAsserts, lastChoices, classInvariants, constraints
     };
     static constexpr int count = 11;
-    static constexpr const wchar_t* _aTypeName = L"DebugType";
+    static constexpr _aTypeSlot _aType{&_aModule29, 8};
     static constexpr const wchar_t* storageName = L"_DebugType";
     static constexpr const wchar_t* labels[count] = {
         L"preConditions", L"postConditions", L"loopInvariants", L"loopVariants", L"specVariants",
@@ -22,20 +23,6 @@ struct DebugType {
     using _eWrapper = _eEnumWrapper<DebugType>;
 };
 
-// What stands between the parameters of a template type: `map` has `RightArrow`, the others `Comma`.
-struct _eSeparatorId {
-    enum _eEnum : std::int32_t {
-        Comma, LeftArrow, RightArrow, DoubleArrow
-    };
-    static constexpr int count = 4;
-    static constexpr const wchar_t* _aTypeName = L"_eSeparatorId";
-    static constexpr const wchar_t* storageName = L"_SeparatorId";
-    static constexpr const wchar_t* labels[count] = {
-        L"Comma", L"LeftArrow", L"RightArrow", L"DoubleArrow"
-    };
-    using _eWrapper = _eEnumWrapper<_eSeparatorId>;
-};
-
 // Why writing to or reading from a storage stream failed.
 struct SerialErrorType {
     enum _eEnum : std::int32_t {
@@ -43,7 +30,7 @@ struct SerialErrorType {
         missingInstantiation, missingHeap, missingType, unexpectedType, corruptStream, unspecifiedError
     };
     static constexpr int count = 12;
-    static constexpr const wchar_t* _aTypeName = L"SerialErrorType";
+    static constexpr _aTypeSlot _aType{&_aModule29, 11};
     static constexpr const wchar_t* storageName = L"_SerialErrorType";
     static constexpr const wchar_t* labels[count] = {
         L"writeError", L"internalError", L"readError", L"systemVersionError", L"userVersionError",

@@ -6,11 +6,11 @@ constinit _ePool _ePool::shared{};
 
 namespace {
 
-// Switches the pool on while the library is loaded. At process exit the free lists go
-// back to the system allocator and the pool is switched off, so that blocks released by
-// later destructors go straight back too, and a leak checker sees only real leaks.
+// The pool is on from the start, so that objects made by static initialisers are pooled too.
+// At process exit the free lists go back to the system allocator and the pool is switched
+// off, so that blocks released by later destructors go straight back too, and a leak checker
+// sees only real leaks.
 struct PoolLifetime {
-    PoolLifetime() { _ePool::shared.setActive(true); }
     ~PoolLifetime() {
         _ePool::shared.flush();
         _ePool::shared.setActive(false);

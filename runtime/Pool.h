@@ -69,7 +69,7 @@ public:
     static _ePool shared;
 
     SizeClass lists[classCount];
-    bool active;
+    bool active = true;  // off after process exit: blocks then go straight back to the system
     std::int64_t totalPooled;  // bytes obtained for pooled sizes, less those given back
     std::int64_t largeBytes;   // bytes live in blocks above the largest class
     std::int64_t freeBytes;    // bytes now waiting in the free lists

@@ -9,7 +9,7 @@
 
 class MB_API _eUrelException : public _eAbstractClass<_eUrelException, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"_eUrelException";
+    static constexpr _aTypeSlot _aType{&_aModule32, 5};
 
     _eUrelException(_eString message, std::int32_t code) : message(std::move(message)), code(code) {}
 
@@ -26,7 +26,7 @@ private:
 // A failure of a storage stream; its code is a `SerialErrorType` value.
 class MB_API _aStreamException : public _eClass<_aStreamException, _eUrelException> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"_aStreamException";
+    static constexpr _aTypeSlot _aType{&_aModule32, 6};
 
     _aStreamException(_eString message, SerialErrorType::_eEnum code) : _eClass(std::move(message), code) {}
 };

@@ -7,7 +7,7 @@
 
 class Context : public _eClass<Context, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Context";
+    static constexpr _aTypeSlot _aType{&_aModule1, 0};
 
     // On the empty dictionary.
     Context();

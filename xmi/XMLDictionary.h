@@ -9,7 +9,7 @@ using Generalizations = _eSet<_eHndl<FCGeneralizationElement>>;
 
 class XMLDictionary : public _eClass<XMLDictionary, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLDictionary";
+    static constexpr _aTypeSlot _aType{&_aModule18, 0};
 
     XMLDictionary() = default;
     XMLDictionary(const ClassMap& entries, const Names& duplicateIds, const Associations& associations,

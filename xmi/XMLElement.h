@@ -8,7 +8,7 @@
 
 class XMLElement : public _eClass<XMLElement, XMLContentItem> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLElement";
+    static constexpr _aTypeSlot _aType{&_aModule20, 0};
 
     // From a start tag, the content and the end tag; or from an empty-element tag.
     XMLElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content, const _eHndl<XMLETag>& endTag);
@@ -61,11 +61,12 @@ private:
     XMLErrors elementErrors;   // repeated attributes, mismatched end tag
 };
 
-// The element classes. Each differs from `XMLElement` only in what it generates.
-#define MB_ELEMENT_CLASS(Class, Members)                                                      \
-    class Class : public _eClass<Class, XMLElement> {                                 \
+// The element classes, with their rows in the element module's table. Each differs from
+// `XMLElement` only in what it generates.
+#define MB_ELEMENT_CLASS(Class, Row, Members)                                                 \
+    class Class : public _eClass<Class, XMLElement> {                                        \
     public:                                                                                  \
-        static constexpr const wchar_t* _aTypeName = L## #Class;                             \
+        static constexpr _aTypeSlot _aType{&_aModule20, Row};                                \
         using _eClass::_eClass;                                                              \
         bool equalFields(const Class& other) const { return XMLElement::equalFields(other); } \
         Members                                                                              \
@@ -80,14 +81,14 @@ private:
 
 #define MB_FEATURE_MEMBERS _eHndl<TarvaneSections> generateSections(const _eHndl<Context>& context) const override;
 
-MB_ELEMENT_CLASS(UnrecognisedElement, )
-MB_ELEMENT_CLASS(XMIRootElement, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(XMIContentElement, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(Model_ManagementModelElement, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(FCNamespaceOwnedElement, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(Model_ManagementPackageElement, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(FCClassifierFeatureElement, MB_FEATURE_MEMBERS)
-MB_ELEMENT_CLASS(FCAttributeElement, MB_FEATURE_MEMBERS)
+MB_ELEMENT_CLASS(UnrecognisedElement, 2, )
+MB_ELEMENT_CLASS(XMIRootElement, 3, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(XMIContentElement, 4, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(Model_ManagementModelElement, 5, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(FCNamespaceOwnedElement, 6, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(Model_ManagementPackageElement, 7, MB_PATH_MEMBERS)
+MB_ELEMENT_CLASS(FCClassifierFeatureElement, 9, MB_FEATURE_MEMBERS)
+MB_ELEMENT_CLASS(FCAttributeElement, 10, MB_FEATURE_MEMBERS)
 #undef MB_FEATURE_MEMBERS
 #undef MB_PATH_MEMBERS
 #undef MB_ELEMENT_CLASS
@@ -95,7 +96,7 @@ MB_ELEMENT_CLASS(FCAttributeElement, MB_FEATURE_MEMBERS)
 // A "UML:Operation": a constructor, schema, function or operator.
 class FCOperationElement : public _eClass<FCOperationElement, XMLElement> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"FCOperationElement";
+    static constexpr _aTypeSlot _aType{&_aModule20, 11};
     using _eClass::_eClass;
     bool equalFields(const FCOperationElement& other) const { return XMLElement::equalFields(other); }
 
@@ -111,7 +112,7 @@ public:
 // A "UML:Class": one class declaration.
 class FCClassElement : public _eClass<FCClassElement, XMLElement> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"FCClassElement";
+    static constexpr _aTypeSlot _aType{&_aModule20, 8};
     using _eClass::_eClass;
     bool equalFields(const FCClassElement& other) const { return XMLElement::equalFields(other); }
 
@@ -128,7 +129,7 @@ public:
 
 class FCAssociationElement : public _eClass<FCAssociationElement, XMLElement> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"FCAssociationElement";
+    static constexpr _aTypeSlot _aType{&_aModule20, 12};
     using _eClass::_eClass;
     bool equalFields(const FCAssociationElement& other) const { return XMLElement::equalFields(other); }
 
@@ -147,7 +148,7 @@ private:
 
 class FCGeneralizationElement : public _eClass<FCGeneralizationElement, XMLElement> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"FCGeneralizationElement";
+    static constexpr _aTypeSlot _aType{&_aModule20, 13};
     using _eClass::_eClass;
     bool equalFields(const FCGeneralizationElement& other) const { return XMLElement::equalFields(other); }
 

@@ -7,7 +7,7 @@
 
 class XMLCharData : public _eClass<XMLCharData, XMLContentItem> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLCharData";
+    static constexpr _aTypeSlot _aType{&_aModule16, 18};
 
     explicit XMLCharData(const _eHndl<Terminal>& first) : _eClass(first->getLocation()), text(first->getCharacter()) {}
     explicit XMLCharData(const _eHndl<Location>& location) : _eClass(location) {}
@@ -27,7 +27,7 @@ private:
 
 class XMLCDSect : public _eClass<XMLCDSect, XMLContentItem> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLCDSect";
+    static constexpr _aTypeSlot _aType{&_aModule16, 19};
 
     // The character data of a section still holds the two "]" of its end, which are cut off.
     XMLCDSect(const _eHndl<Location>& location, const _eHndl<XMLCharData>& data)

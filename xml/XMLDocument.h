@@ -6,7 +6,7 @@
 
 class XMLDocument : public _eClass<XMLDocument, XMLNode> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLDocument";
+    static constexpr _aTypeSlot _aType{&_aModule19, 0};
 
     XMLDocument(const _eHndl<Location>& location, const _eFrom<XMLElement>& root) : _eClass(location), root(root) {}
 

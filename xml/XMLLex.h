@@ -11,7 +11,7 @@
 
 class XMLLex : public _eClass<XMLLex, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLLex";
+    static constexpr _aTypeSlot _aType{&_aModule23, 0};
 
     XMLLex(const Environment* environment, std::int32_t tabWidth);
 

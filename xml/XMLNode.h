@@ -8,7 +8,7 @@ class Context;
 
 class XMLNode : public _eClass<XMLNode, NonTerminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLNode";
+    static constexpr _aTypeSlot _aType{&_aModule24, 0};
 
     using _eClass::_eClass;
 
@@ -30,7 +30,7 @@ private:
 
 class XMLContentItem : public _eClass<XMLContentItem, XMLNode> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLContentItem";
+    static constexpr _aTypeSlot _aType{&_aModule16, 4};
 
     using _eClass::_eClass;
 

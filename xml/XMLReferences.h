@@ -9,7 +9,7 @@
 
 class XMLReference : public _eAbstractClass<XMLReference, XMLContentItem> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLReference";
+    static constexpr _aTypeSlot _aType{&_aModule16, 14};
 
     using _eAbstractClass::_eAbstractClass;
 
@@ -20,7 +20,7 @@ public:
 
 class XMLEntityReference : public _eClass<XMLEntityReference, XMLReference> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLEntityReference";
+    static constexpr _aTypeSlot _aType{&_aModule16, 15};
 
     XMLEntityReference(const _eHndl<Location>& location, const _eHndl<XMLString>& name)
         : _eClass(location), name(name->getText()) {}
@@ -42,7 +42,7 @@ private:
 
 class XMLCharReference : public _eClass<XMLCharReference, XMLReference> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLCharReference";
+    static constexpr _aTypeSlot _aType{&_aModule16, 16};
 
     XMLCharReference(const _eHndl<Location>& location, const _eHndl<XMLNumber>& number)
         : _eClass(location), code(number->getValue()) {}
@@ -64,7 +64,7 @@ private:
 
 class XMLPEReference : public _eClass<XMLPEReference, NonTerminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLPEReference";
+    static constexpr _aTypeSlot _aType{&_aModule16, 7};
 
     XMLPEReference(const _eHndl<Location>& location, const _eHndl<XMLString>& name)
         : _eClass(location), name(name->getText()) {}

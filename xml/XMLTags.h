@@ -6,7 +6,7 @@
 
 class XMLAttribute : public _eClass<XMLAttribute, NonTerminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLAttribute";
+    static constexpr _aTypeSlot _aType{&_aModule16, 11};
 
     XMLAttribute(const _eHndl<XMLString>& name, const _eHndl<XMLAttributeValue>& value)
         : _eClass(name->getLocation()), name(name->getText()), value(value) {}
@@ -27,7 +27,7 @@ using AttributeMap = _eMap<_eString, _eHndl<XMLAttributeValue>>;
 
 class XMLAttributeList : public _eClass<XMLAttributeList, NonTerminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLAttributeList";
+    static constexpr _aTypeSlot _aType{&_aModule16, 12};
 
     using _eClass::_eClass;
 
@@ -73,18 +73,18 @@ private:
 
 class XMLEmptyElemTag : public _aTag<XMLEmptyElemTag> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLEmptyElemTag";
+    static constexpr _aTypeSlot _aType{&_aModule16, 8};
     using _aTag::_aTag;
 };
 
 class XMLSTag : public _aTag<XMLSTag> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLSTag";
+    static constexpr _aTypeSlot _aType{&_aModule16, 9};
     using _aTag::_aTag;
 };
 
 class XMLETag : public _aTag<XMLETag> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLETag";
+    static constexpr _aTypeSlot _aType{&_aModule16, 10};
     XMLETag(const _eHndl<Location>& location, const _eHndl<XMLString>& name) : _aTag(location, name, {}) {}
 };

@@ -14,7 +14,7 @@ inline std::int32_t digitValue(wchar_t c) {
 
 class XMLNumber : public _eClass<XMLNumber, NonTerminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLNumber";
+    static constexpr _aTypeSlot _aType{&_aModule16, 6};
 
     explicit XMLNumber(const _eHndl<Terminal>& digit)
         : _eClass(digit->getLocation()), value(digitValue(digit->getCharacter())) {}
@@ -36,7 +36,7 @@ private:
 
 class XMLString : public _eClass<XMLString, NonTerminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLString";
+    static constexpr _aTypeSlot _aType{&_aModule16, 5};
 
     explicit XMLString(const _eHndl<Terminal>& first) : _eClass(first->getLocation()), text(first->getCharacter()) {}
 

@@ -6,14 +6,14 @@
 
 class XMLEntityValueElement : public _eAbstractClass<XMLEntityValueElement, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLEntityValueElement";
+    static constexpr _aTypeSlot _aType{&_aModule16, 0};
 
     virtual _eString text(const _eHndl<Context>& context) const = 0;
 };
 
 class XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLCharValue";
+    static constexpr _aTypeSlot _aType{&_aModule16, 1};
 
     explicit XMLCharValue(wchar_t character) : character(character) {}
 
@@ -26,7 +26,7 @@ private:
 
 class XMLReferenceValue : public _eClass<XMLReferenceValue, XMLEntityValueElement> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLReferenceValue";
+    static constexpr _aTypeSlot _aType{&_aModule16, 2};
 
     explicit XMLReferenceValue(const _eFrom<XMLReference>& reference) : reference(reference) {}
 
@@ -39,7 +39,7 @@ private:
 
 class XMLPEReferenceValue : public _eClass<XMLPEReferenceValue, XMLEntityValueElement> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLPEReferenceValue";
+    static constexpr _aTypeSlot _aType{&_aModule16, 3};
 
     explicit XMLPEReferenceValue(const _eHndl<XMLPEReference>& reference) : reference(reference) {}
 
@@ -79,7 +79,7 @@ private:
 
 class XMLEntityValue : public _aValueList<XMLEntityValue> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLEntityValue";
+    static constexpr _aTypeSlot _aType{&_aModule16, 13};
     using _aValueList::_aValueList;
 
     virtual void addPEReference(const _eHndl<XMLPEReference>& reference) { append(new XMLPEReferenceValue(reference)); }
@@ -87,7 +87,7 @@ public:
 
 class XMLAttributeValue : public _aValueList<XMLAttributeValue> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLAttributeValue";
+    static constexpr _aTypeSlot _aType{&_aModule16, 17};
     using _aValueList::_aValueList;
 
     // The texts of the elements, in order.

@@ -16,7 +16,7 @@ using Names = _eSet<_eString>;
 
 class XMLcontent : public _eClass<XMLcontent, NonTerminal> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"XMLcontent";
+    static constexpr _aTypeSlot _aType{&_aModule17, 1};
 
     explicit XMLcontent(const _eHndl<Location>& location);
     XMLcontent(const XMLcontent& other);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Generated/XMLParser.h"
+#include "support/TestModule.h"
 
 extern const ParseTableData bracketParseTables;
 
@@ -15,7 +16,7 @@ namespace {
 // A parser that exposes the search and logs its semantic actions with their locations.
 class BracketParser : public _eClass<BracketParser, Parser> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"BracketParser";
+    static constexpr _aTypeSlot _aType{&testModule, 6};
     using _eClass::_eClass;
 
     bool equalFields(const BracketParser& other) const { return Parser::equalFields(other); }

@@ -17,10 +17,10 @@ TEST(UrelException, EqualityWantsClassMessageAndCode) {
     EXPECT_TRUE(copy->isEqual(a.get()));
 
     const _eFullTypeInfo* record = a->_aGetFullTypeInfo();
-    EXPECT_EQ(toWString(record->info->typeName()), L"_aStreamException");
+    EXPECT_EQ(toWString(record->info->typeName()), L"StreamException");
     EXPECT_EQ(record->level, 2);
     ASSERT_NE(record->parent, nullptr);
-    EXPECT_EQ(toWString(record->parent->info->typeName()), L"_eUrelException");
+    EXPECT_EQ(toWString(record->parent->info->typeName()), L"_UrelException");
     EXPECT_EQ(record->parent->level, 1);
 }
 

@@ -2,11 +2,12 @@
 #pragma once
 
 #include "runtime/Class.h"
+#include "support/TestModule.h"
 
 // A value with a plain field and a nested value, to observe sharing and cloning.
 class Probe : public _eClass<Probe, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Probe";
+    static constexpr _aTypeSlot _aType{&testModule, 0};
 
     explicit Probe(int value = 0) : value(value) {}
     Probe(const Probe& other) = default;
@@ -46,32 +47,32 @@ private:
 // A sibling class of `Probe` below a common parent, for the default order of classes.
 class Shape : public _eClass<Shape, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Shape";
+    static constexpr _aTypeSlot _aType{&testModule, 1};
     bool equalFields(const Shape&) const { return true; }
 };
 
 class Circle : public _eClass<Circle, Shape> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Circle";
+    static constexpr _aTypeSlot _aType{&testModule, 2};
     bool equalFields(const Circle& other) const { return Shape::equalFields(other); }
 };
 
 class Square : public _eClass<Square, Shape> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Square";
+    static constexpr _aTypeSlot _aType{&testModule, 3};
     bool equalFields(const Square& other) const { return Shape::equalFields(other); }
 };
 
 class Disc : public _eClass<Disc, Circle> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Disc";
+    static constexpr _aTypeSlot _aType{&testModule, 4};
     bool equalFields(const Disc& other) const { return Circle::equalFields(other); }
 };
 
 // Ordered by `key` alone but equal only when `tag` agrees too: two different values of one rank.
 class Tagged : public _eClass<Tagged, _eAny> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"Tagged";
+    static constexpr _aTypeSlot _aType{&testModule, 5};
 
     Tagged(int key, int tag) : key(key), tag(tag) {}
 

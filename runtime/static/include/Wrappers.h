@@ -34,13 +34,19 @@ public:
     }
 
     // A wrapper is stored whole by `store`; writing its fields alone is never asked for.
-    virtual void storeFields(StoreStream&) const { raiseCannotHappen(_xPlaces::wrapperStoreFields); }
+    void storeFields(StoreStream&) const override { raiseCannotHappen(_xPlaces::wrapperStoreFields); }
 
     // Wrappers stand at level 1, without a parent record.
     static const _eFullTypeInfo* _aTypeRecord() { return nullptr; }
 
     const T& get() const { return value; }
     bool equalFields(const _eWrapperBase& other) const { return value == other.value; }
+
+protected:
+    void set(const T& newValue) {
+        _eFreeze freeze(this);
+        value = newValue;
+    }
 
 private:
     T value;  // the wrapped value
@@ -52,18 +58,35 @@ public:
     using _eWrapperBase<T>::_eWrapperBase;
 };
 
+// The rows of the built-in types: "int", "bool", "char", "real", "byte".
 template <class T>
-struct _aBasicTypeName;
+struct _aBasicTypeRow;
 template <>
-struct _aBasicTypeName<std::int32_t> { static constexpr const wchar_t* name = L"int"; };
+struct _aBasicTypeRow<std::int32_t> { static constexpr int index = 0; };
 template <>
-struct _aBasicTypeName<bool> { static constexpr const wchar_t* name = L"bool"; };
+struct _aBasicTypeRow<bool> { static constexpr int index = 1; };
 template <>
-struct _aBasicTypeName<wchar_t> { static constexpr const wchar_t* name = L"char"; };
+struct _aBasicTypeRow<wchar_t> { static constexpr int index = 2; };
 template <>
-struct _aBasicTypeName<double> { static constexpr const wchar_t* name = L"real"; };
+struct _aBasicTypeRow<double> { static constexpr int index = 3; };
 template <>
-struct _aBasicTypeName<unsigned char> { static constexpr const wchar_t* name = L"byte"; };
+struct _aBasicTypeRow<unsigned char> { static constexpr int index = 4; };
+
+// The writers and readers of plain values on a storage stream.
+MB_API void _aStoreValue(StoreStream& stream, std::int32_t value);
+MB_API void _aStoreValue(StoreStream& stream, bool value);
+MB_API void _aStoreValue(StoreStream& stream, wchar_t value);
+MB_API void _aStoreValue(StoreStream& stream, double value);
+MB_API void _aStoreValue(StoreStream& stream, unsigned char value);
+MB_API void _aStoreValue(StoreStream& stream, const _eString& value);
+MB_API void _aFillValue(FillStream& stream, std::int32_t& value);
+MB_API void _aFillValue(FillStream& stream, bool& value);
+MB_API void _aFillValue(FillStream& stream, wchar_t& value);
+MB_API void _aFillValue(FillStream& stream, double& value);
+MB_API void _aFillValue(FillStream& stream, unsigned char& value);
+MB_API void _aFillValue(FillStream& stream, _eString& value);
+MB_API void _aStoreEnum(StoreStream& stream, const wchar_t* storageName, std::int32_t value);
+MB_API std::int32_t _aFillEnum(FillStream& stream, const wchar_t* storageName);
 
 inline _eString _aValueText(std::int32_t v) { return intToString(v); }
 inline _eString _aValueText(bool v) { return boolToString(v); }
@@ -75,8 +98,15 @@ inline _eString _aValueText(unsigned char v) { return byteToString(v); }
 template <class T>
 class _eBasicTypeWrapper final : public _eClass<_eBasicTypeWrapper<T>, _eStorableWrapperBase<T>> {
 public:
-    static constexpr const wchar_t* _aTypeName = _aBasicTypeName<T>::name;
+    static constexpr _aTypeSlot _aType{&_aModule28, _aBasicTypeRow<T>::index};
     using _eClass<_eBasicTypeWrapper<T>, _eStorableWrapperBase<T>>::_eClass;
+
+    void store(StoreStream& stream) const override { _aStoreValue(stream, this->get()); }
+    void fill(FillStream& stream) override {
+        T read{};
+        _aFillValue(stream, read);
+        this->set(read);
+    }
 
     _eString toString() const override { return _aValueText(this->get()); }
 };
@@ -89,22 +119,36 @@ template <>
 class _eStorableWrapper<_eString> final
     : public _eClass<_eStorableWrapper<_eString>, _eStorableWrapperBase<_eString>> {
 public:
-    static constexpr const wchar_t* _aTypeName = L"seq";
     using _eClass<_eStorableWrapper<_eString>, _eStorableWrapperBase<_eString>>::_eClass;
+
+    // "seq of char".
+    static _eHndl<_eInstblTypeInfo> _aBuildType() {
+        return _aTypeOf({&_aModule28, 6})->instantiate({_aTypeOf({&_aModule28, 2})});
+    }
+
+    void store(StoreStream& stream) const override { _aStoreValue(stream, get()); }
+    void fill(FillStream& stream) override {
+        _eString read;
+        _aFillValue(stream, read);
+        set(read);
+    }
 
     _eString toString() const override { return seqText(get()); }
 };
 
-// The wrapper of an enumeration `X`: `X` gives `_eEnum`, `count`, `_aTypeName`, `storageName`
+// The wrapper of an enumeration `X`: `X` gives `_eEnum`, `count`, `_aType`, `storageName`
 // and `labels`, one per value.
 template <class X>
 class _eEnumWrapper final : public _eClass<_eEnumWrapper<X>, _eStorableWrapperBase<typename X::_eEnum>> {
     static_assert(std::size(X::labels) == std::size_t(X::count), "one label per value");
 
 public:
-    static constexpr const wchar_t* _aTypeName = X::_aTypeName;
+    static constexpr _aTypeSlot _aType = X::_aType;
     static constexpr const wchar_t* storageName = X::storageName;
     using _eClass<_eEnumWrapper<X>, _eStorableWrapperBase<typename X::_eEnum>>::_eClass;
+
+    void store(StoreStream& stream) const override { _aStoreEnum(stream, storageName, this->get()); }
+    void fill(FillStream& stream) override { this->set(typename X::_eEnum(_aFillEnum(stream, storageName))); }
 
     _eString toString() const override { return label(this->get()); }
 

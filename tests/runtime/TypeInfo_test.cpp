@@ -1,0 +1,127 @@
+// Type objects: their text, equality and order, lookup by name, and the records of classes.
+#include <gtest/gtest.h>
+
+#include "environment/FileName.h"
+#include "runtime/TypeMatcher.h"
+#include "runtime/UrelException.h"
+#include "support/TestModule.h"
+#include "xmi/XMLElement.h"
+
+namespace {
+
+using Type = _eHndl<_eInstblTypeInfo>;
+
+Type builtIn(int row) { return Type(new _eInstblTypeInfo(row, false)); }
+Type fileNameType() { return FileName::_aMyTypeInfo(); }
+std::wstring text(const Type& type) { return toWString(type->toString()); }
+
+// The code and message of the stream failure that `action` raises.
+template <class F>
+std::pair<int, std::wstring> failureOf(F action) {
+    try {
+        action();
+    } catch (const _aUrelExceptionWrapper& thrown) {
+        return {thrown.errorCode(), toWString(thrown.message())};
+    }
+    return {-1, L""};
+}
+
+}  // namespace
+
+TEST(TypeInfo, PrintsNamesArgumentsAndFlags) {
+    EXPECT_EQ(text(fileNameType()), L"FileName");
+    EXPECT_EQ(text(_eStorableWrapper<_eString>::_aMyTypeInfo()), L"seq of char");
+    EXPECT_EQ(text(builtIn(9)->instantiate({builtIn(0), fileNameType()})), L"map of (int, FileName)");
+    EXPECT_EQ(text(builtIn(11)->instantiate({builtIn(0), builtIn(1), builtIn(2)})), L"triple of (int, bool, char)");
+    EXPECT_EQ(text(builtIn(16)), L"(Union)");
+    EXPECT_EQ(text(Type(new _eInstblTypeInfo(21, true))), L"ref FileRef");
+
+    Type flagged(new _eInstblTypeInfo(*fileNameType()));
+    flagged->setFlags(true, true);
+    EXPECT_EQ(text(flagged), L"ref from FileName");
+    Type seqOfFrom = builtIn(6)->instantiate({flagged});
+    EXPECT_EQ(text(seqOfFrom), L"seq of ref from FileName");
+    EXPECT_EQ(text(seqOfFrom->withoutArguments()), L"seq");
+    EXPECT_TRUE(seqOfFrom->isTemplate());
+    EXPECT_FALSE(fileNameType()->isTemplate());
+}
+
+TEST(TypeInfo, EqualityWeighsArgumentsThatTheOrderIgnores) {
+    Type seqOfChar = builtIn(6)->instantiate({builtIn(2)});
+    Type again = builtIn(6)->instantiate({builtIn(2)});
+    Type seqOfInt = builtIn(6)->instantiate({builtIn(0)});
+    EXPECT_TRUE(seqOfChar->isEqual(again.get()));
+    EXPECT_FALSE(seqOfChar->isEqual(seqOfInt.get()));
+    EXPECT_EQ(seqOfChar->rank(seqOfInt.get()), rankSame);
+    EXPECT_TRUE(seqOfChar->isEqual(_eStorableWrapper<_eString>::_aMyTypeInfo().get()));
+
+    // The order: flags first, then the row, then the module.
+    Type from(new _eInstblTypeInfo(*builtIn(0)));
+    from->setFlags(true, false);
+    EXPECT_EQ(from->rank(builtIn(5).get()), rankAbove);
+    EXPECT_EQ(builtIn(1)->rank(builtIn(0).get()), rankAbove);
+    EXPECT_EQ(builtIn(0)->rank(builtIn(1).get()), rankBelow);
+    Type otherModule(new _eInstblTypeInfo(&_aModule27, 0));
+    EXPECT_NE(builtIn(0)->rank(otherModule.get()), rankSame);
+    EXPECT_EQ(builtIn(0)->rank(otherModule.get()) == rankAbove, otherModule->rank(builtIn(0).get()) == rankBelow);
+
+    // Matching ignores `from` but not `ref`, and looks into the arguments.
+    Type seqOfFromChar = builtIn(6)->instantiate({from});
+    EXPECT_FALSE(seqOfChar->matches(*seqOfInt));
+    Type fromChar(new _eInstblTypeInfo(*builtIn(2)));
+    fromChar->setFlags(true, false);
+    EXPECT_TRUE(seqOfChar->matches(*builtIn(6)->instantiate({fromChar})));
+    Type refChar(new _eInstblTypeInfo(2, true));
+    EXPECT_FALSE(seqOfChar->matches(*builtIn(6)->instantiate({refChar})));
+    EXPECT_FALSE(seqOfChar->matches(*builtIn(7)->instantiate({builtIn(2)})));
+}
+
+TEST(TypeInfo, LookupByNameTakesTheNewestModule) {
+    Type location = _eInstblTypeInfo::makeType(L"Location", false, false);
+    EXPECT_EQ(location->getModule(), &_aModule7);
+    EXPECT_EQ(location->getTypeIndex(), 0);
+    // The test module registered after the system's and repeats "FileName" as its row 7.
+    Type fileName = _eInstblTypeInfo::makeType(L"FileName", true, false);
+    EXPECT_EQ(fileName->getModule(), &testModule);
+    EXPECT_EQ(fileName->getTypeIndex(), 7);
+    EXPECT_TRUE(fileName->isFrom());
+
+    _eSeq<_eSeparatorId::_eEnum> arrow{_eSeparatorId::RightArrow};
+    Type map(new _eInstblTypeInfo(L"map", 2, arrow, false, false));
+    EXPECT_EQ(map->getModule(), builtInModule());
+    EXPECT_EQ(map->getTypeIndex(), 9);
+
+    EXPECT_EQ(failureOf([] { _eInstblTypeInfo::makeType(L"NoSuchType", false, false); }),
+              std::make_pair(int(SerialErrorType::streamError), std::wstring(L"NoSuchType")));
+    EXPECT_EQ(failureOf([&] { _eInstblTypeInfo(L"dict", 2, arrow, false, false); }),
+              std::make_pair(int(SerialErrorType::streamError), std::wstring(L"dict of (T1RightArrowT2)")));
+    EXPECT_EQ(failureOf([] {
+                  _eInstblTypeInfo(L"pair", 3, {_eSeparatorId::Comma, _eSeparatorId::LeftArrow}, false, false);
+              }).second,
+              L"pair of (T1CommaT2LeftArrowT3)");
+
+    _eHndl<_eCandidateMDAnode> found = _eTemplateTypeMatcher::shared().match({L"Location", 0, {}});
+    ASSERT_FALSE(found.isNull());
+    EXPECT_EQ(moduleAt(found->getModuleIndex()), &_aModule7);
+    EXPECT_EQ(found->getIndexes(), _eSeq<int>{0});
+}
+
+TEST(TypeInfo, ClassesCarryTheirRowsAndOrderByTheirNames) {
+    EXPECT_EQ(toWString(FCClassElement::_aMyTypeInfo()->typeName()), L"FCClassElement");
+    EXPECT_EQ(FCClassElement::_aMyTypeInfo()->getTypeIndex(), 8);
+    EXPECT_EQ(FCClassElement::_aTypeRecord()->level, 6);
+    EXPECT_EQ(FileName::_aTypeRecord()->level, 2);
+    EXPECT_EQ(toWString(FileName::_aTypeRecord()->parent->info->typeName()), L"_Storable");
+    EXPECT_EQ(toWString(_eInstblTypeInfo::_aTypeRecord()->info->typeName()), L"InstblTypeInfo");
+    EXPECT_EQ(_eInstblTypeInfo::_aTypeRecord()->level, 2);
+    EXPECT_EQ(toWString(_eTypeInfo::_aTypeRecord()->info->typeName()), L"TypeInfo");
+    EXPECT_EQ(toWString(_eModuleDescriptorData::_aMyTypeInfo()->typeName()), L"_ModuleDescriptorData");
+
+    // Unrelated classes are ordered by the names of the module tables.
+    FileError::_eWrapper error(FileError::success);
+    FileModeType::_eWrapper mode(FileModeType::read);
+    _eSeparatorId::_eWrapper separator(_eSeparatorId::Comma);
+    EXPECT_EQ(error.rank(&mode), rankBelow);      // "FileError" against "FileModeType"
+    EXPECT_EQ(separator.rank(&mode), rankAbove);  // "_" (95) against "F" (70)
+    EXPECT_EQ(mode.rank(&error), rankAbove);
+}
