@@ -12,7 +12,7 @@ const wchar_t* const _eCVCodeNames[_eCVCodeCount] = {
 
 namespace {
 
-// A run's count has two bytes; a reader may take them as signed, so runs stop at this length.
+// A run's count has two bytes; another reader may take them as signed, so runs stop at this length.
 constexpr std::int32_t longestRun = 32767;
 
 // Raises the stream failure when a transfer of the byte stream went wrong.
@@ -42,6 +42,11 @@ void intForm(std::int32_t value, std::int32_t& code, int& width) {
 }
 
 int enumWidth(std::int32_t code) { return code == CV_ENUM_1 ? 1 : code == CV_ENUM_2 ? 2 : 4; }
+
+// The payload as an unsigned number of its width, whatever sign the byte stream gave it.
+std::int64_t unsignedOf(std::int64_t value, int width) {
+    return width >= 8 ? value : std::int64_t(std::uint64_t(value) & ((std::uint64_t(1) << (8 * width)) - 1));
+}
 
 // An enumeration is declared by its storage name. Where no module has a row of that name, the
 // row of the name without its leading "_" stands for it, as the environment's tables spell it.
@@ -257,7 +262,7 @@ std::int32_t FillStream::readCode() {
         if (code >= _eCVCodeCount) streamFailure(SerialErrorType::missingHeap, L"reading CV code from storage-stream");
         switch (code) {
             case CV_REP: {
-                std::int64_t count = readPayload(2, L"reading CV repeat-count from storage-stream");
+                std::int64_t count = unsignedOf(readPayload(2, L"reading CV repeat-count from storage-stream"), 2);
                 if (count < 1) streamFailure(SerialErrorType::readError, L"reading CV repeat-count from storage-stream");
                 repeatCount = std::int32_t(count - 1);  // this call gives the first item
                 stream.get()->readByte(byte, error);
@@ -336,7 +341,8 @@ void FillStream::fillEnum(const _eString&, std::int32_t& value) {
     std::int32_t index;
     fillInt(index);
     completeType(index);
-    value = std::int32_t(readPayload(enumWidth(code), L"reading enum from storage-stream"));
+    int width = enumWidth(code);
+    value = std::int32_t(unsignedOf(readPayload(width, L"reading enum from storage-stream"), width));
 }
 
 void FillStream::fillCollection(std::int32_t& size) {
