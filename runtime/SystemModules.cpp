@@ -58,18 +58,10 @@ _eFrom<_eAny> made() {
     return _eHndl<T>(new T());
 }
 
-_eFrom<_eAny> errorFactory(int typeIndex) { return typeIndex == 0 ? enumeration<ErrorSeverity>() : _eFrom<_eAny>(); }
-
-_eFrom<_eAny> fileNameFactory(int typeIndex) { return typeIndex == 0 ? made<FileName>() : _eFrom<_eAny>(); }
-
-_eFrom<_eAny> parserFactory(int typeIndex) { return typeIndex == 0 ? enumeration<ActionName>() : _eFrom<_eAny>(); }
-
-_eFrom<_eAny> xmlErrorFactory(int typeIndex) {
-    return typeIndex == 0 ? enumeration<XMLErrorType>() : _eFrom<_eAny>();
-}
-
-_eFrom<_eAny> importerFactory(int typeIndex) {
-    return typeIndex == 1 ? enumeration<ValidityStatus>() : _eFrom<_eAny>();
+// The factory of a module whose one storable class stands in row `Row`.
+template <int Row, _eFrom<_eAny> (*Make)()>
+_eFrom<_eAny> onlyRow(int typeIndex) {
+    return typeIndex == Row ? Make() : _eFrom<_eAny>();
 }
 
 _eFrom<_eAny> builtInFactory(int typeIndex) {
@@ -111,14 +103,14 @@ void registerAll() {
     const SystemModule modules[] = {
         {{L"Context"}},
         {{L"ElementBase"}},
-        {{L"ErrorSeverity", L"ErrorInfo", L"Error"}, errorFactory},
-        {{L"FileName"}, fileNameFactory},
+        {{L"ErrorSeverity", L"ErrorInfo", L"Error"}, (onlyRow<0, enumeration<ErrorSeverity>>)},
+        {{L"FileName"}, (onlyRow<0, made<FileName>>)},
         {{L"XMLParser"}},
         {{L"ImportOptions"}},
         {{L"Location"}},
         {{L"NonTerminal"}},
         {{L"ParseControl"}},
-        {{L"ActionName", L"ActionTableEntry", L"ReduceTableEntry", L"Parser"}, parserFactory},
+        {{L"ActionName", L"ActionTableEntry", L"ReduceTableEntry", L"Parser"}, (onlyRow<0, enumeration<ActionName>>)},
         {{L"TarvaneElements"}},
         {{L"TarvaneOutput"}},
         {{L"StackEntry", L"ParseStack"}},
@@ -135,8 +127,8 @@ void registerAll() {
           L"Model_ManagementModelElement", L"FCNamespaceOwnedElement", L"Model_ManagementPackageElement",
           L"FCClassElement", L"FCClassifierFeatureElement", L"FCAttributeElement", L"FCOperationElement",
           L"FCAssociationElement", L"FCGeneralizationElement"}},
-        {{L"XMLErrorType", L"XMLError"}, xmlErrorFactory},
-        {{L"XMLImporter", L"ValidityStatus"}, importerFactory},
+        {{L"XMLErrorType", L"XMLError"}, (onlyRow<0, enumeration<XMLErrorType>>)},
+        {{L"XMLImporter", L"ValidityStatus"}, (onlyRow<1, enumeration<ValidityStatus>>)},
         {{L"XMLLex"}},
         {{L"XMLNode"}},
         {{L"Terminal", L"SimpleTerminal", L"ComplexTerminal"}},
