@@ -99,36 +99,33 @@ void StoreStream::storeInt(std::int32_t value) {
     if (width != 0) writePayload(value, width, L"writing int to storage-stream");
 }
 
-void StoreStream::storeBool(bool value) {
+template <class Transfer>
+void StoreStream::writeValue(std::int32_t code, const wchar_t* failure, Transfer transfer) {
     _eFreeze freeze(this);
-    writeCodeUnlessInRun(CV_BOOL);
+    writeCodeUnlessInRun(code);
     FileError::_eEnum error;
-    stream.get()->writeByte(value ? 1 : 0, error);
-    check(error, SerialErrorType::writeError, L"writing bool to storage-stream");
+    transfer(*stream.get(), error);
+    check(error, SerialErrorType::writeError, failure);
+}
+
+void StoreStream::storeBool(bool value) {
+    writeValue(CV_BOOL, L"writing bool to storage-stream",
+               [&](_OutputStream& out, FileError::_eEnum& error) { out.writeByte(value ? 1 : 0, error); });
 }
 
 void StoreStream::storeChar(wchar_t value) {
-    _eFreeze freeze(this);
-    writeCodeUnlessInRun(CV_CHAR);
-    FileError::_eEnum error;
-    stream.get()->writeChar(value, *encoder, error);
-    check(error, SerialErrorType::writeError, L"writing char to storage-stream");
+    writeValue(CV_CHAR, L"writing char to storage-stream",
+               [&](_OutputStream& out, FileError::_eEnum& error) { out.writeChar(value, *encoder, error); });
 }
 
 void StoreStream::storeDouble(double value) {
-    _eFreeze freeze(this);
-    writeCodeUnlessInRun(CV_DOUBLE);
-    FileError::_eEnum error;
-    stream.get()->writeDouble(value, error);
-    check(error, SerialErrorType::writeError, L"writing real to storage-stream");
+    writeValue(CV_DOUBLE, L"writing real to storage-stream",
+               [&](_OutputStream& out, FileError::_eEnum& error) { out.writeDouble(value, error); });
 }
 
 void StoreStream::storeByte(unsigned char value) {
-    _eFreeze freeze(this);
-    writeCodeUnlessInRun(CV_BYTE);
-    FileError::_eEnum error;
-    stream.get()->writeByte(value, error);
-    check(error, SerialErrorType::writeError, L"writing byte to storage-stream");
+    writeValue(CV_BYTE, L"writing byte to storage-stream",
+               [&](_OutputStream& out, FileError::_eEnum& error) { out.writeByte(value, error); });
 }
 
 void StoreStream::storeEnum(const _eString& typeName, std::int32_t value) {
@@ -304,34 +301,37 @@ void FillStream::fillBool(bool& value) {
     value = byte == 1;
 }
 
-void FillStream::fillChar(wchar_t& value) {
+template <class Transfer>
+void FillStream::readValue(std::int32_t code, const wchar_t* expected, const wchar_t* failure, Transfer transfer) {
     _eFreeze freeze(this);
-    if (codeInRun() != CV_CHAR) streamFailure(SerialErrorType::missingInstantiation, L"expected char");
+    if (codeInRun() != code) streamFailure(SerialErrorType::missingInstantiation, expected);
     FileError::_eEnum error;
-    if (header->getVersion() >= 2) {
-        stream.get()->readChar(value, *decoder, error);
-    } else {
-        unsigned char byte = 0;
-        stream.get()->readByte(byte, error);
-        value = byte;
-    }
-    check(error, SerialErrorType::readError, L"reading char from storage-stream");
+    transfer(*stream.get(), error);
+    check(error, SerialErrorType::readError, failure);
+}
+
+void FillStream::fillChar(wchar_t& value) {
+    readValue(CV_CHAR, L"expected char", L"reading char from storage-stream",
+              [&](_InputStream& in, FileError::_eEnum& error) {
+                  // Before version 2 a character is one byte.
+                  if (header->getVersion() >= 2) {
+                      in.readChar(value, *decoder, error);
+                      return;
+                  }
+                  unsigned char byte = 0;
+                  in.readByte(byte, error);
+                  value = byte;
+              });
 }
 
 void FillStream::fillDouble(double& value) {
-    _eFreeze freeze(this);
-    if (codeInRun() != CV_DOUBLE) streamFailure(SerialErrorType::missingInstantiation, L"expected real");
-    FileError::_eEnum error;
-    stream.get()->readDouble(value, error);
-    check(error, SerialErrorType::readError, L"reading real from storage-stream");
+    readValue(CV_DOUBLE, L"expected real", L"reading real from storage-stream",
+              [&](_InputStream& in, FileError::_eEnum& error) { in.readDouble(value, error); });
 }
 
 void FillStream::fillByte(unsigned char& value) {
-    _eFreeze freeze(this);
-    if (codeInRun() != CV_BYTE) streamFailure(SerialErrorType::missingInstantiation, L"expected byte");
-    FileError::_eEnum error;
-    stream.get()->readByte(value, error);
-    check(error, SerialErrorType::readError, L"reading byte from storage-stream");
+    readValue(CV_BYTE, L"expected byte", L"reading byte from storage-stream",
+              [&](_InputStream& in, FileError::_eEnum& error) { in.readByte(value, error); });
 }
 
 void FillStream::fillEnum(const _eString&, std::int32_t& value) {

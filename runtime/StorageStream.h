@@ -122,6 +122,9 @@ public:
 private:
     void writeCode(std::int32_t code);
     void writeCodeUnlessInRun(std::int32_t code);
+    // A value of a code that may stand in a run: the code unless in a run, then one transfer.
+    template <class Transfer>
+    void writeValue(std::int32_t code, const wchar_t* failure, Transfer transfer);
     void writePayload(std::int64_t value, int width, const wchar_t* failure);
     void declareTemplate(const _eHndl<_eInstblTypeInfo>& type);
 
@@ -161,6 +164,9 @@ public:
 
 private:
     std::int32_t codeInRun();
+    // A value of a code that may stand in a run: the code must be `code`, then one transfer.
+    template <class Transfer>
+    void readValue(std::int32_t code, const wchar_t* expected, const wchar_t* failure, Transfer transfer);
     std::int64_t readPayload(int width, const wchar_t* failure);
     _eHndl<_eInstblTypeInfo> completeType(std::int32_t index) const;
     void readHeapDeclaration();
