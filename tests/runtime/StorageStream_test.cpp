@@ -10,8 +10,8 @@
 #include "environment/OsInfo.h"
 #include "environment/Time.h"
 #include "runtime/StorageStream.h"
-#include "runtime/UrelException.h"
 #include "support/MemoryStreams.h"
+#include "support/StreamFailure.h"
 
 namespace {
 
@@ -40,17 +40,6 @@ protected:
     _eHndl<MemoryInputStream> input;
     std::size_t seen = 0;
 };
-
-// The code and message of the stream failure that `action` raises.
-template <class F>
-std::pair<int, std::wstring> failureOf(F action) {
-    try {
-        action();
-    } catch (const _aUrelExceptionWrapper& thrown) {
-        return {thrown.errorCode(), toWString(thrown.message())};
-    }
-    return {-1, L""};
-}
 
 std::pair<int, std::wstring> failure(SerialErrorType::_eEnum code, const wchar_t* message) { return {code, message}; }
 

@@ -3,7 +3,7 @@
 
 #include "environment/FileName.h"
 #include "runtime/TypeMatcher.h"
-#include "runtime/UrelException.h"
+#include "support/StreamFailure.h"
 #include "support/TestModule.h"
 #include "xmi/XMLElement.h"
 
@@ -14,17 +14,6 @@ using Type = _eHndl<_eInstblTypeInfo>;
 Type builtIn(int row) { return Type(new _eInstblTypeInfo(row, false)); }
 Type fileNameType() { return FileName::_aMyTypeInfo(); }
 std::wstring text(const Type& type) { return toWString(type->toString()); }
-
-// The code and message of the stream failure that `action` raises.
-template <class F>
-std::pair<int, std::wstring> failureOf(F action) {
-    try {
-        action();
-    } catch (const _aUrelExceptionWrapper& thrown) {
-        return {thrown.errorCode(), toWString(thrown.message())};
-    }
-    return {-1, L""};
-}
 
 }  // namespace
 
