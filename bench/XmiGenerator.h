@@ -122,7 +122,7 @@ private:
     }
 
     std::string build(std::size_t bytes) {
-        out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<XMI xmi.version=\"1.1\">\n<XMI.content>\n";
+        out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<XMI xmi.version=\"1.1\" xmlns:UML=\"org.omg.xmi.namespace.UML\">\n<XMI.content>\n";
         out += "<UML:Model xmi.id=\"model\" name=\"Synthetic\">\n<UML:Namespace.ownedElement>\n";
         for (const char* type : {"int", "real", "bool"})
             out += std::string("<UML:DataType xmi.id=\"") + type + "\" name=\"" + type + "\"/>\n";
