@@ -17,7 +17,7 @@ public:
     std::pair<int, int> lookup(const K& key) const {
         auto [lo, hi] = _aEqualRange(items, key, [](const Entry& e) -> const K& { return e.first; });
         for (int i = lo; i < hi; ++i)
-            if (items.at(i).first == key) return {i, hi};
+            if (items.get(i).first == key) return {i, hi};
         return {hi, hi};
     }
 
@@ -27,7 +27,7 @@ public:
     }
 
     // Not checked: the key must be present.
-    V get(const K& key) const { return items.at(lookup(key).first).second; }
+    V get(const K& key) const { return items.get(lookup(key).first).second; }
 
     void put(const K& key, const V& value) {
         if (isEmpty()) {
@@ -39,6 +39,12 @@ public:
             items.insertAt(index, Entry{key, value});
         else
             items.elementRef(index).second = value;
+    }
+
+    // Drops the pair of `key`, if there is one.
+    void remove(const K& key) {
+        auto [index, end] = lookup(key);
+        if (index != end) items.removeRange(index, 1);
     }
 
     // Adds the pair as a set would: behind the pairs of its key, unless an equal pair is there.
@@ -72,7 +78,7 @@ public:
         for (int i = 0, n = size(); i < n; ++i) {
             Entry e = reader.next();
             auto [index, end] = other.lookup(e.first);
-            if (index == end || !(other.items.at(index).second == e.second)) return false;
+            if (index == end || !(other.items.get(index).second == e.second)) return false;
         }
         return true;
     }

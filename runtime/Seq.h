@@ -258,15 +258,29 @@ bool _eSeq<T>::operator==(const _eSeq& other) const {
 using _eString = _eSeq<wchar_t>;
 
 // The order of strings: unit by unit as unsigned numbers; a proper prefix is below.
+inline _eRank rankUnits(const wchar_t* a, int na, const wchar_t* b, int nb) {
+    for (int i = 0, n = std::min(na, nb); i < n; ++i) {
+        auto x = std::uint32_t(a[i]);
+        auto y = std::uint32_t(b[i]);
+        if (x != y) return x < y ? rankBelow : rankAbove;
+    }
+    if (na == nb) return rankSame;
+    return na < nb ? rankBelow : rankAbove;
+}
+
 inline _eRank rankStrings(const _eString& a, const _eString& b) {
+    const _eBaseNode<wchar_t>* left = a.rootNode();
+    const _eBaseNode<wchar_t>* right = b.rootNode();
+    // Strings up to a leaf long, the usual case, are compared in place.
+    if (left->level() == 0 && right->level() == 0)
+        return rankUnits(left->asLeaf()->data(), left->size(), right->asLeaf()->data(), right->size());
     int na = a.size();
     int nb = b.size();
-    int n = std::min(na, nb);
-    _eSeqReader<wchar_t> left(a);
-    _eSeqReader<wchar_t> right(b);
-    for (int i = 0; i < n; ++i) {
-        auto x = std::uint32_t(left.next());
-        auto y = std::uint32_t(right.next());
+    _eSeqReader<wchar_t> mine(a);
+    _eSeqReader<wchar_t> theirs(b);
+    for (int i = 0, n = std::min(na, nb); i < n; ++i) {
+        auto x = std::uint32_t(mine.next());
+        auto y = std::uint32_t(theirs.next());
         if (x != y) return x < y ? rankBelow : rankAbove;
     }
     if (na == nb) return rankSame;

@@ -17,7 +17,7 @@ std::pair<int, int> _aEqualRange(const _eSeq<T>& seq, const K& key, KeyOf keyOf)
     bool matched = false;
     while (lo != hi && !matched) {
         mid = (lo + hi) / 2;
-        switch (Order::order(key, keyOf(seq.at(mid)))) {
+        switch (Order::order(key, keyOf(seq.get(mid)))) {
             case rankAbove: lo = mid + 1; break;
             case rankBelow: hi = mid; break;
             case rankSame: matched = true; break;
@@ -26,14 +26,14 @@ std::pair<int, int> _aEqualRange(const _eSeq<T>& seq, const K& key, KeyOf keyOf)
     if (!matched) return {lo, hi};
     for (int m = mid; lo != m;) {
         int k = (lo + m) / 2;
-        if (Order::order(key, keyOf(seq.at(k))) != rankAbove)
+        if (Order::order(key, keyOf(seq.get(k))) != rankAbove)
             m = k;
         else
             lo = k + 1;
     }
     for (int m = mid; hi != m;) {
         int k = (m + hi) / 2;
-        if (Order::order(key, keyOf(seq.at(k))) != rankBelow)
+        if (Order::order(key, keyOf(seq.get(k))) != rankBelow)
             m = k + 1;
         else
             hi = k;
