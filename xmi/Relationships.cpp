@@ -18,12 +18,17 @@ ElementSeq FCAssociationElement::ends() const {
 }
 
 bool FCAssociationElement::involves(const _eString& classId, const _eHndl<Context>& context) const {
+    return endTypeIds(context).contains(classId);
+}
+
+Names FCAssociationElement::endTypeIds(const _eHndl<Context>& context) const {
     ElementSeq all = ends();
+    Names ids;
     for (int i = 0, n = all.size(); i < n; ++i) {
         ElementSeq types = all.get(i)->getContent()->childrenNamed(L"UML:AssociationEnd.type");
-        if (types.get(0)->getContent()->referencedId(context) == classId) return true;
+        ids.add(types.get(0)->getContent()->referencedId(context));
     }
-    return false;
+    return ids;
 }
 
 const Names& FCGeneralizationElement::childNames() {
@@ -42,7 +47,11 @@ const Names& FCGeneralizationElement::innerNames() {
 }
 
 bool FCGeneralizationElement::isChild(const _eString& classId, const _eHndl<Context>& context) const {
-    return getContent()->grandchildAttributeInSet(childNames(), innerNames(), L"xmi.idref", context) == classId;
+    return childId(context) == classId;
+}
+
+_eString FCGeneralizationElement::childId(const _eHndl<Context>& context) const {
+    return getContent()->grandchildAttributeInSet(childNames(), innerNames(), L"xmi.idref", context);
 }
 
 _eHndl<TarvaneSections> FCAssociationElement::sectionsFor(const _eString& classId, const _eHndl<Context>& context) const {

@@ -16,39 +16,70 @@ _eHndl<XMLDictionary> XMLDictionary::add(const _eString& id, const _eFrom<XMLEle
         result->duplicateIds.add(id);
     else
         result->entries.put(id, element);
+    // Either way the id may now be both an entry and a duplicate: one that an earlier merge
+    // dropped, entered again by an ancestor, is one too.
+    if (result->duplicateIds.contains(id)) result->pendingIds.add(id);
     if (auto* association = dynamic_cast<FCAssociationElement*>(element.get())) result->associations.add(association);
     if (auto* generalization = dynamic_cast<FCGeneralizationElement*>(element.get()))
         result->generalizations.add(generalization);
     return result;
 }
 
+// The entries of the result are those of the larger side, less the dropped ids, with the
+// entries of the smaller side that aren't dropped. Only the smaller side is walked: the larger
+// side's keys that a merge drops are either keys of the smaller side, duplicates that the
+// smaller side marks, or the larger side's own pending ids.
 _eHndl<XMLDictionary> XMLDictionary::merge(const XMLDictionary& other) const {
-    Names dropped;
-    for (int i = 0, n = entries.size(); i < n; ++i)
-        if (other.entries.containsKey(entries.at(i).first)) dropped.add(entries.at(i).first);
-    dropped.addAll(duplicateIds);
+    bool otherIsSmaller = other.weight() < weight();
+    const XMLDictionary& large = otherIsSmaller ? *this : other;
+    const XMLDictionary& small = otherIsSmaller ? other : *this;
+    Names dropped = duplicateIds;
     dropped.addAll(other.duplicateIds);
-    ClassMap kept;
-    for (const ClassMap* side : {&entries, &other.entries})
-        for (int i = 0, n = side->size(); i < n; ++i)
-            if (!dropped.contains(side->at(i).first)) kept.put(side->at(i).first, side->at(i).second);
-    Associations allAssociations = associations;
-    allAssociations.addAll(other.associations);
-    Generalizations allGeneralizations = generalizations;
-    allGeneralizations.addAll(other.generalizations);
-    return _eHndl<XMLDictionary>(new XMLDictionary(kept, dropped, allAssociations, allGeneralizations));
+    ClassMap kept = large.entries;
+    Names gone = large.pendingIds;
+    const _eSeq<ClassMap::Entry>& smallEntries = small.entries.elements();
+    for (int i = 0, n = smallEntries.size(); i < n; ++i) {
+        const _eString& id = smallEntries.get(i).first;
+        if (large.entries.containsKey(id)) {
+            dropped.add(id);
+            gone.add(id);
+        }
+    }
+    const _eSeq<_eString>& smallDuplicates = small.duplicateIds.elements();
+    for (int i = 0, n = smallDuplicates.size(); i < n; ++i)
+        if (large.entries.containsKey(smallDuplicates.get(i))) gone.add(smallDuplicates.get(i));
+    for (int i = 0, n = gone.size(); i < n; ++i) kept.remove(gone.elements().get(i));
+    for (int i = 0, n = smallEntries.size(); i < n; ++i)
+        if (!dropped.contains(smallEntries.get(i).first)) kept.put(smallEntries.get(i).first, smallEntries.get(i).second);
+    // Every dropped id is gone from `kept`, so the result has no pending ids.
+    _eHndl<XMLDictionary> result(new XMLDictionary());
+    result->entries = kept;
+    result->duplicateIds = dropped;
+    result->associations = associations;
+    result->associations.addAll(other.associations);
+    result->generalizations = generalizations;
+    result->generalizations.addAll(other.generalizations);
+    return result;
+}
+
+Names XMLDictionary::entriesAmong(const ClassMap& entries, const Names& ids) {
+    Names found;
+    if (ids.size() <= entries.size()) {
+        for (int i = 0, n = ids.size(); i < n; ++i)
+            if (entries.containsKey(ids.elements().get(i))) found.add(ids.elements().get(i));
+    } else {
+        for (int i = 0, n = entries.size(); i < n; ++i)
+            if (ids.contains(entries.elements().get(i).first)) found.add(entries.elements().get(i).first);
+    }
+    return found;
 }
 
 Associations XMLDictionary::associationsOf(const _eString& classId, const _eHndl<Context>& context) const {
-    Associations out;
-    for (int i = 0, n = associations.size(); i < n; ++i)
-        if (associations.at(i)->involves(classId, context)) out.add(associations.at(i));
-    return out;
+    return associationIndex.membersOf(classId, associations,
+                                      [&](const FCAssociationElement& a) { return a.endTypeIds(context); });
 }
 
 Generalizations XMLDictionary::generalizationsOf(const _eString& classId, const _eHndl<Context>& context) const {
-    Generalizations out;
-    for (int i = 0, n = generalizations.size(); i < n; ++i)
-        if (generalizations.at(i)->isChild(classId, context)) out.add(generalizations.at(i));
-    return out;
+    return generalizationIndex.membersOf(classId, generalizations,
+                                         [&](const FCGeneralizationElement& g) { return Names(g.childId(context)); });
 }

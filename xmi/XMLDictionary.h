@@ -7,6 +7,51 @@
 using Associations = _eSet<_eHndl<FCAssociationElement>>;
 using Generalizations = _eSet<_eHndl<FCGeneralizationElement>>;
 
+// The members of a set of relationships by the class ids they name, built on first use, so
+// that asking for the relationships of every class costs one pass over the set, not one per
+// class. A copy starts empty: a dictionary made from another never reads the other's index.
+template <class Element>
+class ClassIdIndex {
+public:
+    using Members = _eSet<_eHndl<Element>>;
+
+    ClassIdIndex() = default;
+    ClassIdIndex(const ClassIdIndex&) {}
+    ClassIdIndex& operator=(const ClassIdIndex&) {
+        built = false;
+        byId = {};
+        return *this;
+    }
+
+    // The members of `all` for which `idsOf` names `classId`, in the order of `all`.
+    template <class IdsOf>
+    Members membersOf(const _eString& classId, const Members& all, IdsOf idsOf) {
+        if (!built) build(all, idsOf);
+        auto [index, end] = byId.lookup(classId);
+        return index == end ? Members() : byId.elements().get(index).second;
+    }
+
+private:
+    template <class IdsOf>
+    void build(const Members& all, IdsOf idsOf) {
+        for (int i = 0, n = all.size(); i < n; ++i) {
+            const _eHndl<Element>& member = all.elements().get(i);
+            Names ids = idsOf(*member);
+            for (int k = 0, m = ids.size(); k < m; ++k) {
+                const _eString& id = ids.elements().get(k);
+                auto [index, end] = byId.lookup(id);
+                Members named = index == end ? Members() : byId.elements().get(index).second;
+                named.add(member);
+                byId.put(id, named);
+            }
+        }
+        built = true;
+    }
+
+    bool built = false;
+    _eMap<_eString, Members> byId;
+};
+
 class XMLDictionary : public _eClass<XMLDictionary, _eAny> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule18, 0};
@@ -14,7 +59,11 @@ public:
     XMLDictionary() = default;
     XMLDictionary(const ClassMap& entries, const Names& duplicateIds, const Associations& associations,
                   const Generalizations& generalizations)
-        : entries(entries), duplicateIds(duplicateIds), associations(associations), generalizations(generalizations) {}
+        : entries(entries),
+          duplicateIds(duplicateIds),
+          associations(associations),
+          generalizations(generalizations),
+          pendingIds(entriesAmong(entries, duplicateIds)) {}
 
     // The one dictionary without entries.
     static const _eHndl<XMLDictionary>& empty();
@@ -40,8 +89,18 @@ public:
     const Generalizations& getGeneralizations() const { return generalizations; }
 
 private:
+    // The ids of `ids` that `entries` holds, found from the smaller side.
+    static Names entriesAmong(const ClassMap& entries, const Names& ids);
+    // Entries and duplicates taken together: the work of a merge goes by the smaller weight.
+    int weight() const { return entries.size() + duplicateIds.size(); }
+
     ClassMap entries;  // id to element
     Names duplicateIds;
     Associations associations;
     Generalizations generalizations;
+    // The duplicate ids that still have an entry (an element and one of its descendants share
+    // the id); the next merge drops them.
+    Names pendingIds;
+    mutable ClassIdIndex<FCAssociationElement> associationIndex;
+    mutable ClassIdIndex<FCGeneralizationElement> generalizationIndex;
 };

@@ -137,6 +137,8 @@ public:
     virtual _eHndl<TarvaneSections> sectionsFor(const _eString& classId, const _eHndl<Context>& context) const;
     // The class of that id stands at one of the ends.
     virtual bool involves(const _eString& classId, const _eHndl<Context>& context) const;
+    // The ids that the ends refer to: the classes that `involves` holds for.
+    Names endTypeIds(const _eHndl<Context>& context) const;
     // The elements at "UML:Association.connection", "UML:AssociationEnd" that name their type by a child.
     ElementSeq ends() const;
 
@@ -156,6 +158,8 @@ public:
     virtual _eHndl<TarvaneOutput> parentOutput(const _eHndl<Context>& context) const;
     // The class of that id is the child of this generalization.
     virtual bool isChild(const _eString& classId, const _eHndl<Context>& context) const;
+    // The id that the child refers to: the one class that `isChild` holds for.
+    _eString childId(const _eHndl<Context>& context) const;
 
     static const Names& childNames();
     static const Names& parentNames();
