@@ -32,6 +32,8 @@ set(MODELBRIDGE_SOURCES
   xml/XMLLex.cpp
   xml/XMLcontent.cpp
   xml/XMLDocument.cpp
+  xml/XMLValues.cpp
+  xml/XMLNames.cpp
   xmi/Context.cpp
   xmi/FCAttributeElement.cpp
   xmi/FCClassElement.cpp

@@ -145,7 +145,7 @@ bool XMLElement::isAbstract(const _eHndl<Context>& context) const {
 _eString XMLElement::canonicalTagName(const _eString& tag) {
     for (const wchar_t* prefix : {L"Model_Management.", L"Foundation.Core.", L"Foundation.Data_Types."}) {
         _eString p = prefix;
-        if (tag.startsWith(p)) return _eString(L"UML:") + tag.drop(p.size());
+        if (tag.startsWith(p)) return XMLNames::shared(_eString(L"UML:") + tag.drop(p.size()));
     }
     return tag;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "runtime/Map.h"
+#include "xml/XMLNames.h"
 #include "xml/XMLValues.h"
 
 class XMLAttribute : public _eClass<XMLAttribute, NonTerminal> {
@@ -9,7 +10,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 11};
 
     XMLAttribute(const _eHndl<XMLString>& name, const _eHndl<XMLAttributeValue>& value)
-        : _eClass(name->getLocation()), name(name->getText()), value(value) {}
+        : _eClass(name->getLocation()), name(XMLNames::shared(name->getText())), value(value) {}
 
     bool equalFields(const XMLAttribute& other) const {
         return NonTerminal::equalFields(other) && name == other.name && value == other.value;
@@ -57,7 +58,7 @@ template <class Self>
 class _aTag : public _eClass<Self, NonTerminal> {
 public:
     _aTag(const _eHndl<Location>& location, const _eHndl<XMLString>& name, const _eHndl<XMLAttributeList>& attributes)
-        : _eClass<Self, NonTerminal>(location), name(name->getText()), attributes(attributes) {}
+        : _eClass<Self, NonTerminal>(location), name(XMLNames::shared(name->getText())), attributes(attributes) {}
 
     bool equalFields(const _aTag& other) const {
         return NonTerminal::equalFields(other) && name == other.name && attributes == other.attributes;

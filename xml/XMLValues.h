@@ -17,6 +17,11 @@ public:
 
     explicit XMLCharValue(wchar_t character) : character(character) {}
 
+    // The value of a byte-sized character, one object per character shared by every list:
+    // values never change, so holding the same object costs a count instead of a block.
+    // Wider characters get an object of their own.
+    static _eFrom<XMLEntityValueElement> of(wchar_t character);
+
     bool equalFields(const XMLCharValue& other) const { return character == other.character; }
     _eString text(const _eHndl<Context>&) const override { return _eString(character); }
 
@@ -63,12 +68,12 @@ public:
     }
 
     virtual void addReference(const _eFrom<XMLReference>& reference) { append(new XMLReferenceValue(reference)); }
-    virtual void addCharacter(const _eHndl<Terminal>& terminal) { append(new XMLCharValue(terminal->getCharacter())); }
+    virtual void addCharacter(const _eHndl<Terminal>& terminal) { append(XMLCharValue::of(terminal->getCharacter())); }
 
     const ValueElements& getElements() const { return elements; }
 
 protected:
-    void append(XMLEntityValueElement* element) {
+    void append(const _eFrom<XMLEntityValueElement>& element) {
         _eFreeze freeze(this);
         elements.pushBack(element);
     }

@@ -1,0 +1,155 @@
+// The id dictionary of random trees against a plain model of its rules, the index of
+// relationships by class, and the table of shared names.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <set>
+
+#include "support/ParseRun.h"
+#include "xml/XMLDocument.h"
+#include "xml/XMLNames.h"
+
+namespace {
+
+// The rules of the dictionary on plain containers: a left fold of merges over the children,
+// then the element's own id.
+struct PlainDictionary {
+    std::map<std::wstring, const XMLElement*> entries;
+    std::set<std::wstring> duplicates;
+
+    void add(const std::wstring& id, const XMLElement* element) {
+        if (entries.count(id) != 0)
+            duplicates.insert(id);
+        else
+            entries[id] = element;
+    }
+
+    static PlainDictionary merge(const PlainDictionary& a, const PlainDictionary& b) {
+        PlainDictionary out;
+        out.duplicates = a.duplicates;
+        out.duplicates.insert(b.duplicates.begin(), b.duplicates.end());
+        for (const auto& [id, element] : a.entries)
+            if (b.entries.count(id) != 0) out.duplicates.insert(id);
+        for (const auto* side : {&a, &b})
+            for (const auto& [id, element] : side->entries)
+                if (out.duplicates.count(id) == 0) out.entries[id] = element;
+        return out;
+    }
+
+    static PlainDictionary of(const XMLElement& element) {
+        PlainDictionary folded;
+        bool first = true;
+        const auto& items = element.getContent()->getItems();
+        for (int i = 0; i < items.size(); ++i) {
+            auto* child = dynamic_cast<const XMLElement*>(items.get(i).get());
+            if (child == nullptr) continue;
+            folded = first ? of(*child) : merge(folded, of(*child));
+            first = false;
+        }
+        if (element.hasAttribute(L"xmi.id"))
+            folded.add(toWString(element.attributeText(L"xmi.id", Context::shared())), &element);
+        return folded;
+    }
+};
+
+// Nested elements whose ids come from a small pool, so that siblings, cousins and ancestors
+// share ids in every combination.
+void randomElement(std::mt19937& random, int depth, std::string& out) {
+    out += "<e";
+    if (random() % 4 != 0) out += " xmi.id='i" + std::to_string(random() % 7) + "'";
+    out += ">";
+    int children = depth >= 4 ? 0 : int(random() % 4);
+    for (int i = 0; i < children; ++i) randomElement(random, depth + 1, out);
+    out += "</e>";
+}
+
+}  // namespace
+
+TEST(XMLDictionary, RandomTreesFollowTheRulesOfMerge) {
+    std::mt19937 random(20261123);
+    for (int round = 0; round < 300; ++round) {
+        std::string text;
+        randomElement(random, 0, text);
+        ParseOutcome parsed = parseText(text);
+        ASSERT_TRUE(parsed.accepted) << text;
+        auto* document = dynamic_cast<XMLDocument*>(parsed.result.get());
+        const XMLElement& root = *document->getRoot();
+        PlainDictionary expected = PlainDictionary::of(root);
+        _eHndl<XMLDictionary> actual = root.dictionary();
+
+        ASSERT_EQ(actual->getEntries().size(), int(expected.entries.size())) << text;
+        for (const auto& [id, element] : expected.entries) {
+            _eFrom<XMLElement> found = actual->lookup(_eString(std::wstring_view(id)));
+            ASSERT_FALSE(found.isNull()) << text;
+            EXPECT_EQ(found.get(), element) << text;
+        }
+        ASSERT_EQ(actual->getDuplicateIds().size(), int(expected.duplicates.size())) << text;
+        for (const std::wstring& id : expected.duplicates)
+            EXPECT_TRUE(actual->getDuplicateIds().contains(_eString(std::wstring_view(id)))) << text;
+    }
+}
+
+TEST(XMLDictionary, RelationshipsOfAClassFollowLaterAdditions) {
+    auto association = [](const char* id, const char* classId) {
+        return std::string("<UML:Association xmi.id='") + id +
+               "'><UML:Association.connection><UML:AssociationEnd><UML:AssociationEnd.type><UML:Class xmi.idref='" +
+               classId + "'/></UML:AssociationEnd.type></UML:AssociationEnd></UML:Association.connection></UML:Association>";
+    };
+    auto generalization = [](const char* id, const char* child) {
+        return std::string("<UML:Generalization xmi.id='") + id +
+               "'><UML:Generalization.child><UML:Class xmi.idref='" + child +
+               "'/></UML:Generalization.child></UML:Generalization>";
+    };
+    ParseOutcome parsed =
+        parseText("<r>" + association("as1", "A") + association("as2", "B") + generalization("g1", "A") + "</r>");
+    ParseOutcome later = parseText("<s>" + association("as3", "A") + generalization("g2", "A") + "</s>");
+    ASSERT_TRUE(parsed.accepted && later.accepted);
+    _eHndl<XMLDictionary> first = dynamic_cast<XMLDocument*>(parsed.result.get())->getRoot()->dictionary();
+    _eHndl<Context> context(new Context(first));
+
+    // Asking builds the index of the first dictionary.
+    ASSERT_EQ(first->associationsOf(L"A", context).size(), 1);
+    EXPECT_EQ(first->associationsOf(L"B", context).size(), 1);
+    EXPECT_EQ(first->associationsOf(L"C", context).size(), 0);
+    EXPECT_EQ(first->generalizationsOf(L"A", context).size(), 1);
+
+    // Dictionaries made from it, by adding or by merging, see their own sets.
+    const XMLElement& more = *dynamic_cast<XMLDocument*>(later.result.get())->getRoot();
+    const auto& items = more.getContent()->getItems();
+    _eFrom<XMLElement> extraAssociation(dynamic_cast<XMLElement*>(items.get(0).get()));
+    _eHndl<XMLDictionary> added = first->add(L"as3", extraAssociation);
+    EXPECT_EQ(added->associationsOf(L"A", context).size(), 2);
+    EXPECT_EQ(first->associationsOf(L"A", context).size(), 1);
+    _eHndl<XMLDictionary> merged = first->merge(*more.dictionary());
+    EXPECT_EQ(merged->associationsOf(L"A", context).size(), 2);
+    EXPECT_EQ(merged->generalizationsOf(L"A", context).size(), 2);
+    EXPECT_EQ(merged->associationsOf(L"B", context).size(), 1);
+    // Relationships keep the order of the dictionary's sets.
+    Associations all = merged->getAssociations();
+    Associations ofA = merged->associationsOf(L"A", context);
+    int at = 0;
+    for (int i = 0; i < all.size(); ++i)
+        if (at < ofA.size() && all.at(i).get() == ofA.at(at).get()) ++at;
+    EXPECT_EQ(at, ofA.size());
+}
+
+TEST(XMLNames, EqualNamesShareOneStringWithinBounds) {
+    _eString first = XMLNames::shared(_eString(L"UML:Class.shared-name-test"));
+    _eString again = XMLNames::shared(_eString(L"UML:Class.shared-name-test"));
+    EXPECT_EQ(first.rootNode(), again.rootNode());
+
+    std::wstring tooLong(XMLNames::longest + 1, L'n');
+    _eString longOne = XMLNames::shared(_eString(std::wstring_view(tooLong)));
+    _eString longAgain = XMLNames::shared(_eString(std::wstring_view(tooLong)));
+    EXPECT_TRUE(longOne == longAgain);
+    EXPECT_NE(longOne.rootNode(), longAgain.rootNode());
+
+    // Once the table is full, new names come back as given and equal names stay apart.
+    for (int i = 0; i < XMLNames::capacity; ++i) XMLNames::shared(_eString(std::wstring_view(L"filler" + std::to_wstring(i))));
+    _eString late = XMLNames::shared(_eString(L"late-name"));
+    _eString lateAgain = XMLNames::shared(_eString(L"late-name"));
+    EXPECT_TRUE(late == lateAgain);
+    EXPECT_NE(late.rootNode(), lateAgain.rootNode());
+    EXPECT_EQ(XMLNames::shared(_eString(L"UML:Class.shared-name-test")).rootNode(), first.rootNode());
+}
