@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <limits>
 #include <string>
 
 #include "environment/Paths.h"
@@ -92,7 +93,8 @@ void Environment::fileSize(const _eHndl<FileRef>& file, std::int32_t& size, File
     long here = std::ftell(stream);
     if (here < 0 || std::fseek(stream, 0, SEEK_END) != 0) return;
     long end = std::ftell(stream);
-    if (end < 0) return;
+    // A size beyond 32 bits has no answer; a directory claims the largest offset there is.
+    if (end < 0 || end > std::numeric_limits<std::int32_t>::max()) return;
     size = std::int32_t(end);
     if (std::fseek(stream, here, SEEK_SET) != 0) return;
     error = FileError::success;

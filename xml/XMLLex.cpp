@@ -106,7 +106,7 @@ void XMLLex::advance() {
 
 void XMLLex::nextToken(_eHndl<Terminal>& token) {
     advance();
-    if (bytesLeft == 0 && currentChar == 10) {
+    if (bytesLeft <= 0 && currentChar == 10) {
         token = new SimpleTerminal(location, Token::endOfFile);
         return;
     }

@@ -74,6 +74,14 @@ TEST_F(Parsing, AMissingFileFailsAndItsErrorStays) {
     EXPECT_FALSE(success);
 }
 
+TEST_F(Parsing, ADirectoryIsRefusedAndTheParseEnds) {
+    std::filesystem::create_directory(dir / "folder.xmi");
+    XMLImporter importer(env.get());
+    EXPECT_FALSE(parse(importer, "folder.xmi"));
+    EXPECT_EQ(importer.numErrors(), 1);
+    EXPECT_NE(diagnostics(importer).find(toWString(path("folder.xmi"))), std::wstring::npos);
+}
+
 TEST_F(Parsing, ASyntaxErrorStopsTheParseAtItsLine) {
     dir.write("bad.xmi", "<XMI>\n<a>\n<b x=1/>\n</a>\n</XMI>\n");
     XMLImporter importer(env.get());
