@@ -11,6 +11,7 @@ set(MODELBRIDGE_SOURCES
   runtime/SystemModules.cpp
   runtime/TypeInfo.cpp
   runtime/UrelException.cpp
+  environment/DirectoryListings.cpp
   environment/Environment.cpp
   environment/FileName.cpp
   environment/FileStats.cpp

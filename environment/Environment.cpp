@@ -11,6 +11,7 @@
 #include <limits>
 #include <string>
 
+#include "environment/DirectoryListings.h"
 #include "environment/Paths.h"
 #include "environment/PlatformText.h"
 #include "runtime/Profiler.h"
@@ -63,7 +64,7 @@ _eUnion Environment::open(const _eString& path, const FileModes& modes) const {
     std::string mode;
     for (const char* m = modeText(modes, exists); *m != '\0'; ++m)
         if (*m != 't') mode.push_back(*m);
-    std::FILE* stream = std::fopen(toPlatformText(path).c_str(), mode.c_str());
+    std::FILE* stream = DirectoryListings::openCreating(toPlatformText(path), mode.c_str());
     if (stream == nullptr) return failure(openFailure(errno));
     if (append && exists) std::fseek(stream, 0, SEEK_END);
     return _eHndl<FileRef>(new FileRef(stream, modes.contains(FileModeType::create) || append));

@@ -1,6 +1,5 @@
 #include "environment/Paths.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "environment/DirectoryListings.h"
 #include "environment/PlatformText.h"
 
 namespace {
@@ -22,36 +22,13 @@ std::string workingDirectory() {
     return buffer;
 }
 
-bool asciiEqualIgnoringCase(const std::string& a, const std::string& b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        char x = a[i], y = b[i];
-        if (x >= 'A' && x <= 'Z') x = char(x - 'A' + 'a');
-        if (y >= 'A' && y <= 'Z') y = char(y - 'A' + 'a');
-        if (x != y) return false;
-    }
-    return true;
-}
-
 // The spelling of `component` in `directory`: itself if it exists so, else the one entry that
 // matches it ignoring case. Empty if neither.
 std::string spelledEntry(const std::string& directory, const std::string& component) {
     struct stat status;
     std::string exact = directory + "/" + component;
     if (lstat(exact.c_str(), &status) == 0) return component;
-    DIR* dir = opendir(directory.empty() ? "/" : directory.c_str());
-    if (dir == nullptr) return {};
-    std::string found;
-    int matches = 0;
-    while (const dirent* entry = readdir(dir)) {
-        std::string name = entry->d_name;
-        if (asciiEqualIgnoringCase(name, component)) {
-            found = name;
-            ++matches;
-        }
-    }
-    closedir(dir);
-    return matches == 1 ? found : std::string();
+    return DirectoryListings::uniqueMatch(directory, component);
 }
 
 }  // namespace

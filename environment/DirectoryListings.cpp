@@ -1,0 +1,126 @@
+#include "environment/DirectoryListings.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <ctime>
+#include <map>
+#include <unordered_map>
+
+namespace {
+
+constexpr std::time_t settleSeconds = 2;
+constexpr std::size_t keptDirectories = 16;
+
+// What changes when a directory's entries change.
+struct Stamp {
+    dev_t device = 0;
+    ino_t inode = 0;
+    timespec modified{};
+    timespec changed{};
+
+    bool operator==(const Stamp& other) const {
+        return device == other.device && inode == other.inode && modified.tv_sec == other.modified.tv_sec &&
+               modified.tv_nsec == other.modified.tv_nsec && changed.tv_sec == other.changed.tv_sec &&
+               changed.tv_nsec == other.changed.tv_nsec;
+    }
+};
+
+bool stampOf(const std::string& directory, Stamp& stamp) {
+    struct stat status;
+    if (stat(directory.c_str(), &status) != 0) return false;
+    stamp = {status.st_dev, status.st_ino, status.st_mtim, status.st_ctim};
+    return true;
+}
+
+std::string folded(const std::string& name) {
+    std::string out = name;
+    for (char& c : out)
+        if (c >= 'A' && c <= 'Z') c = char(c - 'A' + 'a');
+    return out;
+}
+
+struct Listing {
+    Stamp stamp;
+    bool trusted = false;
+    bool ownChange = false;  // `stamp` is what the library's own last creation left
+    struct Entry {
+        std::string spelling;
+        int count = 0;
+    };
+    std::unordered_map<std::string, Entry> byFolded;
+
+    void add(const std::string& name) {
+        Entry& entry = byFolded[folded(name)];
+        entry.spelling = name;
+        ++entry.count;
+    }
+};
+
+std::map<std::string, Listing>& listings() {
+    static std::map<std::string, Listing> kept;
+    return kept;
+}
+
+bool settled(const Stamp& stamp) {
+    timespec now{};
+    timespec_get(&now, TIME_UTC);
+    return now.tv_sec - stamp.modified.tv_sec > settleSeconds;
+}
+
+// The listing of `directory` as it is now, read again unless the kept one can be trusted.
+const Listing* currentListing(const std::string& directory) {
+    Stamp now;
+    if (!stampOf(directory, now)) return nullptr;
+    auto& kept = listings();
+    auto found = kept.find(directory);
+    if (found != kept.end() && found->second.stamp == now && found->second.trusted) return &found->second;
+    bool ownChange = found != kept.end() && found->second.stamp == now && found->second.ownChange;
+    DIR* dir = opendir(directory.c_str());
+    if (dir == nullptr) return nullptr;
+    Listing listing;
+    while (const dirent* entry = readdir(dir)) listing.add(entry->d_name);
+    closedir(dir);
+    listing.stamp = now;
+    listing.trusted = ownChange || settled(now);
+    listing.ownChange = ownChange;
+    if (kept.size() >= keptDirectories && found == kept.end()) kept.clear();
+    return &(kept[directory] = std::move(listing));
+}
+
+}  // namespace
+
+std::string DirectoryListings::uniqueMatch(const std::string& directory, const std::string& component) {
+    const Listing* listing = currentListing(directory.empty() ? "/" : directory);
+    if (listing == nullptr) return {};
+    auto entry = listing->byFolded.find(folded(component));
+    if (entry == listing->byFolded.end() || entry->second.count != 1) return {};
+    return entry->second.spelling;
+}
+
+std::FILE* DirectoryListings::openCreating(const std::string& path, const char* mode) {
+    std::size_t cut = path.rfind('/');
+    std::string directory = cut == std::string::npos ? "." : cut == 0 ? "/" : path.substr(0, cut);
+    auto& kept = listings();
+    auto found = kept.find(directory);
+    if (found == kept.end()) return std::fopen(path.c_str(), mode);
+    Stamp before;
+    struct stat status;
+    bool known = stampOf(directory, before) && before == found->second.stamp;
+    bool existed = lstat(path.c_str(), &status) == 0;
+    std::FILE* stream = std::fopen(path.c_str(), mode);
+    int error = errno;
+    Stamp after;
+    if (stream != nullptr && !existed && known && stampOf(directory, after)) {
+        found->second.add(path.substr(cut + 1));
+        found->second.stamp = after;
+        found->second.ownChange = true;
+    } else if (!(known && (existed || stream == nullptr))) {
+        kept.erase(found);
+    }
+    errno = error;
+    return stream;
+}
+
+void DirectoryListings::clear() { listings().clear(); }

@@ -1,0 +1,28 @@
+// The entries of directories by their ASCII lower-case form, kept between lookups.
+//
+// Writing one file per class into a directory looks up the spelling of every new name, and
+// each lookup would otherwise read the whole directory: work that grows with the square of
+// the number of files. A listing is used again while the directory's identity and times are
+// unchanged and the listing can be trusted:
+// - a listing read later than two seconds (longer than the coarsest file time stamp) after
+//   the directory's last change is complete, since any change after it moves the times on;
+// - a file created through `openCreating` is added to the listing of its directory, so the
+//   library's own changes keep it valid; a listing read when the last change was the library's
+//   own is complete too.
+// What stays unseen is a change by another process to the same directory within the same
+// clock tick as one of the library's own creations there.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+class DirectoryListings {
+public:
+    // The one entry of `directory` that equals `component` ignoring ASCII case, or empty when
+    // there are none or several, or the directory can't be read.
+    static std::string uniqueMatch(const std::string& directory, const std::string& component);
+    // `std::fopen(path, mode)`, keeping the listing of the file's directory up to date.
+    static std::FILE* openCreating(const std::string& path, const char* mode);
+    // Forgets every listing.
+    static void clear();
+};
