@@ -64,7 +64,7 @@ bool parse(XMLImporter& importer, const std::string& path) {
 // Generates every class of a parsed model; false when a generation failed.
 bool generateAll(XMLImporter& importer, const std::string& directory) {
     _eSeq<_eString> names = importer.getClassList();
-    _eString into = fromPlatformText(directory);
+    _eString into = fromPlatformText(directory + "/");
     bool success = true;
     for (int i = 0, n = names.size(); i < n && success; ++i) importer.generateClassFile(into, names.get(i), success);
     return success && names.size() > 0;
