@@ -27,7 +27,21 @@ ParseTables ParseTables::build(const ParseTableData& data) {
         for (std::int32_t c = 0; c < data.recovery[i].closerCount; ++c) closers.add(data.recovery[i].closers[c]);
         t.recovery.pushBack({data.recovery[i].opening, closers});
     }
+    t.flatTerminal = FlatActionTable(t.terminal);
+    t.flatNonTerminal = FlatActionTable(t.nonTerminal);
+    _eSeqReader<ReduceTableEntry> reductions(t.reductions);
+    for (int i = 0, n = t.reductions.size(); i < n; ++i) t.flatReductions.push_back(reductions.next());
     return t;
+}
+
+FlatActionTable::FlatActionTable(const ActionTable& table) {
+    rowStart.push_back(0);
+    for (int state = 0, n = table.size(); state < n; ++state) {
+        const _eSeq<ActionTableEntry>& row = table.get(state);
+        _eSeqReader<ActionTableEntry> reader(row);
+        for (int i = 0, m = row.size(); i < m; ++i) entries.push_back(reader.next());
+        rowStart.push_back(std::uint32_t(entries.size()));
+    }
 }
 
 const _eSeq<_ePair<ActionName::_eEnum, _eString>>& actionDisplayNames() {

@@ -11,11 +11,15 @@ public:
 
     bool equalFields(const XMLParser& other) const { return Parser::equalFields(other); }
 
-    ActionTableEntry terminalAction(std::int32_t token) const override { return lookupEntry(tables().terminal, token); }
-    ActionTableEntry nonTerminalAction(std::int32_t nonTerminal) const override {
-        return lookupEntry(tables().nonTerminal, nonTerminal);
+    ActionTableEntry terminalAction(std::int32_t token) const override {
+        return tables().flatTerminal.find(getState(), token);
     }
-    ReduceTableEntry reduction(std::int32_t production) const override { return tables().reductions.get(production); }
+    ActionTableEntry nonTerminalAction(std::int32_t nonTerminal) const override {
+        return tables().flatNonTerminal.find(getState(), nonTerminal);
+    }
+    ReduceTableEntry reduction(std::int32_t production) const override {
+        return tables().flatReductions[std::size_t(production)];
+    }
     void reduceAction(std::int32_t semanticAction) override;
     RecoveryTable recoveryTable() const override { return tables().recovery; }
 

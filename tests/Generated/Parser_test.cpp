@@ -107,6 +107,27 @@ TEST(ParserSearch, LookupEntryInRowsOfEveryLength) {
     EXPECT_EQ(toWString(actionDisplayName(ActionName::sh_red)), L"Shift Reduce");
 }
 
+TEST(ParserSearch, FlatTablesAnswerAsTheRowsDo) {
+    BracketParser parser(ParseControl::shared(), 0);
+    for (const ParseTables* tables : {&XMLParser::tables(), &BracketParser::tables()}) {
+        for (int state = -1; state <= tables->terminal.size(); ++state) {
+            for (int symbol = -2; symbol < 300; ++symbol) {
+                ActionTableEntry expected = state < 0 || state == tables->terminal.size()
+                                                ? ActionTableEntry{0, ActionName::error, 0}
+                                                : parser.search(tables->terminal, symbol, state);
+                ASSERT_EQ(tables->flatTerminal.find(state, symbol), expected) << state << " " << symbol;
+                if (state >= 0 && state < tables->nonTerminal.size()) {
+                    ASSERT_EQ(tables->flatNonTerminal.find(state, symbol), parser.search(tables->nonTerminal, symbol, state))
+                        << state << " " << symbol;
+                }
+            }
+        }
+        ASSERT_EQ(int(tables->flatReductions.size()), tables->reductions.size());
+        for (int p = 0; p < tables->reductions.size(); ++p)
+            EXPECT_TRUE(tables->flatReductions[std::size_t(p)] == tables->reductions.get(p));
+    }
+}
+
 TEST(ParserRecovery, ErrorProductionsAndSkippedBrackets) {
     BracketParser good(ParseControl::shared(), 0);
     feed(good, "a;(a;);b;bc;");
