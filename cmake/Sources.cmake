@@ -5,6 +5,7 @@ set(MODELBRIDGE_SOURCES
   runtime/Heap.cpp
   runtime/ModuleDescriptor.cpp
   runtime/Pool.cpp
+  runtime/Release.cpp
   runtime/Profiler.cpp
   runtime/StorageStream.cpp
   runtime/StringUtils.cpp

@@ -17,9 +17,15 @@ inline T* take(T* object) {
     return object;
 }
 
+// Deletes an object whose last count has gone. Deleting releases what the object holds, which
+// may delete more, down the deepest path through the objects; past a fixed depth the objects
+// wait in a list that the outermost deletion works off, so the machine stack stays shallow
+// whatever the depth of a tree.
+MB_API void destroy(const _eAnyBase* object);
+
 template <class T>
 inline void drop(T* object) {
-    if (object != nullptr && object->dropCount()) delete object;
+    if (object != nullptr && object->dropCount()) destroy(object);
 }
 
 // Moves the holder of a shared object to a fresh clone of it. A frozen object is left alone.
