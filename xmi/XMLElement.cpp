@@ -1,5 +1,7 @@
 #include "xmi/XMLElement.h"
 
+#include <vector>
+
 #include "output/ReservedWords.h"
 #include "xmi/XMLDictionary.h"
 
@@ -79,10 +81,33 @@ _eHndl<TarvaneOutput> XMLElement::referencedType(const _eHndl<Context>& context)
 
 ClassMap XMLElement::classMap() const { return {}; }
 
+// The dictionary of the subtree, built bottom-up with a stack of its own rather than by
+// recursion, so that the nesting of the input doesn't decide the depth of the machine stack.
+// Each element folds its children's dictionaries from the left, then enters its own id.
 _eHndl<XMLDictionary> XMLElement::dictionary() const {
-    _eHndl<XMLDictionary> below = content->dictionary();
-    if (!hasAttribute(L"xmi.id")) return below;
-    return below->add(attributeText(L"xmi.id", Context::shared()), const_cast<XMLElement*>(this));
+    struct Frame {
+        const XMLElement* element;
+        ElementSeq children;
+        int next;
+        _eHndl<XMLDictionary> folded;  // of the children done so far
+    };
+    std::vector<Frame> frames;
+    frames.push_back({this, content->childElements(), 0, {}});
+    while (true) {
+        Frame& top = frames.back();
+        if (top.next < top.children.size()) {
+            const XMLElement* child = top.children.get(top.next++).get();
+            frames.push_back({child, child->content->childElements(), 0, {}});
+            continue;
+        }
+        _eHndl<XMLDictionary> done = top.folded.isNull() ? XMLDictionary::empty() : top.folded;
+        if (top.element->hasAttribute(L"xmi.id"))
+            done = done->add(top.element->attributeText(L"xmi.id", Context::shared()), const_cast<XMLElement*>(top.element));
+        frames.pop_back();
+        if (frames.empty()) return done;
+        Frame& parent = frames.back();
+        parent.folded = parent.folded.isNull() ? done : parent.folded->merge(*done);
+    }
 }
 
 _eString XMLElement::attributeText(const _eString& attribute, const _eHndl<Context>& context) const {

@@ -23,6 +23,9 @@ public:
     virtual _eHndl<TarvaneOutput> typeOf(const _eString& elementName, const _eHndl<Context>& context) const;
     virtual _eHndl<TarvaneOutput> referencedType(const _eHndl<Context>& context) const;
     virtual ClassMap classMap() const;
+    // The names of the children that an element on the path to the classes descends into;
+    // null for every other element.
+    virtual const Names* pathDescent() const { return nullptr; }
 
     _eHndl<XMLDictionary> dictionary() const;
     // The attribute's text if it is there, else the child element's "xmi.value" or text; "?" if neither.
@@ -77,6 +80,7 @@ private:
     _eHndl<TarvaneOutput> generateClasses(const Names& classNames, const _eHndl<Context>& context) const \
         override;                                                                                        \
     ClassMap classMap() const override;                                                                  \
+    const Names* pathDescent() const override { return &descent(); }                                     \
     static const Names& descent();
 
 #define MB_FEATURE_MEMBERS _eHndl<TarvaneSections> generateSections(const _eHndl<Context>& context) const override;

@@ -36,8 +36,12 @@ bool XMLcontent::equalFields(const XMLcontent& other) const {
     return NonTerminal::equalFields(other) && items == other.items;
 }
 
+ElementSeq XMLcontent::childElements() const {
+    return elementsWhere(items, [](const XMLElement&) { return true; });
+}
+
 _eHndl<XMLDictionary> XMLcontent::dictionary() const {
-    ElementSeq children = elementsWhere(items, [](const XMLElement&) { return true; });
+    ElementSeq children = childElements();
     if (children.isEmpty()) return XMLDictionary::empty();
     _eHndl<XMLDictionary> result = children.get(0)->dictionary();
     for (int i = 1, n = children.size(); i < n; ++i) result = result->merge(*children.get(i)->dictionary());

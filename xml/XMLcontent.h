@@ -25,6 +25,8 @@ public:
     bool equalFields(const XMLcontent& other) const;
 
     virtual _eHndl<XMLDictionary> dictionary() const;
+    // The items that are elements, in order.
+    ElementSeq childElements() const;
     virtual bool hasChild(const _eString& name) const;
     virtual _eHndl<TarvaneOutput> generateNamed(const Names& classNames, const _eString& name,
                                                 const _eHndl<Context>& context) const;
