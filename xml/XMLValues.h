@@ -9,6 +9,8 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 0};
 
     virtual _eString text(const _eHndl<Context>& context) const = 0;
+    // Appends the text to `out`: a value is read one element after another.
+    virtual void appendText(_eString& out, const _eHndl<Context>& context) const { out.appendAll(text(context)); }
 };
 
 class XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
@@ -24,6 +26,7 @@ public:
 
     bool equalFields(const XMLCharValue& other) const { return character == other.character; }
     _eString text(const _eHndl<Context>&) const override { return _eString(character); }
+    void appendText(_eString& out, const _eHndl<Context>&) const override { out.pushBack(character); }
 
 private:
     wchar_t character;
@@ -99,7 +102,7 @@ public:
     virtual _eString text(const _eHndl<Context>& context) const {
         _eString out;
         const ValueElements& elements = getElements();
-        for (int i = 0, n = elements.size(); i < n; ++i) out = out + elements.get(i)->text(context);
+        for (int i = 0, n = elements.size(); i < n; ++i) elements.get(i)->appendText(out, context);
         return out;
     }
 };
