@@ -1,0 +1,31 @@
+// Any bytes through the whole path: parse, analyse, list, generate every class one by one and
+// all together. Nothing may crash; failures come back as data.
+#include <cstdint>
+
+#include "FuzzInput.h"
+#include "Generated/XMLImporter.h"
+#include "environment/PlatformText.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static _eHndl<Environment> environment(new Environment());
+    std::string path = writeInput(data, size);
+    XMLImporter importer(environment.get());
+    bool success = false;
+    importer.attemptParse(fromPlatformText(path), _eString(), success);
+    importer.getParseDiagnostics();
+    importer.getErrorList(true);
+    importer.getMostSevereErrorMsg();
+    if (!success) return 0;
+    _eString directory = fromPlatformText(fuzzDirectory() + "/");
+    _eSeq<_eString> names = importer.getClassList();
+    Names all;
+    for (int i = 0; i < names.size(); ++i) {
+        all.add(names.get(i));
+        bool generated = false;
+        if (i < 8) importer.generateClassFile(directory, names.get(i), generated);
+    }
+    bool generated = false;
+    importer.generateSingleFile(directory, L"all", all, generated);
+    importer.getErrorList(false);
+    return 0;
+}
