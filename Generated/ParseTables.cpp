@@ -1,5 +1,7 @@
 #include "Generated/ParseTables.h"
 
+#include <algorithm>
+
 namespace {
 
 // Rows of all blocks, in order of states.
@@ -34,13 +36,21 @@ ParseTables ParseTables::build(const ParseTableData& data) {
     return t;
 }
 
-FlatActionTable::FlatActionTable(const ActionTable& table) {
-    rowStart.push_back(0);
-    for (int state = 0, n = table.size(); state < n; ++state) {
+FlatActionTable::FlatActionTable(const ActionTable& table) : states(table.size()) {
+    for (int state = 0; state < states; ++state) {
+        const _eSeq<ActionTableEntry>& row = table.get(state);
+        if (!row.isEmpty()) width = std::max(width, row.get(row.size() - 1).symbol + 1);
+    }
+    cells.assign(std::size_t(states) * std::size_t(width), std::uint32_t(ActionName::error));
+    for (int state = 0; state < states; ++state) {
         const _eSeq<ActionTableEntry>& row = table.get(state);
         _eSeqReader<ActionTableEntry> reader(row);
-        for (int i = 0, m = row.size(); i < m; ++i) entries.push_back(reader.next());
-        rowStart.push_back(std::uint32_t(entries.size()));
+        for (int i = 0, n = row.size(); i < n; ++i) {
+            const ActionTableEntry& entry = reader.next();
+            if (entry.symbol < 0) continue;  // no byte or nonterminal has a negative code
+            cells[std::size_t(state) * std::size_t(width) + std::size_t(entry.symbol)] =
+                std::uint32_t(entry.action) | (std::uint32_t(entry.parameter) << actionBits);
+        }
     }
 }
 

@@ -13,32 +13,31 @@ using ActionTable = _eSeq<_eSeq<ActionTableEntry>>;
 using ReduceTable = _eSeq<ReduceTableEntry>;
 using RecoveryTable = _eSeq<_ePair<int, _eSet<int>>>;
 
-// An action table's rows side by side in one array, for the search that runs once per input
-// byte: the entries of the `_eSeq` rows, reached without a walk down two trees.
+// An action table laid out as one dense grid of state by symbol, for the lookup that runs
+// once per input byte: the entries of the `_eSeq` rows, found by one index instead of a walk
+// down two trees and a search. Each cell packs the action and its parameter into one word.
 class FlatActionTable {
 public:
     FlatActionTable() = default;
     explicit FlatActionTable(const ActionTable& table);
 
-    // The entry for `symbol` in row `state`, found by a binary search; an error entry if the
-    // row has none.
+    // The entry for `symbol` in row `state`; an error entry if the row has none.
     ActionTableEntry find(std::int32_t state, std::int32_t symbol) const {
-        if (state < 0 || std::size_t(state) + 1 >= rowStart.size()) return {0, ActionName::error, 0};
-        const ActionTableEntry* base = entries.data() + rowStart[std::size_t(state)];
-        std::size_t length = rowStart[std::size_t(state) + 1] - rowStart[std::size_t(state)];
-        if (length == 0) return {0, ActionName::error, 0};
-        // Halving without branches on the data: the next input byte is as good as random here.
-        while (length > 1) {
-            std::size_t half = length / 2;
-            base = base[half].symbol <= symbol ? base + half : base;
-            length -= half;
-        }
-        return base->symbol == symbol ? *base : ActionTableEntry{0, ActionName::error, 0};
+        if (std::uint32_t(state) >= std::uint32_t(states) || std::uint32_t(symbol) >= std::uint32_t(width))
+            return {0, ActionName::error, 0};
+        std::uint32_t cell = cells[std::size_t(state) * std::size_t(width) + std::size_t(symbol)];
+        auto action = ActionName::_eEnum(cell & actionMask);
+        if (action == ActionName::error) return {0, ActionName::error, 0};
+        return {symbol, action, std::int32_t(cell >> actionBits)};
     }
 
 private:
-    std::vector<std::uint32_t> rowStart;  // where each row begins, and where the last one ends
-    std::vector<ActionTableEntry> entries;
+    static constexpr std::uint32_t actionBits = 3;
+    static constexpr std::uint32_t actionMask = (1u << actionBits) - 1;
+
+    std::int32_t states = 0;
+    std::int32_t width = 0;  // one more than the largest symbol of any row
+    std::vector<std::uint32_t> cells;
 };
 
 // The four tables of one grammar, built from its generated blocks.
