@@ -168,11 +168,13 @@ bool XMLElement::isAbstract(const _eHndl<Context>& context) const {
 }
 
 _eString XMLElement::canonicalTagName(const _eString& tag) {
-    for (const wchar_t* prefix : {L"Model_Management.", L"Foundation.Core.", L"Foundation.Data_Types."}) {
-        _eString p = prefix;
-        if (tag.startsWith(p)) return XMLNames::shared(_eString(L"UML:") + tag.drop(p.size()));
-    }
-    return tag;
+    return XMLNames::derived(tag, [](const _eString& written) -> _eString {
+        for (const wchar_t* prefix : {L"Model_Management.", L"Foundation.Core.", L"Foundation.Data_Types."}) {
+            _eString p = prefix;
+            if (written.startsWith(p)) return _eString(L"UML:") + written.drop(p.size());
+        }
+        return written;
+    });
 }
 
 _eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,

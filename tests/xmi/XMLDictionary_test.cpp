@@ -145,6 +145,20 @@ TEST(XMLNames, EqualNamesShareOneStringWithinBounds) {
     EXPECT_TRUE(longOne == longAgain);
     EXPECT_NE(longOne.rootNode(), longAgain.rootNode());
 
+    // A derived name is worked out once and then shared; an overlong one every time.
+    static int derivations = 0;
+    auto mark = [](const _eString& name) -> _eString {
+        ++derivations;
+        return name + _eString(L"!");
+    };
+    _eString derived = XMLNames::derived(_eString(L"derived-name-test"), mark);
+    EXPECT_EQ(toWString(derived), L"derived-name-test!");
+    EXPECT_EQ(XMLNames::derived(_eString(L"derived-name-test"), mark).rootNode(), derived.rootNode());
+    EXPECT_EQ(derivations, 1);
+    XMLNames::derived(longOne, mark);
+    XMLNames::derived(longOne, mark);
+    EXPECT_EQ(derivations, 3);
+
     // Once the table is full, new names come back as given and equal names stay apart.
     for (int i = 0; i < XMLNames::capacity; ++i) XMLNames::shared(_eString(std::wstring_view(L"filler" + std::to_wstring(i))));
     _eString late = XMLNames::shared(_eString(L"late-name"));
