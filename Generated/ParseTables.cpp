@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "runtime/Failure.h"
+
 namespace {
 
 // Rows of all blocks, in order of states.
@@ -41,15 +43,16 @@ FlatActionTable::FlatActionTable(const ActionTable& table) : states(table.size()
         const _eSeq<ActionTableEntry>& row = table.get(state);
         if (!row.isEmpty()) width = std::max(width, row.get(row.size() - 1).symbol + 1);
     }
-    cells.assign(std::size_t(states) * std::size_t(width), std::uint32_t(ActionName::error));
+    cells.assign(std::size_t(states) * std::size_t(width), std::uint16_t(ActionName::error));
     for (int state = 0; state < states; ++state) {
         const _eSeq<ActionTableEntry>& row = table.get(state);
         _eSeqReader<ActionTableEntry> reader(row);
         for (int i = 0, n = row.size(); i < n; ++i) {
             const ActionTableEntry& entry = reader.next();
             if (entry.symbol < 0) continue;  // no byte or nonterminal has a negative code
+            if (entry.parameter < 0 || entry.parameter >= parameterLimit) raiseCannotHappen(_xPlaces::parserAbsurd, L"Parse table parameter out of range");
             cells[std::size_t(state) * std::size_t(width) + std::size_t(entry.symbol)] =
-                std::uint32_t(entry.action) | (std::uint32_t(entry.parameter) << actionBits);
+                std::uint16_t(std::uint32_t(entry.action) | (std::uint32_t(entry.parameter) << actionBits));
         }
     }
 }

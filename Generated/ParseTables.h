@@ -15,7 +15,8 @@ using RecoveryTable = _eSeq<_ePair<int, _eSet<int>>>;
 
 // An action table laid out as one dense grid of state by symbol, for the lookup that runs
 // once per input byte: the entries of the `_eSeq` rows, found by one index instead of a walk
-// down two trees and a search. Each cell packs the action and its parameter into one word.
+// down two trees and a search. Each cell packs the action and its parameter (a state or a
+// production, below 8192) into 16 bits.
 class FlatActionTable {
 public:
     FlatActionTable() = default;
@@ -34,10 +35,11 @@ public:
 private:
     static constexpr std::uint32_t actionBits = 3;
     static constexpr std::uint32_t actionMask = (1u << actionBits) - 1;
+    static constexpr std::int32_t parameterLimit = 1 << (16 - actionBits);
 
     std::int32_t states = 0;
     std::int32_t width = 0;  // one more than the largest symbol of any row
-    std::vector<std::uint32_t> cells;
+    std::vector<std::uint16_t> cells;
 };
 
 // The four tables of one grammar, built from its generated blocks.
