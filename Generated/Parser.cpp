@@ -132,7 +132,7 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
 }
 
 void Parser::resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry) {
-    addError(current->getLocation(), XMLErrorType::unexpectedToken, {current->getText()});
+    addError(errors, current->getLocation(), XMLErrorType::unexpectedToken, {current->getText()});
     entry = terminalAction(Token::error);
     while (!stack.isEmpty() && entry.action == ActionName::error) {
         stack.pop(1);
@@ -174,12 +174,8 @@ void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry)
                 stack.trim();
                 break;
             default:
-                addError(reduceLocation, XMLErrorType::illegalNonterminalAction,
+                addError(errors, reduceLocation, XMLErrorType::illegalNonterminalAction,
                          {actionDisplayName(entry.action), intToString(state)});
         }
     }
-}
-
-void Parser::addError(const _eHndl<Location>& where, XMLErrorType::_eEnum kind, const _eSeq<_eString>& arguments) {
-    errors.add(_eHndl<XMLError>(new XMLError(where, kind, arguments)));
 }

@@ -46,7 +46,6 @@ private:
     // Reports `current`, pops to a state that takes the error token, and makes it the current token.
     void resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry);
     void reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry);
-    void addError(const _eHndl<Location>& where, XMLErrorType::_eEnum kind, const _eSeq<_eString>& arguments);
 
     bool finished = false;
     bool recovering = false;             // an error was reported and no real token accepted since

@@ -73,3 +73,8 @@ _eString XMLError::caption(ErrorSeverity::_eEnum severity) {
     static_assert(std::size(captions) == std::size_t(ErrorSeverity::count), "one caption per severity");
     return captions[severity];
 }
+
+void addError(XMLErrors& errors, const _eHndl<Location>& where, XMLErrorType::_eEnum kind,
+              const _eSeq<_eString>& arguments) {
+    errors.add(_eHndl<XMLError>(new XMLError(where, kind, arguments)));
+}

@@ -80,3 +80,7 @@ private:
 };
 
 using XMLErrors = _eSet<_eHndl<XMLError>>;
+
+// Adds a new error record to `errors`; an equal one already there stays alone.
+void addError(XMLErrors& errors, const _eHndl<Location>& where, XMLErrorType::_eEnum kind,
+              const _eSeq<_eString>& arguments = {});

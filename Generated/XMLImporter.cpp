@@ -181,7 +181,7 @@ template <class Generate>
 void XMLImporter::generate(Generate run, bool& success) {
     if (document.isNull() || environment.isNull()) {
         // Nothing was parsed that could be generated: reported as no XMI document.
-        errors.add(_eHndl<XMLError>(new XMLError(Location::nowhere(), XMLErrorType::notXMI)));
+        addError(errors, Location::nowhere(), XMLErrorType::notXMI);
         success = false;
         return;
     }

@@ -36,13 +36,11 @@ set(MODELBRIDGE_SOURCES
   xml/XMLDocument.cpp
   xml/XMLValues.cpp
   xml/XMLNames.cpp
+  xmi/ClassRenderer.cpp
+  xmi/ClassSearch.cpp
   xmi/Context.cpp
-  xmi/FCAttributeElement.cpp
-  xmi/FCClassElement.cpp
-  xmi/FCOperationElement.cpp
-  xmi/PathElements.cpp
-  xmi/Relationships.cpp
   xmi/XMLDictionary.cpp
   xmi/XMLElement.cpp
+  xmi/Xmi1Reader.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

@@ -18,10 +18,6 @@ const _eString banner() {
     return line;
 }
 
-void addError(XMLErrors& errors, XMLErrorType::_eEnum kind, const _eSeq<_eString>& arguments) {
-    errors.add(_eHndl<XMLError>(new XMLError(Location::nowhere(), kind, arguments)));
-}
-
 }  // namespace
 
 _eString TarvaneOutput::versionText(const _eSeq<int>& version) {
@@ -73,22 +69,22 @@ void TarvaneOutput::writeFile(const ImportOptions& options, const FileName& file
                     environment.get());
     errors = XMLErrors();
     if (!file.isValid() || !target.isValid()) {
-        addError(errors, XMLErrorType::fileName, {file.getName() + L".tv"});
+        addError(errors, Location::nowhere(), XMLErrorType::fileName, {file.getName() + L".tv"});
         return;
     }
     _eString path = target.fullPathText();
     _eHndl<FileRef> out = environment->open(path, FileModes(FileModeType::create, FileModeType::text)).as<FileRef>();
     if (out.isNull()) {
-        addError(errors, XMLErrorType::fileOpen, {path, L"write"});
+        addError(errors, Location::nowhere(), XMLErrorType::fileOpen, {path, L"write"});
         return;
     }
     FileError::_eEnum status;
     environment->writeText(out, head, status);
-    if (status != FileError::success) addError(errors, XMLErrorType::fileWrite, {path});
+    if (status != FileError::success) addError(errors, Location::nowhere(), XMLErrorType::fileWrite, {path});
     elements->writeTo(*environment, out, options, status);
-    if (status != FileError::success) addError(errors, XMLErrorType::fileWrite, {path});
+    if (status != FileError::success) addError(errors, Location::nowhere(), XMLErrorType::fileWrite, {path});
     environment->writeText(out, footer, status);
-    if (status != FileError::success) addError(errors, XMLErrorType::fileWrite, {path});
+    if (status != FileError::success) addError(errors, Location::nowhere(), XMLErrorType::fileWrite, {path});
     environment->close(out, status);
-    if (status != FileError::success) addError(errors, XMLErrorType::fileClose, {path});
+    if (status != FileError::success) addError(errors, Location::nowhere(), XMLErrorType::fileClose, {path});
 }

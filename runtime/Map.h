@@ -54,8 +54,9 @@ public:
         if (items.find(pair, lo, hi) == hi) items.insertAt(hi, pair);
     }
 
-    // Union of pair sets, with the rule of `_eSet::addAll`: the smaller goes into the larger.
-    void addAll(const _eMap& other) {
+    // Union as sets of pairs, with the rule of `_eSet::addAll`: the smaller goes into the larger.
+    // Unlike `put`, it keeps a key twice when the two maps pair it with different values.
+    void unitePairs(const _eMap& other) {
         if (other.isEmpty()) return;
         if (isEmpty()) {
             items = other.items;

@@ -62,3 +62,11 @@ _eString seqText(const _eString& s) {
     for (int i = 0, n = s.size(); i < n; ++i) units.pushBack(charToString(reader.next()));
     return _eString(L"seq{") + join(units, L",") + L"}";
 }
+
+_eString trimSpaces(const _eString& text) {
+    int from = 0;
+    int to = text.size();
+    while (from < to && text.get(from) == L' ') ++from;
+    while (to > from && text.get(to - 1) == L' ') --to;
+    return text.take(to).drop(from);
+}

@@ -17,6 +17,8 @@ MB_API _eString join(const _eSeq<_eString>& list, const _eString& separator);
 MB_API bool isAllDigits(const _eString& s);
 // Digits, optionally after one leading "+" or "-".
 MB_API bool isInteger(const _eString& s);
+// `text` without the characters of code 32 at both ends; tabs and line ends stay.
+_eString trimSpaces(const _eString& text);
 MB_API bool containsUnit(const _eString& s, wchar_t c);
 // A string as a sequence value: "seq{a,b}".
 MB_API _eString seqText(const _eString& s);

@@ -4,7 +4,7 @@
 
 Context::Context() : Context(XMLDictionary::empty()) {}
 
-Context::Context(const _eHndl<XMLDictionary>& dictionary) : dictionary(dictionary), className(L"?"), rolePrefix(L"my") {}
+Context::Context(const _eHndl<XMLDictionary>& dictionary) : dictionary(dictionary) {}
 
 Context::Context(const Context& other) = default;
 
@@ -15,14 +15,6 @@ const _eHndl<Context>& Context::shared() {
     return context;
 }
 
-bool Context::equalFields(const Context& other) const {
-    return dictionary == other.dictionary && className == other.className && rolePrefix == other.rolePrefix;
-}
+bool Context::equalFields(const Context& other) const { return dictionary == other.dictionary; }
 
 _eFrom<XMLElement> Context::lookup(const _eString& id) const { return dictionary->lookup(id); }
-
-_eHndl<Context> Context::withClassName(const _eString& name) const {
-    _eHndl<Context> copy(new Context(*this));
-    copy->className = name;
-    return copy;
-}

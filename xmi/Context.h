@@ -1,5 +1,5 @@
-// `Context`: what generation hands down the tree: the id dictionary, the class being generated
-// and the prefix of role names.
+// `Context`: what reading a class hands down the tree: the id dictionary, through which every
+// reference is followed.
 #pragma once
 
 #include "runtime/Class.h"
@@ -20,15 +20,11 @@ public:
 
     bool equalFields(const Context& other) const;
 
+    // The element of `id`, or null.
     _eFrom<XMLElement> lookup(const _eString& id) const;
-    _eHndl<Context> withClassName(const _eString& name) const;
 
     const _eHndl<XMLDictionary>& getDictionary() const { return dictionary; }
-    const _eString& getClassName() const { return className; }
-    const _eString& getRolePrefix() const { return rolePrefix; }
 
 private:
     _eHndl<XMLDictionary> dictionary;
-    _eString className;   // "?" until a class element names itself
-    _eString rolePrefix;  // always "my"
 };

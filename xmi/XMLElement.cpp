@@ -2,25 +2,15 @@
 
 #include <vector>
 
-#include "output/ReservedWords.h"
 #include "xmi/XMLDictionary.h"
 
 namespace {
-
-_eHndl<TarvaneOutput> singleToken(const _eString& token) {
-    return _eHndl<TarvaneOutput>(new TarvaneOutput(Tokens{token}));
-}
-
-void recordError(XMLErrors& errors, const _eHndl<Location>& where, XMLErrorType::_eEnum kind,
-              const _eSeq<_eString>& arguments) {
-    errors.add(_eHndl<XMLError>(new XMLError(where, kind, arguments)));
-}
 
 // One error for each attribute defined again in the tag.
 XMLErrors repeatedAttributeErrors(const _eHndl<Location>& where, const XMLAttributeList& list) {
     XMLErrors errors;
     const _eSeq<_eString>& repeated = list.getRepeatedNames();
-    for (int i = 0, n = repeated.size(); i < n; ++i) recordError(errors, where, XMLErrorType::duplicateAttribute, {repeated.get(i)});
+    for (int i = 0, n = repeated.size(); i < n; ++i) addError(errors, where, XMLErrorType::duplicateAttribute, {repeated.get(i)});
     return errors;
 }
 
@@ -34,7 +24,7 @@ XMLElement::XMLElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>
       content(content),
       elementErrors(repeatedAttributeErrors(startTag->getLocation(), *startTag->getAttributes())) {
     if (!(startTag->getName() == endTag->getName()))
-        recordError(elementErrors, endTag->getLocation(), XMLErrorType::tagMismatch,
+        ::addError(elementErrors, endTag->getLocation(), XMLErrorType::tagMismatch,
                  {endTag->getName(), startTag->getName(), startTag->getLocation()->positionText()});
 }
 
@@ -56,30 +46,36 @@ XMLErrors XMLElement::getErrors() const {
     return all;
 }
 
-_eHndl<TarvaneOutput> XMLElement::generateClasses(const Names&, const _eHndl<Context>&) const {
-    return TarvaneOutput::empty();
-}
+TypeRecord XMLElement::typeRecord(const _eHndl<Context>&) const { return {TypeRecord::named, readName(), false}; }
 
-_eHndl<TarvaneSections> XMLElement::generateSections(const _eHndl<Context>&) const { return TarvaneSections::empty(); }
-
-_eHndl<TarvaneOutput> XMLElement::asType(const _eHndl<Context>&) const { return singleToken(typeName()); }
-
-_eHndl<TarvaneOutput> XMLElement::typeOf(const _eString& elementName, const _eHndl<Context>& context) const {
+TypeRecord XMLElement::readType(const _eString& elementName, const _eHndl<Context>& context) const {
     if (hasAttribute(L"type")) {
         _eFrom<XMLElement> found = context->lookup(attributeText(L"type", context));
-        return found.isNull() ? singleToken(L"?") : found->asType(context);
+        return found.isNull() ? TypeRecord() : found->typeRecord(context);
     }
     ElementSeq children = content->childrenNamed(elementName);
-    if (children.size() != 1) return singleToken(L"?");
+    if (children.size() != 1) return {};
     return children.get(0)->referencedType(context);
 }
 
-_eHndl<TarvaneOutput> XMLElement::referencedType(const _eHndl<Context>& context) const {
+// A reference that can't be followed is only the key of a failing lookup, whatever message
+// `referencedId` gave: it reads "?".
+TypeRecord XMLElement::referencedType(const _eHndl<Context>& context) const {
     _eFrom<XMLElement> found = context->lookup(content->referencedId(context));
-    return found.isNull() ? singleToken(L"?") : found->asType(context);
+    return found.isNull() ? TypeRecord() : found->typeRecord(context);
 }
 
-ClassMap XMLElement::classMap() const { return {}; }
+MultiplicityRecord XMLElement::readMultiplicity(const _eString& multiplicityElement,
+                                                const _eHndl<Context>& context) const {
+    ElementSeq ranges = content->elementsAtPath(
+        {multiplicityElement, L"UML:Multiplicity", L"UML:Multiplicity.range", L"UML:MultiplicityRange"});
+    if (ranges.size() != 1) return {};
+    const XMLElement& range = *ranges.get(0);
+    return {true, range.attributeOrSubElement(L"lower", L"UML:MultiplicityRange.lower", context),
+            range.attributeOrSubElement(L"upper", L"UML:MultiplicityRange.upper", context)};
+}
+
+bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedElement*>(this) == nullptr; }
 
 // The dictionary of the subtree, built bottom-up with a stack of its own rather than by
 // recursion, so that the nesting of the input doesn't decide the depth of the machine stack.
@@ -129,26 +125,11 @@ _eString XMLElement::requiredAttribute(const _eString& attribute, const _eHndl<C
     return _eString(L"?[[Missing Attribute '") + attribute + L"']]";
 }
 
-_eString XMLElement::elementName(bool escape) const {
-    if (!hasAttribute(L"name")) return content->nameElementText(escape);
-    _eString value = XMLcontent::trimSpaces(attributeText(L"name", Context::shared()));
-    return escape ? escapeReservedWord(value) : value;
-}
-
-_eString XMLElement::nameOrUnknown(bool escape) const {
-    _eString value = elementName(escape);
-    return value.isEmpty() ? _eString(L"?") : value;
-}
-
-bool XMLElement::hasName() const {
-    return (hasAttribute(L"name") || content->hasSingleNameElement()) && !elementName(false).isEmpty();
-}
-
-_eString XMLElement::typeName() const {
-    _eString value = nameOrUnknown(false);
-    if (value == _eString(L"boolean")) return L"bool";
-    if (value == _eString(L"float") || value == _eString(L"double")) return L"real";
-    return value;
+// The text of an attribute is read with the shared context, as everywhere that no other is at
+// hand: the values' text is asked for with a context, though no value reads it.
+NameRecord XMLElement::readName() const {
+    if (hasAttribute(L"name")) return {attributeText(L"name", Context::shared()), false, true};
+    return {content->textAtPath({L"UML:ModelElement.name"}), true, content->hasSingleNameElement()};
 }
 
 _eString XMLElement::visibility(const _eHndl<Context>& context) const {
@@ -159,12 +140,12 @@ _eString XMLElement::parameterKind(const _eHndl<Context>& context) const {
     return attributeOrSubElement(L"kind", L"UML:Parameter.kind", context);
 }
 
-bool XMLElement::isLeaf(const _eHndl<Context>& context) const {
-    return attributeOrSubElement(L"isLeaf", L"UML:GeneralizableElement.isLeaf", context) == _eString(L"true");
+_eString XMLElement::isLeaf(const _eHndl<Context>& context) const {
+    return attributeOrSubElement(L"isLeaf", L"UML:GeneralizableElement.isLeaf", context);
 }
 
-bool XMLElement::isAbstract(const _eHndl<Context>& context) const {
-    return attributeOrSubElement(L"isAbstract", L"UML:GeneralizableElement.isAbstract", context) == _eString(L"true");
+_eString XMLElement::isAbstract(const _eHndl<Context>& context) const {
+    return attributeOrSubElement(L"isAbstract", L"UML:GeneralizableElement.isAbstract", context);
 }
 
 _eString XMLElement::canonicalTagName(const _eString& tag) {

@@ -2,7 +2,9 @@
 // and the readings of model properties from either form in which XMI writes them.
 #pragma once
 
-#include "output/TarvaneSections.h"
+#include <vector>
+
+#include "xmi/ClassRecords.h"
 #include "xmi/Context.h"
 #include "xml/XMLTags.h"
 
@@ -17,36 +19,30 @@ public:
     bool equalFields(const XMLElement& other) const;
 
     XMLErrors getErrors() const override;
-    virtual _eHndl<TarvaneOutput> generateClasses(const Names& classNames, const _eHndl<Context>& context) const;
-    virtual _eHndl<TarvaneSections> generateSections(const _eHndl<Context>& context) const;
-    virtual _eHndl<TarvaneOutput> asType(const _eHndl<Context>& context) const;
-    virtual _eHndl<TarvaneOutput> typeOf(const _eString& elementName, const _eHndl<Context>& context) const;
-    virtual _eHndl<TarvaneOutput> referencedType(const _eHndl<Context>& context) const;
-    virtual ClassMap classMap() const;
-    // The names of the children that an element on the path to the classes descends into;
-    // null for every other element.
-    virtual const Names* pathDescent() const { return nullptr; }
+    // What a reference to this element reads as in a type: by default its name.
+    virtual TypeRecord typeRecord(const _eHndl<Context>& context) const;
 
     _eHndl<XMLDictionary> dictionary() const;
     // The attribute's text if it is there, else the child element's "xmi.value" or text; "?" if neither.
     _eString attributeOrSubElement(const _eString& attribute, const _eString& subElement,
                                    const _eHndl<Context>& context) const;
     _eString requiredAttribute(const _eString& attribute, const _eHndl<Context>& context) const;
-    _eString elementName(bool escape) const;
-    _eString nameOrUnknown(bool escape) const;
-    bool hasName() const;
-    _eString typeName() const;
+    // The name from the attribute "name", else from the one "UML:ModelElement.name" child.
+    NameRecord readName() const;
+    // The type of the feature, given by the attribute "type" or the one child `elementName`.
+    TypeRecord readType(const _eString& elementName, const _eHndl<Context>& context) const;
+    // What the reference in this element's content leads to: followed exactly one step.
+    TypeRecord referencedType(const _eHndl<Context>& context) const;
+    // The one range at `multiplicityElement`, "UML:Multiplicity", "UML:Multiplicity.range",
+    // "UML:MultiplicityRange", if there is exactly one.
+    MultiplicityRecord readMultiplicity(const _eString& multiplicityElement, const _eHndl<Context>& context) const;
     _eString visibility(const _eHndl<Context>& context) const;
     _eString parameterKind(const _eHndl<Context>& context) const;
-    bool isLeaf(const _eHndl<Context>& context) const;
-    bool isAbstract(const _eHndl<Context>& context) const;
-    // The type of the feature with its multiplicity: optional, plain, a set, or a set with a lower bound.
-    _eHndl<TarvaneOutput> multiplicityType(const _eString& multiplicityElement, const _eString& typeElement, bool isRef,
-                                           const _eHndl<Context>& context) const;
-    // The body of the one "UML:Expression" of the initial value, else "?".
-    _eString initialValue(const _eHndl<Context>& context) const;
-    // A model literal in the target language: "100L" to "100", "'a'" to "`a`".
-    static _eString literalText(const _eString& value);
+    // The pairs of a class: "isLeaf" and "isAbstract".
+    _eString isLeaf(const _eHndl<Context>& context) const;
+    _eString isAbstract(const _eHndl<Context>& context) const;
+    // An element built from a tag of the vocabulary, not an `UnrecognisedElement`.
+    bool isRecognised() const;
 
     const _eString& getName() const { return name; }
     const AttributeMap& getAttributes() const { return attributes; }
@@ -64,105 +60,127 @@ private:
     XMLErrors elementErrors;   // repeated attributes, mismatched end tag
 };
 
-// The element classes, with their rows in the element module's table. Each differs from
-// `XMLElement` only in what it generates.
-#define MB_ELEMENT_CLASS(Class, Row, Members)                                                 \
-    class Class : public _eClass<Class, XMLElement> {                                        \
-    public:                                                                                  \
-        static constexpr _aTypeSlot _aType{&_aModule20, Row};                                \
-        using _eClass::_eClass;                                                              \
-        bool equalFields(const Class& other) const { return XMLElement::equalFields(other); } \
-        Members                                                                              \
-    };
+// The element classes. Each differs from `XMLElement` only in what it reads; the elements on
+// the path to the classes read nothing of their own, and the class search tells them by tag.
 
-// The elements on the path to the classes descend into the children of the names they give.
-#define MB_PATH_MEMBERS                                                                                  \
-    _eHndl<TarvaneOutput> generateClasses(const Names& classNames, const _eHndl<Context>& context) const \
-        override;                                                                                        \
-    ClassMap classMap() const override;                                                                  \
-    const Names* pathDescent() const override { return &descent(); }                                     \
-    static const Names& descent();
+// Any element outside the vocabulary, a reference ("xmi.idref"), or an empty-element tag.
+class UnrecognisedElement : public _eClass<UnrecognisedElement, XMLElement> {
+public:
+    static constexpr _aTypeSlot _aType{&_aModule20, 2};
+    using _eClass::_eClass;
+    bool equalFields(const UnrecognisedElement& other) const { return XMLElement::equalFields(other); }
+};
 
-#define MB_FEATURE_MEMBERS _eHndl<TarvaneSections> generateSections(const _eHndl<Context>& context) const override;
+// The document element "XMI".
+class XMIRootElement : public _eClass<XMIRootElement, XMLElement> {
+public:
+    static constexpr _aTypeSlot _aType{&_aModule20, 3};
+    using _eClass::_eClass;
+    bool equalFields(const XMIRootElement& other) const { return XMLElement::equalFields(other); }
+};
 
-MB_ELEMENT_CLASS(UnrecognisedElement, 2, )
-MB_ELEMENT_CLASS(XMIRootElement, 3, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(XMIContentElement, 4, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(Model_ManagementModelElement, 5, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(FCNamespaceOwnedElement, 6, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(Model_ManagementPackageElement, 7, MB_PATH_MEMBERS)
-MB_ELEMENT_CLASS(FCClassifierFeatureElement, 9, MB_FEATURE_MEMBERS)
-MB_ELEMENT_CLASS(FCAttributeElement, 10, MB_FEATURE_MEMBERS)
-#undef MB_FEATURE_MEMBERS
-#undef MB_PATH_MEMBERS
-#undef MB_ELEMENT_CLASS
+// "XMI.content".
+class XMIContentElement : public _eClass<XMIContentElement, XMLElement> {
+public:
+    static constexpr _aTypeSlot _aType{&_aModule20, 4};
+    using _eClass::_eClass;
+    bool equalFields(const XMIContentElement& other) const { return XMLElement::equalFields(other); }
+};
 
-// A "UML:Operation": a constructor, schema, function or operator.
+// "UML:Model".
+class Model_ManagementModelElement : public _eClass<Model_ManagementModelElement, XMLElement> {
+public:
+    static constexpr _aTypeSlot _aType{&_aModule20, 5};
+    using _eClass::_eClass;
+    bool equalFields(const Model_ManagementModelElement& other) const { return XMLElement::equalFields(other); }
+};
+
+// "UML:Namespace.ownedElement".
+class FCNamespaceOwnedElement : public _eClass<FCNamespaceOwnedElement, XMLElement> {
+public:
+    static constexpr _aTypeSlot _aType{&_aModule20, 6};
+    using _eClass::_eClass;
+    bool equalFields(const FCNamespaceOwnedElement& other) const { return XMLElement::equalFields(other); }
+};
+
+// "UML:Package".
+class Model_ManagementPackageElement : public _eClass<Model_ManagementPackageElement, XMLElement> {
+public:
+    static constexpr _aTypeSlot _aType{&_aModule20, 7};
+    using _eClass::_eClass;
+    bool equalFields(const Model_ManagementPackageElement& other) const { return XMLElement::equalFields(other); }
+};
+
+// "UML:Classifier.feature": the attributes and operations of a class.
+class FCClassifierFeatureElement : public _eClass<FCClassifierFeatureElement, XMLElement> {
+public:
+    static constexpr _aTypeSlot _aType{&_aModule20, 9};
+    using _eClass::_eClass;
+    bool equalFields(const FCClassifierFeatureElement& other) const { return XMLElement::equalFields(other); }
+    // The attributes, then the operations, each kind in document order.
+    void readFeatures(const _eHndl<Context>& context, std::vector<FeatureRecord>& features) const;
+};
+
+// "UML:Attribute".
+class FCAttributeElement : public _eClass<FCAttributeElement, XMLElement> {
+public:
+    static constexpr _aTypeSlot _aType{&_aModule20, 10};
+    using _eClass::_eClass;
+    bool equalFields(const FCAttributeElement& other) const { return XMLElement::equalFields(other); }
+    AttributeRecord read(const _eHndl<Context>& context) const;
+};
+
+// "UML:Operation".
 class FCOperationElement : public _eClass<FCOperationElement, XMLElement> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule20, 11};
     using _eClass::_eClass;
     bool equalFields(const FCOperationElement& other) const { return XMLElement::equalFields(other); }
 
-    _eHndl<TarvaneSections> generateSections(const _eHndl<Context>& context) const override;
-
-    // The parameters in braces for a constructor, in parentheses otherwise; none: nothing, or "{}".
-    static _eHndl<TarvaneOutput> parameterList(const ElementSeq& list, bool isConstructor,
-                                               const _eHndl<Context>& context);
-    // A return parameter whose type isn't void.
-    static bool returnsSomething(const XMLElement& parameter, const _eHndl<Context>& context);
+    OperationRecord read(const _eHndl<Context>& context) const;
+    // A parameter at "UML:BehavioralFeature.parameter", "UML:Parameter".
+    static ParameterRecord readParameter(const XMLElement& parameter, const _eHndl<Context>& context);
 };
 
-// A "UML:Class": one class declaration.
+// "UML:Class".
 class FCClassElement : public _eClass<FCClassElement, XMLElement> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule20, 8};
     using _eClass::_eClass;
     bool equalFields(const FCClassElement& other) const { return XMLElement::equalFields(other); }
 
-    _eHndl<TarvaneOutput> generateClasses(const Names& classNames, const _eHndl<Context>& context) const override;
-    // A leaf class by its name; any other as ("from", name).
-    _eHndl<TarvaneOutput> asType(const _eHndl<Context>& context) const override;
-    ClassMap classMap() const override;
+    // A class in a type: its name, and whether it is a leaf.
+    TypeRecord typeRecord(const _eHndl<Context>& context) const override;
 
-    // The members that associations give this class.
-    _eHndl<TarvaneSections> associationSections(const _eHndl<Context>& context) const;
-    // ("inherits", parent, ",", parent, ...), or nothing.
-    _eHndl<TarvaneOutput> inheritsClause(const _eHndl<Context>& context) const;
+    // Everything the class declaration is made of: its name and modifiers, its features, the
+    // associations that involve it and the parents its generalizations give.
+    static ClassRecord readClass(const XMLElement& element, const _eHndl<Context>& context);
 };
 
+// "UML:Association": known through the dictionary, wherever it stands.
 class FCAssociationElement : public _eClass<FCAssociationElement, XMLElement> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule20, 12};
     using _eClass::_eClass;
     bool equalFields(const FCAssociationElement& other) const { return XMLElement::equalFields(other); }
 
-    // The members that this association gives to the class of that id.
-    virtual _eHndl<TarvaneSections> sectionsFor(const _eString& classId, const _eHndl<Context>& context) const;
-    // The class of that id stands at one of the ends.
-    virtual bool involves(const _eString& classId, const _eHndl<Context>& context) const;
-    // The ids that the ends refer to: the classes that `involves` holds for.
+    AssociationRecord read(const _eHndl<Context>& context) const;
+    // The ids that the ends refer to: the classes that the association involves.
     Names endTypeIds(const _eHndl<Context>& context) const;
     // The elements at "UML:Association.connection", "UML:AssociationEnd" that name their type by a child.
     ElementSeq ends() const;
-
-private:
-    _eHndl<TarvaneSections> endSections(const XMLElement& ownEnd, const XMLElement& farEnd, const _eString& classId,
-                                        const _eHndl<Context>& context) const;
-    _eHndl<TarvaneSections> farEndMember(const XMLElement& end, bool isRef, const _eHndl<Context>& context) const;
 };
 
+// "UML:Generalization": known through the dictionary, wherever it stands.
 class FCGeneralizationElement : public _eClass<FCGeneralizationElement, XMLElement> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule20, 13};
     using _eClass::_eClass;
     bool equalFields(const FCGeneralizationElement& other) const { return XMLElement::equalFields(other); }
 
-    // The parent's name as one token, "?" if it can't be found.
-    virtual _eHndl<TarvaneOutput> parentOutput(const _eHndl<Context>& context) const;
-    // The class of that id is the child of this generalization.
-    virtual bool isChild(const _eString& classId, const _eHndl<Context>& context) const;
-    // The id that the child refers to: the one class that `isChild` holds for.
+    // What the parent reference leads to; its name stands in the inherits list.
+    TypeRecord readParent(const _eHndl<Context>& context) const;
+    // The id that the child refers to: the one class that the generalization gives a parent.
     _eString childId(const _eHndl<Context>& context) const;
 
     static const Names& childNames();

@@ -1,10 +1,12 @@
 #include "xml/XMLDocument.h"
 
+#include "xmi/ClassSearch.h"
+
 void XMLDocument::analyse() {
     _eFreeze freeze(this);
     dictionary = root->dictionary();
     // Classes are found only below an "XMI" document element.
-    classes = root->getName() == _eString(L"XMI") ? root->classMap() : ClassMap();
+    classes = root->getName() == _eString(L"XMI") ? PathSearch::instance().classMap(*root) : ClassMap();
 }
 
 bool XMLDocument::rootIsXMI() {
@@ -30,7 +32,7 @@ void XMLDocument::generateClassFile(const _eString& className, const _eString& o
     _eHndl<Context> context = generationContext();
     auto [index, end] = classes.lookup(className);
     _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
-    if (index != end) output = classes.at(index).second->generateClasses(Names(className), context);
+    if (index != end) output = ClassSearch::declaration(*classes.at(index).second, context);
     write(*output, FileName(outputDirectory, className, L"tv", environment.get()), sourceFile, environment);
 }
 
@@ -38,5 +40,5 @@ void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& cl
                                      const _eHndl<const Environment>& environment) {
     if (!rootIsXMI()) return;
     _eHndl<Context> context = generationContext();
-    write(*root->generateClasses(classNames, context), targetFile, sourceFile, environment);
+    write(*PathSearch::instance().declarations(*root, classNames, context), targetFile, sourceFile, environment);
 }

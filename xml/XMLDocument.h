@@ -2,6 +2,7 @@
 // dictionary and the class map; it starts generation.
 #pragma once
 
+#include "output/TarvaneOutput.h"
 #include "xmi/XMLDictionary.h"
 
 class XMLDocument : public _eClass<XMLDocument, XMLNode> {

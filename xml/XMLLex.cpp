@@ -49,14 +49,14 @@ void XMLLex::openFile(const _eHndl<FileName>& fileName, bool& succeeded) {
     _eUnion opened = environment->open(path, FileModes(FileModeType::read));
     _eHndl<FileRef> ref = opened.as<FileRef>();
     if (ref.isNull()) {
-        addError(_eHndl<Location>(new Location(fileName)), XMLErrorType::fileOpen, {path, L"read"});
+        addError(errors, _eHndl<Location>(new Location(fileName)), XMLErrorType::fileOpen, {path, L"read"});
         return;
     }
     std::int32_t size = 0;
     FileError::_eEnum error;
     environment->fileSize(ref, size, error);
     if (error != FileError::success) {
-        addError(_eHndl<Location>(new Location(fileName)), XMLErrorType::fileTell, {path});
+        addError(errors, _eHndl<Location>(new Location(fileName)), XMLErrorType::fileTell, {path});
         environment->close(ref, error);
         return;
     }
@@ -71,7 +71,7 @@ void XMLLex::closeFile() {
     if (!file.isNull()) {
         FileError::_eEnum error;
         environment->close(file, error);
-        if (error != FileError::success) addError(location, XMLErrorType::fileClose, {path});
+        if (error != FileError::success) addError(errors, location, XMLErrorType::fileClose, {path});
     }
     file.reset();
     bytesLeft = 0;
@@ -95,7 +95,7 @@ void XMLLex::advance() {
     FileError::_eEnum error;
     environment->readByte(file, unit, error);
     if (MB_UNLIKELY(error != FileError::success)) {
-        addError(location, XMLErrorType::fileRead, {path});
+        addError(errors, location, XMLErrorType::fileRead, {path});
         bytesLeft = 0;
         currentChar = 10;
         return;
@@ -115,8 +115,4 @@ void XMLLex::nextToken(_eHndl<Terminal>& token) {
         token = new SimpleTerminal(location, code);
     else
         token = new ComplexTerminal(location, code, currentChar);
-}
-
-void XMLLex::addError(const _eHndl<Location>& where, XMLErrorType::_eEnum kind, const _eSeq<_eString>& arguments) {
-    errors.add(_eHndl<XMLError>(new XMLError(where, kind, arguments)));
 }

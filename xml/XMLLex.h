@@ -36,7 +36,6 @@ private:
 
     // Moves past `currentChar` and reads the next byte.
     void advance();
-    void addError(const _eHndl<Location>& where, XMLErrorType::_eEnum kind, const _eSeq<_eString>& arguments);
 
     _eHndl<FileRef> file;              // the open input; null before opening and after closing
     wchar_t currentChar = 10;          // the last byte read; 10 also for nothing yet and nothing more

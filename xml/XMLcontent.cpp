@@ -1,8 +1,7 @@
 #include "xml/XMLcontent.h"
 
-#include "output/ReservedWords.h"
 #include "runtime/StringUtils.h"
-#include "xmi/XMLDictionary.h"
+#include "xmi/XMLElement.h"
 #include "xml/XMLCharData.h"
 
 namespace {
@@ -40,35 +39,7 @@ ElementSeq XMLcontent::childElements() const {
     return elementsWhere(items, [](const XMLElement&) { return true; });
 }
 
-_eHndl<XMLDictionary> XMLcontent::dictionary() const {
-    ElementSeq children = childElements();
-    if (children.isEmpty()) return XMLDictionary::empty();
-    _eHndl<XMLDictionary> result = children.get(0)->dictionary();
-    for (int i = 1, n = children.size(); i < n; ++i) result = result->merge(*children.get(i)->dictionary());
-    return result;
-}
-
 bool XMLcontent::hasChild(const _eString& name) const { return !childrenNamed(name).isEmpty(); }
-
-_eHndl<TarvaneOutput> XMLcontent::generateNamed(const Names& classNames, const _eString& name,
-                                                const _eHndl<Context>& context) const {
-    return generateInSet(classNames, Names(name), context);
-}
-
-_eHndl<TarvaneOutput> XMLcontent::generateInSet(const Names& classNames, const Names& names,
-                                                const _eHndl<Context>& context) const {
-    _eHndl<TarvaneOutput> out = TarvaneOutput::empty();
-    ElementSeq children = childrenInSet(names);
-    for (int i = 0, n = children.size(); i < n; ++i) out = out->concat(*children.get(i)->generateClasses(classNames, context));
-    return out;
-}
-
-_eHndl<TarvaneSections> XMLcontent::sectionsNamed(const _eString& name, const _eHndl<Context>& context) const {
-    _eHndl<TarvaneSections> out = TarvaneSections::empty();
-    ElementSeq children = childrenNamed(name);
-    for (int i = 0, n = children.size(); i < n; ++i) out = out->merge(*children.get(i)->generateSections(context));
-    return out;
-}
 
 _eString XMLcontent::referencedId(const _eHndl<Context>& context) const {
     ElementSeq candidates = childrenInSet(classifierNames());
@@ -77,17 +48,6 @@ _eString XMLcontent::referencedId(const _eHndl<Context>& context) const {
     if (candidate->hasAttribute(L"xmi.idref")) return candidate->requiredAttribute(L"xmi.idref", context);
     return candidate->getContent()->grandchildAttribute(L"UML:Namespace.ownedElement", L"UML:DataType", L"xmi.idref",
                                                         context);
-}
-
-_eString XMLcontent::referencedTypeName(const _eHndl<Context>& context) const {
-    _eFrom<XMLElement> found = context->lookup(referencedId(context));
-    return found.isNull() ? _eString(L"?") : found->typeName();
-}
-
-_eString XMLcontent::childReferencedTypeName(const _eString& name, const _eHndl<Context>& context) const {
-    ElementSeq children = childrenNamed(name);
-    if (children.size() != 1) return L"?";
-    return children.get(0)->getContent()->referencedTypeName(context);
 }
 
 _eString XMLcontent::singleChildAttributeInSet(const Names& names, const _eString& attribute,
@@ -133,27 +93,6 @@ _eString XMLcontent::text() const {
     return trimSpaces(all);
 }
 
-_eString XMLcontent::nameElementText(bool escape) const {
-    _eString value = textAtPath({L"UML:ModelElement.name"});
-    _eSeq<_eString> pieces;
-    _eString piece;
-    auto finish = [&] {
-        _eString trimmed = trimSpaces(piece);
-        for (int i = 0, n = trimmed.size(); i < n; ++i)
-            if (trimmed.get(i) == L' ') trimmed.replaceAt(i, L'_');
-        pieces.pushBack(escape ? escapeReservedWord(trimmed) : trimmed);
-        piece = {};
-    };
-    for (int i = 0, n = value.size(); i < n; ++i) {
-        if (value.get(i) == L',')
-            finish();
-        else
-            piece.pushBack(value.get(i));
-    }
-    finish();
-    return join(pieces, L", ");
-}
-
 bool XMLcontent::hasSingleNameElement() const { return childrenNamed(L"UML:ModelElement.name").size() == 1; }
 
 ElementSeq XMLcontent::elementsAtPath(const _eSeq<_eString>& path) const {
@@ -172,15 +111,6 @@ ElementSeq XMLcontent::childrenNamed(const _eString& name) const {
     return elementsWhere(items, [&](const XMLElement& e) { return e.getName() == name; });
 }
 
-ClassMap XMLcontent::classesNamed(const _eString& name) const { return classesInSet(Names(name)); }
-
-ClassMap XMLcontent::classesInSet(const Names& names) const {
-    ClassMap out;
-    ElementSeq children = childrenInSet(names);
-    for (int i = 0, n = children.size(); i < n; ++i) out.addAll(children.get(i)->classMap());
-    return out;
-}
-
 void XMLcontent::addItem(const _eFrom<XMLContentItem>& item) {
     _eFreeze freeze(this);
     items.pushBack(item);
@@ -194,12 +124,4 @@ _eString XMLcontent::missingOrDuplicate(const Names& names, int found) {
     _eSeq<_eString> quoted;
     for (int i = 0, n = names.size(); i < n; ++i) quoted.pushBack(_eString(L"'") + names.at(i) + L"'");
     return _eString(found == 0 ? L"?[[Missing Element " : L"?[[Duplicate Element ") + join(quoted, L" or ") + L"]]";
-}
-
-_eString XMLcontent::trimSpaces(const _eString& text) {
-    int from = 0;
-    int to = text.size();
-    while (from < to && text.get(from) == L' ') ++from;
-    while (to > from && text.get(to - 1) == L' ') --to;
-    return text.take(to).drop(from);
 }

@@ -7,8 +7,6 @@
 
 class XMLElement;
 class XMLDictionary;
-class TarvaneOutput;
-class TarvaneSections;
 
 using ElementSeq = _eSeq<_eFrom<XMLElement>>;
 using ClassMap = _eMap<_eString, _eFrom<XMLElement>>;
@@ -24,37 +22,32 @@ public:
 
     bool equalFields(const XMLcontent& other) const;
 
-    virtual _eHndl<XMLDictionary> dictionary() const;
     // The items that are elements, in order.
     ElementSeq childElements() const;
-    virtual bool hasChild(const _eString& name) const;
-    virtual _eHndl<TarvaneOutput> generateNamed(const Names& classNames, const _eString& name,
-                                                const _eHndl<Context>& context) const;
-    virtual _eHndl<TarvaneOutput> generateInSet(const Names& classNames, const Names& names,
-                                                const _eHndl<Context>& context) const;
-    virtual _eHndl<TarvaneSections> sectionsNamed(const _eString& name, const _eHndl<Context>& context) const;
-    virtual _eString referencedId(const _eHndl<Context>& context) const;
-    virtual _eString referencedTypeName(const _eHndl<Context>& context) const;
-    virtual _eString childReferencedTypeName(const _eString& name, const _eHndl<Context>& context) const;
-    virtual _eString singleChildAttributeInSet(const Names& names, const _eString& attribute,
-                                               const _eHndl<Context>& context) const;
-    virtual _eString singleChildAttribute(const _eString& name, const _eString& attribute,
-                                          const _eHndl<Context>& context) const;
-    virtual _eString grandchildAttributeInSet(const Names& names, const Names& innerNames, const _eString& attribute,
-                                              const _eHndl<Context>& context) const;
-    virtual _eString grandchildAttribute(const _eString& name, const _eString& innerName, const _eString& attribute,
-                                         const _eHndl<Context>& context) const;
-    virtual _eString textAtPath(const _eSeq<_eString>& path) const;
+    bool hasChild(const _eString& name) const;
+    // The id that this content refers to: the "xmi.idref" of its one classifier reference.
+    _eString referencedId(const _eHndl<Context>& context) const;
+    // The single-child rules: the attribute of the one child (or grandchild) of that name, else
+    // the missing-or-duplicate message.
+    _eString singleChildAttributeInSet(const Names& names, const _eString& attribute,
+                                       const _eHndl<Context>& context) const;
+    _eString singleChildAttribute(const _eString& name, const _eString& attribute,
+                                  const _eHndl<Context>& context) const;
+    _eString grandchildAttributeInSet(const Names& names, const Names& innerNames, const _eString& attribute,
+                                      const _eHndl<Context>& context) const;
+    _eString grandchildAttribute(const _eString& name, const _eString& innerName, const _eString& attribute,
+                                 const _eHndl<Context>& context) const;
+    // The text of the one element at the path, else the message for the first step that isn't one.
+    _eString textAtPath(const _eSeq<_eString>& path) const;
     // The character data, spaces trimmed at both ends.
-    virtual _eString text() const;
-    virtual _eString nameElementText(bool escape) const;
-    virtual bool hasSingleNameElement() const;
-    virtual ElementSeq elementsAtPath(const _eSeq<_eString>& path) const;
-    virtual ElementSeq childrenInSet(const Names& names) const;
-    virtual ElementSeq childrenNamed(const _eString& name) const;
-    virtual ClassMap classesNamed(const _eString& name) const;
-    virtual ClassMap classesInSet(const Names& names) const;
-    virtual void addItem(const _eFrom<XMLContentItem>& item);
+    _eString text() const;
+    bool hasSingleNameElement() const;
+    // Every element at the path, all matches at every level, in document order.
+    ElementSeq elementsAtPath(const _eSeq<_eString>& path) const;
+    ElementSeq childrenInSet(const Names& names) const;
+    ElementSeq childrenNamed(const _eString& name) const;
+    // Appends an item while the reductions build the content.
+    void addItem(const _eFrom<XMLContentItem>& item);
 
     const _eSeq<_eFrom<XMLContentItem>>& getItems() const { return items; }
 
@@ -62,8 +55,6 @@ public:
     static _eString missingOrDuplicate(const _eString& name, int found);
     // The same for a set: "'A' or 'B'", in set order.
     static _eString missingOrDuplicate(const Names& names, int found);
-    // `text` without the characters of code 32 at both ends.
-    static _eString trimSpaces(const _eString& text);
 
 private:
     _eSeq<_eFrom<XMLContentItem>> items;  // the children, in document order

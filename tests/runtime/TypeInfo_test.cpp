@@ -1,6 +1,7 @@
 // Type objects: their text, equality and order, lookup by name, and the records of classes.
 #include <gtest/gtest.h>
 
+#include "environment/EnvironmentEnums.h"
 #include "environment/FileName.h"
 #include "runtime/TypeMatcher.h"
 #include "support/StreamFailure.h"

@@ -1,0 +1,281 @@
+#include "xmi/ClassRenderer.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <initializer_list>
+
+#include "output/ReservedWords.h"
+#include "runtime/StringUtils.h"
+
+namespace {
+
+using Output = _eHndl<TarvaneOutput>;
+using Sections = _eHndl<TarvaneSections>;
+
+Output tokens(std::initializer_list<_eString> run) { return Output(new TarvaneOutput(Tokens(run))); }
+
+Output operator+(const Output& a, const Output& b) { return a->concat(*b); }
+
+const Output& none() { return TarvaneOutput::empty(); }
+
+bool is(const _eString& text, const wchar_t* word) { return text == _eString(word); }
+
+// The three sections of a class, and the one rule that places a member by its visibility:
+// the public face, the protected face, and everything else with the state.
+enum class Section { abstractPart, confinedPart, interfacePart };
+
+Section sectionFor(const _eString& visibility) {
+    if (is(visibility, L"public")) return Section::interfacePart;
+    if (is(visibility, L"protected")) return Section::confinedPart;
+    return Section::abstractPart;
+}
+
+Sections placed(Section section, const Output& run) {
+    return Sections(new TarvaneSections(section == Section::abstractPart ? run : none(),
+                                        section == Section::confinedPart ? run : none(),
+                                        section == Section::interfacePart ? run : none()));
+}
+
+// A declaration of state with its accessor: the declaration always among the state, the
+// accessor in the face the visibility gives, and none for a member that is neither public
+// nor protected.
+Sections stateWithAccessor(const _eString& visibility, const Output& declaration, const Output& accessor) {
+    Section face = sectionFor(visibility);
+    Sections state = placed(Section::abstractPart, declaration);
+    return face == Section::abstractPart ? state : state->merge(*placed(face, accessor));
+}
+
+// The value of a bound written in digits alone; -1 for anything else. A bound beyond the
+// largest 32-bit number counts as that number.
+std::int32_t boundValue(const _eString& text) {
+    if (text.isEmpty()) return -1;
+    std::int64_t value = 0;
+    for (int i = 0, n = text.size(); i < n; ++i) {
+        wchar_t c = text.get(i);
+        if (c < L'0' || c > L'9') return -1;
+        value = std::min<std::int64_t>(value * 10 + (c - L'0'), INT32_MAX);
+    }
+    return std::int32_t(value);
+}
+
+bool startsLikeAName(const _eString& name) {
+    if (name.isEmpty()) return false;
+    wchar_t c = name.get(0);
+    return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z') || c == L'_';
+}
+
+// The parameters in braces for a constructor, in parentheses otherwise; none: nothing, or "{}".
+// Outside a constructor, "inout" and "out" parameters are marked as changed.
+Output parameterList(const std::vector<const ParameterRecord*>& list, bool isConstructor) {
+    if (list.empty()) return isConstructor ? tokens({L"{", L"}"}) : none();
+    Output out = none();
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        const ParameterRecord& p = *list[i];
+        _eString separator = i != 0 ? L"," : isConstructor ? L"{" : L"(";
+        Output mode = tokens({L":"});
+        if (!isConstructor && is(p.kind, L"inout")) mode = tokens({L"!", L":"});
+        if (!isConstructor && is(p.kind, L"out")) mode = tokens({L"!", L":", L"out"});
+        out = out + tokens({separator, ClassRenderer::nameOrUnknown(p.name, true)}) + mode +
+              ClassRenderer::typeTokens(p.type);
+    }
+    return out + tokens({isConstructor ? L"}" : L")"});
+}
+
+// The head of a function form: a function by name, or an operator symbol, prefix with one
+// operand and infix with more.
+Output functionHead(const _eString& name, const std::vector<const ParameterRecord*>& parameters) {
+    if (startsLikeAName(name)) return tokens({L"function", name}) + parameterList(parameters, false);
+    if (parameters.size() == 1) return tokens({L"operator", name}) + parameterList(parameters, false);
+    // An operator symbol without parameters has no operand to stand between: it is written as
+    // a prefix operator without parentheses.
+    if (parameters.empty()) return tokens({L"operator", name});
+    std::vector<const ParameterRecord*> first(parameters.begin(), parameters.begin() + 1);
+    std::vector<const ParameterRecord*> rest(parameters.begin() + 1, parameters.end());
+    return tokens({L"operator"}) + parameterList(first, false) + tokens({name}) + parameterList(rest, false);
+}
+
+// What the class at `own` gets for the far end of a two-ended association: a member when it
+// is the class of `classId` and the far end can be navigated to.
+Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord& far, const _eString& classId) {
+    if (!own.singleType || !(own.typeId == classId) || !is(far.isNavigable, L"true")) return TarvaneSections::empty();
+    // The whole of an aggregation or composition on an end that can't be navigated holds its
+    // part by value; every other member refers to its object.
+    bool isRef = is(own.isNavigable, L"true") || !(is(own.aggregation, L"aggregate") || is(own.aggregation, L"composite"));
+    _eString name = ClassRenderer::hasName(far.name)
+                        ? ClassRenderer::nameOrUnknown(far.name, true)
+                        : _eString(ClassRenderer::rolePrefix) +
+                              (far.roleType.kind == TypeRecord::unresolved ? _eString(L"?")
+                                                                           : ClassRenderer::typeName(far.roleType.name));
+    Output declaration =
+        tokens({L"var", name, L":"}) + ClassRenderer::multiplicityType(far.multiplicity, far.type, isRef) + tokens({L";"});
+    return stateWithAccessor(far.visibility, declaration, tokens({L"selector", name, L";"}));
+}
+
+// The part under its section keyword, or nothing when it is empty.
+Output headed(const wchar_t* keyword, const Output& part) { return part->isEmpty() ? none() : tokens({keyword}) + part; }
+
+}  // namespace
+
+_eString ClassRenderer::nameText(const NameRecord& name, bool escape) {
+    auto finish = [escape](const _eString& piece) {
+        _eString trimmed = trimSpaces(piece);
+        return escape ? escapeReservedWord(trimmed) : trimmed;
+    };
+    if (!name.fromElement) return finish(name.text);
+    _eSeq<_eString> pieces;
+    _eString piece;
+    auto endPiece = [&] {
+        _eString trimmed = trimSpaces(piece);
+        for (int i = 0, n = trimmed.size(); i < n; ++i)
+            if (trimmed.get(i) == L' ') trimmed.replaceAt(i, L'_');
+        pieces.pushBack(escape ? escapeReservedWord(trimmed) : trimmed);
+        piece = {};
+    };
+    for (int i = 0, n = name.text.size(); i < n; ++i) {
+        if (name.text.get(i) == L',')
+            endPiece();
+        else
+            piece.pushBack(name.text.get(i));
+    }
+    endPiece();
+    return join(pieces, L", ");
+}
+
+_eString ClassRenderer::nameOrUnknown(const NameRecord& name, bool escape) {
+    _eString text = nameText(name, escape);
+    return text.isEmpty() ? _eString(L"?") : text;
+}
+
+bool ClassRenderer::hasName(const NameRecord& name) { return name.given && !nameText(name, false).isEmpty(); }
+
+_eString ClassRenderer::typeName(const NameRecord& name) {
+    _eString text = nameOrUnknown(name, false);
+    if (is(text, L"boolean")) return L"bool";
+    if (is(text, L"float") || is(text, L"double")) return L"real";
+    return text;
+}
+
+_eHndl<TarvaneOutput> ClassRenderer::typeTokens(const TypeRecord& type) {
+    switch (type.kind) {
+        case TypeRecord::unresolved: return tokens({L"?"});
+        case TypeRecord::named: return tokens({typeName(type.name)});
+        case TypeRecord::classType: return type.leaf ? tokens({typeName(type.name)}) : tokens({L"from", typeName(type.name)});
+    }
+    return tokens({L"?"});
+}
+
+// 0..1 is optional, n..1 plain, a set otherwise, constrained by its lower bound when that is
+// a number other than 0. An upper bound other than 1 is never expressed.
+_eHndl<TarvaneOutput> ClassRenderer::multiplicityType(const MultiplicityRecord& multiplicity, const TypeRecord& type,
+                                                      bool isRef) {
+    Output typeRun = typeTokens(type);
+    if (!multiplicity.single) return typeRun;
+    std::int32_t lower = boundValue(trimSpaces(multiplicity.lower));
+    std::int32_t upper = boundValue(trimSpaces(multiplicity.upper));
+    Output ref = isRef ? tokens({L"ref"}) : none();
+    if (upper == 1 && lower == 0) return ref + typeRun + tokens({L"||", L"void"});
+    if (upper == 1) return ref + typeRun;
+    if (lower > 0)
+        return tokens({L"those", L"x", L":", L"set", L"of"}) + ref + typeRun +
+               tokens({L":-", L"#", L"x", L">=", intToString(lower)});
+    return tokens({L"set", L"of"}) + ref + typeRun;
+}
+
+_eString ClassRenderer::literalText(const _eString& value) {
+    int n = value.size();
+    if (n == 0) return value;
+    wchar_t last = value.get(n - 1);
+    if ((last == L'L' || last == L'l') && isInteger(value.take(n - 1))) return value.take(n - 1);
+    if (n >= 3 && value.get(0) == L'\'' && last == L'\'') return _eString(L"`") + value.take(n - 1).drop(1) + L"`";
+    return value;
+}
+
+// A frozen attribute is a constant with a function to read it; any other a variable of its
+// type and multiplicity with a selector.
+_eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& attribute) {
+    _eString name = nameOrUnknown(attribute.name, true);
+    if (is(attribute.changeability, L"frozen"))
+        return stateWithAccessor(attribute.visibility,
+                                 tokens({L"const", name, L"^=", literalText(attribute.initialValue), L";"}),
+                                 tokens({L"function", name, L";"}));
+    return stateWithAccessor(attribute.visibility,
+                             tokens({L"var", name, L":"}) +
+                                 multiplicityType(attribute.multiplicity, attribute.type, false) + tokens({L";"}),
+                             tokens({L"selector", name, L";"}));
+}
+
+// A constructor when the operation is named "build" or as its class; otherwise a schema when
+// nothing non-void is returned, else a function or an operator. Modifiers and bodies follow.
+_eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& operation, const _eString& className) {
+    bool abstract = is(operation.isAbstract, L"true");
+    _eString name = nameOrUnknown(operation.name, true);
+    bool isConstructor = is(nameOrUnknown(operation.name, false), L"build") || name == className;
+    std::vector<const ParameterRecord*> parameters;
+    std::vector<const ParameterRecord*> returns;
+    for (const ParameterRecord& p : operation.parameters) {
+        if (!is(p.kind, L"return"))
+            parameters.push_back(&p);
+        else if (!p.voidReturn)
+            returns.push_back(&p);
+    }
+    Output body;
+    Output prefix = none();
+    if (isConstructor) {
+        body = tokens({L"build"}) + parameterList(parameters, true) + tokens({L"post", L"?"});
+    } else {
+        if (is(operation.ownerScope, L"classifier"))
+            prefix = tokens({L"nonmember"});
+        else if (abstract)
+            prefix = tokens({L"deferred"});
+        else if (is(operation.isLeaf, L"true"))
+            prefix = tokens({L"final"});
+        if (returns.empty()) {
+            bool allIn = std::all_of(parameters.begin(), parameters.end(),
+                                     [](const ParameterRecord* p) { return is(p->kind, L"in"); });
+            body = tokens({L"schema"}) + (allIn ? tokens({L"!"}) : none()) + tokens({name}) +
+                   parameterList(parameters, false) + (abstract ? none() : tokens({L"post", L"?"}));
+        } else {
+            Output returnType = returns.size() > 1 ? tokens({L":", L"[[Duplicate return declaration]]"})
+                                                   : tokens({L":"}) + typeTokens(returns[0]->type);
+            body = functionHead(name, parameters) + returnType + (abstract ? none() : tokens({L"^=", L"?"}));
+        }
+    }
+    return placed(sectionFor(operation.visibility), prefix + body + tokens({L";"}));
+}
+
+// Members for the navigable far ends of a two-ended association, the first end's first.
+_eHndl<TarvaneSections> ClassRenderer::associationSections(const AssociationRecord& association,
+                                                           const _eString& classId) {
+    if (association.ends.size() != 2) return TarvaneSections::empty();
+    const AssociationEndRecord& first = association.ends[0];
+    const AssociationEndRecord& second = association.ends[1];
+    return endSections(first, second, classId)->merge(*endSections(second, first, classId));
+}
+
+// Features in their order, then the members from associations, each part under its keyword
+// in the order abstract, confined, interface; a class without members still has "interface".
+_eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record) {
+    _eString name = typeName(record.name);
+    Sections sections = TarvaneSections::empty();
+    for (const FeatureRecord& feature : record.features)
+        sections = sections->merge(*(feature.kind == FeatureRecord::attribute
+                                         ? attributeSections(feature.attributeRecord)
+                                         : operationSections(feature.operationRecord, name)));
+    for (const AssociationRecord& association : record.associations)
+        sections = sections->merge(*associationSections(association, record.id));
+    const Output& abstractPart = sections->getAbstractPart();
+    const Output& confinedPart = sections->getConfinedPart();
+    const Output& interfacePart = sections->getInterfacePart();
+    Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty() ? tokens({L"interface"}) + interfacePart
+                                                                              : headed(L"interface", interfacePart);
+    Output prefix = is(record.isLeaf, L"true") ? tokens({L"final"}) : is(record.isAbstract, L"true") ? tokens({L"deferred"}) : none();
+    Output inherits = none();
+    for (std::size_t i = 0; i < record.parents.size(); ++i) {
+        const TypeRecord& parent = record.parents[i];
+        _eString parentName = parent.kind == TypeRecord::unresolved ? _eString(L"?") : typeName(parent.name);
+        inherits = inherits + tokens({i == 0 ? L"inherits" : L",", parentName});
+    }
+    Output body = headed(L"abstract", abstractPart) + headed(L"confined", confinedPart) + interfaceOut + tokens({L"end", L";"});
+    return prefix + tokens({L"class", name, L"^="}) + inherits + body;
+}
