@@ -9285,9 +9285,9 @@ const ReduceTableEntry reductions[] = {
     {19, 1, 0},  // 592 CommentChar : '@'
     {19, 1, 0},  // 593 CommentChar : '$'
     {20, 2, 0},  // 594 XMLFile : document tokEndOfFile
-    {21, 3, 2},  // 595 document : OptS element OptS => 2
-    {21, 4, 3},  // 596 document : OptS PrologHead element OptS => 3
-    {21, 4, 3},  // 597 document : OptS PrologDoctype element OptS => 3
+    {21, 3, 2},  // 595 document : OptS element OptS => documentAfterSpace
+    {21, 4, 3},  // 596 document : OptS PrologHead element OptS => documentAfterProlog
+    {21, 4, 3},  // 597 document : OptS PrologDoctype element OptS => documentAfterProlog
     {21, 2, 0},  // 598 document : document Misc
     {22, 1, 0},  // 599 S : tokWhiteSpace
     {22, 2, 0},  // 600 S : S tokWhiteSpace
@@ -9317,34 +9317,34 @@ const ReduceTableEntry reductions[] = {
     {26, 1, 0},  // 624 NameCharNotL : ':'
     {26, 1, 0},  // 625 NameCharNotL : ExtNameChar
     {26, 1, 0},  // 626 NameCharNotL : tokExtender
-    {27, 1, 8},  // 627 Name : Letter => 8
-    {27, 1, 8},  // 628 Name : '_' => 8
-    {27, 1, 8},  // 629 Name : ':' => 8
-    {27, 2, 10},  // 630 Name : Name NameChar => 10
+    {27, 1, 8},  // 627 Name : Letter => newString
+    {27, 1, 8},  // 628 Name : '_' => newString
+    {27, 1, 8},  // 629 Name : ':' => newString
+    {27, 2, 10},  // 630 Name : Name NameChar => appendToString
     {28, 1, 0},  // 631 Nmtoken : NameChar
     {28, 2, 0},  // 632 Nmtoken : Nmtoken NameChar
     {29, 2, 0},  // 633 EntityValue : EntityValueDQ '"'
     {29, 2, 0},  // 634 EntityValue : EntityValueSQ '\''
-    {30, 1, 11},  // 635 EntityValueDQ : '"' => 11
-    {30, 2, 12},  // 636 EntityValueDQ : EntityValueDQ EntityValueChar => 12
-    {30, 2, 12},  // 637 EntityValueDQ : EntityValueDQ '\'' => 12
-    {30, 2, 13},  // 638 EntityValueDQ : EntityValueDQ PEReference => 13
-    {30, 2, 14},  // 639 EntityValueDQ : EntityValueDQ Reference => 14
-    {31, 1, 11},  // 640 EntityValueSQ : '\'' => 11
-    {31, 2, 12},  // 641 EntityValueSQ : EntityValueSQ EntityValueChar => 12
-    {31, 2, 12},  // 642 EntityValueSQ : EntityValueSQ '"' => 12
-    {31, 2, 13},  // 643 EntityValueSQ : EntityValueSQ PEReference => 13
-    {31, 2, 14},  // 644 EntityValueSQ : EntityValueSQ Reference => 14
+    {30, 1, 11},  // 635 EntityValueDQ : '"' => newEntityValue
+    {30, 2, 12},  // 636 EntityValueDQ : EntityValueDQ EntityValueChar => entityValueCharacter
+    {30, 2, 12},  // 637 EntityValueDQ : EntityValueDQ '\'' => entityValueCharacter
+    {30, 2, 13},  // 638 EntityValueDQ : EntityValueDQ PEReference => entityValuePEReference
+    {30, 2, 14},  // 639 EntityValueDQ : EntityValueDQ Reference => entityValueReference
+    {31, 1, 11},  // 640 EntityValueSQ : '\'' => newEntityValue
+    {31, 2, 12},  // 641 EntityValueSQ : EntityValueSQ EntityValueChar => entityValueCharacter
+    {31, 2, 12},  // 642 EntityValueSQ : EntityValueSQ '"' => entityValueCharacter
+    {31, 2, 13},  // 643 EntityValueSQ : EntityValueSQ PEReference => entityValuePEReference
+    {31, 2, 14},  // 644 EntityValueSQ : EntityValueSQ Reference => entityValueReference
     {32, 2, 0},  // 645 AttValue : AttValueDQ '"'
     {32, 2, 0},  // 646 AttValue : AttValueSQ '\''
-    {33, 1, 15},  // 647 AttValueDQ : '"' => 15
-    {33, 2, 16},  // 648 AttValueDQ : AttValueDQ AttValueChar => 16
-    {33, 2, 16},  // 649 AttValueDQ : AttValueDQ '\'' => 16
-    {33, 2, 17},  // 650 AttValueDQ : AttValueDQ Reference => 17
-    {34, 1, 15},  // 651 AttValueSQ : '\'' => 15
-    {34, 2, 16},  // 652 AttValueSQ : AttValueSQ AttValueChar => 16
-    {34, 2, 16},  // 653 AttValueSQ : AttValueSQ '"' => 16
-    {34, 2, 17},  // 654 AttValueSQ : AttValueSQ Reference => 17
+    {33, 1, 15},  // 647 AttValueDQ : '"' => newAttributeValue
+    {33, 2, 16},  // 648 AttValueDQ : AttValueDQ AttValueChar => attributeValueCharacter
+    {33, 2, 16},  // 649 AttValueDQ : AttValueDQ '\'' => attributeValueCharacter
+    {33, 2, 17},  // 650 AttValueDQ : AttValueDQ Reference => attributeValueReference
+    {34, 1, 15},  // 651 AttValueSQ : '\'' => newAttributeValue
+    {34, 2, 16},  // 652 AttValueSQ : AttValueSQ AttValueChar => attributeValueCharacter
+    {34, 2, 16},  // 653 AttValueSQ : AttValueSQ '"' => attributeValueCharacter
+    {34, 2, 17},  // 654 AttValueSQ : AttValueSQ Reference => attributeValueReference
     {35, 2, 0},  // 655 SystemLiteral : SystemLiteralDQ '"'
     {35, 2, 0},  // 656 SystemLiteral : SystemLiteralSQ '\''
     {36, 1, 0},  // 657 SystemLiteralDQ : '"'
@@ -9384,10 +9384,10 @@ const ReduceTableEntry reductions[] = {
     {41, 1, 0},  // 691 PubidChar : '_'
     {42, 1, 0},  // 692 CharData : CharDataPlain
     {42, 1, 0},  // 693 CharData : CharDataBracket
-    {43, 1, 20},  // 694 CharDataPlain : CharDataChar => 20
-    {43, 2, 21},  // 695 CharDataPlain : CharData CharDataChar => 21
-    {44, 2, 21},  // 696 CharDataBracket : CharDataPlain ']' => 21
-    {44, 1, 20},  // 697 CharDataBracket : ']' => 20
+    {43, 1, 20},  // 694 CharDataPlain : CharDataChar => newCharData
+    {43, 2, 21},  // 695 CharDataPlain : CharData CharDataChar => appendToCharData
+    {44, 2, 21},  // 696 CharDataBracket : CharDataPlain ']' => appendToCharData
+    {44, 1, 20},  // 697 CharDataBracket : ']' => newCharData
     {45, 3, 0},  // 698 Comment : CommentDash "->"
     {46, 2, 0},  // 699 CommentDash : CommentBody '-'
     {47, 4, 0},  // 700 CommentBody : "<!--"
@@ -9423,15 +9423,15 @@ const ReduceTableEntry reductions[] = {
     {55, 3, 0},  // 730 PITargetXML : "xmL"
     {55, 2, 0},  // 731 PITargetXML : PITargetXM 'L'
     {55, 2, 0},  // 732 PITargetXML : PITargetXM 'l'
-    {56, 3, 33},  // 733 CDSect : CDStart CDataBrackets '>' => 33
+    {56, 3, 33},  // 733 CDSect : CDStart CDataBrackets '>' => newCDSect
     {57, 9, 0},  // 734 CDStart : "<![CDATA["
-    {58, 0, 35},  // 735 CData : empty => 35
-    {58, 2, 21},  // 736 CData : CData CDataChar => 21
-    {58, 2, 21},  // 737 CData : CDataBracket CDataChar => 21
-    {58, 2, 21},  // 738 CData : CDataBrackets CDataCharNoGt => 21
-    {59, 2, 21},  // 739 CDataBracket : CData ']' => 21
-    {60, 2, 21},  // 740 CDataBrackets : CDataBracket ']' => 21
-    {60, 2, 21},  // 741 CDataBrackets : CDataBrackets ']' => 21
+    {58, 0, 35},  // 735 CData : empty => emptyCharData
+    {58, 2, 21},  // 736 CData : CData CDataChar => appendToCharData
+    {58, 2, 21},  // 737 CData : CDataBracket CDataChar => appendToCharData
+    {58, 2, 21},  // 738 CData : CDataBrackets CDataCharNoGt => appendToCharData
+    {59, 2, 21},  // 739 CDataBracket : CData ']' => appendToCharData
+    {60, 2, 21},  // 740 CDataBrackets : CDataBracket ']' => appendToCharData
+    {60, 2, 21},  // 741 CDataBrackets : CDataBrackets ']' => appendToCharData
     {61, 2, 0},  // 742 PrologHead : XMLDecl OptS
     {61, 1, 0},  // 743 PrologHead : Misc
     {61, 2, 0},  // 744 PrologHead : PrologHead Misc
@@ -9480,25 +9480,25 @@ const ReduceTableEntry reductions[] = {
     {78, 4, 0},  // 787 SDValue : "'no'"
     {78, 5, 0},  // 788 SDValue : "\"yes\""
     {78, 4, 0},  // 789 SDValue : "\"no\""
-    {79, 1, 43},  // 790 element : EmptyElemTag => 43
-    {79, 3, 44},  // 791 element : STag content ETag => 44
-    {80, 4, 45},  // 792 STag : '<' Name AttributeList '>' => 45
-    {80, 5, 46},  // 793 STag : '<' Name AttributeList S '>' => 46
-    {81, 0, 47},  // 794 AttributeList : empty => 47
-    {81, 3, 48},  // 795 AttributeList : AttributeList S Attribute => 48
-    {82, 3, 49},  // 796 Attribute : Name Eq AttValue => 49
-    {83, 5, 50},  // 797 ETag : "</" Name OptS '>' => 50
+    {79, 1, 43},  // 790 element : EmptyElemTag => emptyElement
+    {79, 3, 44},  // 791 element : STag content ETag => element
+    {80, 4, 45},  // 792 STag : '<' Name AttributeList '>' => startTag
+    {80, 5, 46},  // 793 STag : '<' Name AttributeList S '>' => startTagWithSpace
+    {81, 0, 47},  // 794 AttributeList : empty => newAttributeList
+    {81, 3, 48},  // 795 AttributeList : AttributeList S Attribute => addAttribute
+    {82, 3, 49},  // 796 Attribute : Name Eq AttValue => newAttribute
+    {83, 5, 50},  // 797 ETag : "</" Name OptS '>' => endTag
     {84, 1, 0},  // 798 content : ContentItems
     {84, 1, 0},  // 799 content : ContentText
-    {85, 0, 51},  // 800 ContentItems : empty => 51
-    {85, 2, 52},  // 801 ContentItems : content element => 52
-    {85, 2, 53},  // 802 ContentItems : content Reference => 53
-    {85, 2, 54},  // 803 ContentItems : content CDSect => 54
+    {85, 0, 51},  // 800 ContentItems : empty => newContent
+    {85, 2, 52},  // 801 ContentItems : content element => contentElement
+    {85, 2, 53},  // 802 ContentItems : content Reference => contentReference
+    {85, 2, 54},  // 803 ContentItems : content CDSect => contentCDSect
     {85, 2, 0},  // 804 ContentItems : content PI
     {85, 2, 0},  // 805 ContentItems : content Comment
-    {86, 2, 55},  // 806 ContentText : ContentItems CharData => 55
-    {87, 5, 56},  // 807 EmptyElemTag : '<' Name AttributeList "/>" => 56
-    {87, 6, 57},  // 808 EmptyElemTag : '<' Name AttributeList S "/>" => 57
+    {86, 2, 55},  // 806 ContentText : ContentItems CharData => contentCharData
+    {87, 5, 56},  // 807 EmptyElemTag : '<' Name AttributeList "/>" => emptyTag
+    {87, 6, 57},  // 808 EmptyElemTag : '<' Name AttributeList S "/>" => emptyTagWithSpace
     {88, 15, 0},  // 809 elementdecl : "<!ELEMENT" S Name S contentspec OptS '>'
     {89, 5, 0},  // 810 contentspec : "EMPTY"
     {89, 3, 0},  // 811 contentspec : "ANY"
@@ -9580,12 +9580,12 @@ const ReduceTableEntry reductions[] = {
     {123, 0, 0},  // 887 ExternalSubsetD9 : ~
     {124, 0, 0},  // 888 ExternalSubsetD10 : ~
     {125, 0, 0},  // 889 ExternalSubsetD11 : ~
-    {126, 4, 75},  // 890 CharRef : "&#" DecimalNumber ';' => 75
-    {126, 5, 76},  // 891 CharRef : "&#x" HexNumber ';' => 76
-    {127, 1, 77},  // 892 DecimalNumber : Digit => 77
-    {127, 2, 78},  // 893 DecimalNumber : DecimalNumber Digit => 78
-    {128, 1, 77},  // 894 HexNumber : HexDigit => 77
-    {128, 2, 79},  // 895 HexNumber : HexNumber HexDigit => 79
+    {126, 4, 75},  // 890 CharRef : "&#" DecimalNumber ';' => decimalCharReference
+    {126, 5, 76},  // 891 CharRef : "&#x" HexNumber ';' => hexCharReference
+    {127, 1, 77},  // 892 DecimalNumber : Digit => newNumber
+    {127, 2, 78},  // 893 DecimalNumber : DecimalNumber Digit => decimalDigit
+    {128, 1, 77},  // 894 HexNumber : HexDigit => newNumber
+    {128, 2, 79},  // 895 HexNumber : HexNumber HexDigit => hexDigit
     {129, 1, 0},  // 896 HexDigit : Digit
     {129, 1, 0},  // 897 HexDigit : 'a'
     {129, 1, 0},  // 898 HexDigit : 'b'
@@ -9601,8 +9601,8 @@ const ReduceTableEntry reductions[] = {
     {129, 1, 0},  // 908 HexDigit : 'F'
     {130, 1, 0},  // 909 Reference : EntityRef
     {130, 1, 0},  // 910 Reference : CharRef
-    {131, 3, 80},  // 911 EntityRef : '&' Name ';' => 80
-    {132, 3, 81},  // 912 PEReference : '%' Name ';' => 81
+    {131, 3, 80},  // 911 EntityRef : '&' Name ';' => entityReference
+    {132, 3, 81},  // 912 PEReference : '%' Name ';' => peReference
     {133, 1, 0},  // 913 EntityDecl : GEDecl
     {133, 1, 0},  // 914 EntityDecl : PEDecl
     {134, 13, 0},  // 915 GEDecl : "<!ENTITY" S Name S EntityDef '>'

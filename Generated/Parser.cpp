@@ -1,12 +1,8 @@
 #include "Generated/Parser.h"
 
-#include <algorithm>
-
 #include "runtime/StringUtils.h"
 
 namespace {
-
-const ActionTableEntry noEntry{0, ActionName::error, 0};
 
 bool isErrorToken(const _eHndl<Terminal>& t) { return t->getToken() == Token::error; }
 
@@ -16,56 +12,6 @@ Parser::Parser(const _eHndl<ParseControl>& control, std::int32_t initialState)
     : state(initialState), control(control), reduceLocation(Location::nowhere()), tokenLocation(Location::nowhere()) {}
 
 bool Parser::equalFields(const Parser&) const { raiseCannotHappen(_xPlaces::parserAbsurd); }
-
-// The search of the row, done leaf by leaf: the leaf that can hold the symbol is the first
-// whose last entry is not below it, and within a leaf the entries lie side by side.
-ActionTableEntry Parser::lookupEntry(const ActionTable& table, std::int32_t symbol) const {
-    const _eSeq<ActionTableEntry>& row = table.get(state);
-    std::int32_t n = row.size();
-    if (n == 0) return noEntry;
-    const ActionTableEntry* entries;
-    std::int32_t count;
-    const _eBaseNode<ActionTableEntry>* root = row.rootNode();
-    if (root->level() == 0) {
-        entries = root->asLeaf()->data();
-        count = n;
-    } else {
-        const _eBranchNode<ActionTableEntry>* branch = root->asBranch();
-        if (branch->level() != 1) return searchRow(row, symbol);
-        const _eLeafNode<ActionTableEntry>* leaf = nullptr;
-        for (int c = 0, children = branch->childCount(); c < children; ++c) {
-            leaf = branch->child(c)->asLeaf();
-            if (leaf->data()[leaf->size() - 1].symbol >= symbol) break;
-        }
-        entries = leaf->data();
-        count = leaf->size();
-    }
-    const ActionTableEntry* end = entries + count;
-    const ActionTableEntry* at = std::lower_bound(
-        entries, end, symbol, [](const ActionTableEntry& e, std::int32_t s) { return e.symbol < s; });
-    return at != end && at->symbol == symbol ? *at : noEntry;
-}
-
-// The search by element access alone, for rows of any shape.
-ActionTableEntry Parser::searchRow(const _eSeq<ActionTableEntry>& row, std::int32_t symbol) {
-    std::int32_t n = row.size();
-    const ActionTableEntry& first = row.get(0);
-    if (first.symbol == symbol) return first;
-    if (n == 1) return noEntry;
-    std::int32_t low = 0;
-    std::int32_t high = n;
-    while (low + 1 != high) {
-        std::int32_t middle = (low + high) / 2;
-        const ActionTableEntry& e = row.get(middle);
-        if (symbol > e.symbol)
-            low = middle;
-        else if (symbol < e.symbol)
-            high = middle;
-        else
-            return e;
-    }
-    return noEntry;
-}
 
 void Parser::offerToken(const _eHndl<Terminal>& offered) {
     _eFreeze freeze(this);

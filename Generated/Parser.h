@@ -34,15 +34,11 @@ public:
     const ParseStack& getStack() const { return stack; }
 
 protected:
-    // The entry for `symbol` in the current state's row: a binary search; absent gives error.
-    ActionTableEntry lookupEntry(const ActionTable& table, std::int32_t symbol) const;
-
     ParseStack stack;
     std::int32_t state;
     const _eHndl<Location>& getReduceLocation() const { return reduceLocation; }
 
 private:
-    static ActionTableEntry searchRow(const _eSeq<ActionTableEntry>& row, std::int32_t symbol);
     // Reports `current`, pops to a state that takes the error token, and makes it the current token.
     void resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry);
     void reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry);

@@ -4,21 +4,9 @@
 
 #include <cstdint>
 
+#include "Generated/GrcParse.h"
 #include "Generated/Location.h"
 #include "runtime/Class.h"
-
-// Token codes above the 256 characters.
-namespace Token {
-inline constexpr std::int32_t endOfFile = 256;
-inline constexpr std::int32_t error = 257;
-inline constexpr std::int32_t baseChar = 259;
-inline constexpr std::int32_t extNameCharA = 260;
-inline constexpr std::int32_t whiteSpace = 261;
-inline constexpr std::int32_t extNameCharB = 262;
-inline constexpr std::int32_t extender = 263;
-inline constexpr std::int32_t otherChar = 264;
-inline constexpr std::int32_t illegalChar = 265;
-}  // namespace Token
 
 class StackValue : public _eClass<StackValue, _eAny> {
 public:
