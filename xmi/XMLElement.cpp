@@ -148,15 +148,19 @@ _eString XMLElement::isAbstract(const _eHndl<Context>& context) const {
     return attributeOrSubElement(L"isAbstract", L"UML:GeneralizableElement.isAbstract", context);
 }
 
-_eString XMLElement::canonicalTagName(const _eString& tag) {
-    return XMLNames::derived(tag, [](const _eString& written) -> _eString {
-        for (const wchar_t* prefix : {L"Model_Management.", L"Foundation.Core.", L"Foundation.Data_Types."}) {
-            _eString p = prefix;
-            if (written.startsWith(p)) return _eString(L"UML:") + written.drop(p.size());
-        }
-        return written;
-    });
+namespace {
+
+_eString withShortPrefix(const _eString& written) {
+    for (const wchar_t* prefix : {L"Model_Management.", L"Foundation.Core.", L"Foundation.Data_Types."}) {
+        _eString p = prefix;
+        if (written.startsWith(p)) return _eString(L"UML:") + written.drop(p.size());
+    }
+    return written;
 }
+
+}  // namespace
+
+_eString XMLElement::canonicalTagName(const _eString& tag) { return XMLNames::derived<withShortPrefix>(tag); }
 
 _eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
                                                   const _eHndl<XMLETag>& endTag) {

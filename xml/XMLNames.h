@@ -1,6 +1,11 @@
 // Names of tags and attributes repeat all through a document, so equal names share one string.
 #pragma once
 
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
 #include "runtime/Seq.h"
 
 class XMLNames {
@@ -10,11 +15,27 @@ public:
     static constexpr int capacity = 4096;
     static constexpr int longest = 128;
 
+    using Derivation = _eString (*)(const _eString&);
+
     // A string equal to `name`: the one kept for that text if there is one, else `name` itself,
     // which is then kept if there is room.
     static _eString shared(const _eString& name);
-    // The string kept for `name` by `derive`, made by it on the first request: a name that
-    // stands for another, such as a long tag for its canonical form, is worked out once.
-    // There is one such table, so every caller passes the same function.
-    static _eString derived(const _eString& name, _eString (*derive)(const _eString&));
+    // The string that `Derive` makes of `name`, made on the first request and kept: a name that
+    // stands for another, such as a long tag for its canonical form, is worked out once. Each
+    // derivation keeps a table of its own.
+    template <Derivation Derive>
+    static _eString derived(const _eString& name) {
+        static Table kept;
+        return derivedIn(kept, name, Derive);
+    }
+
+private:
+    struct TextHash {
+        using is_transparent = void;
+        std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
+    };
+    // Strings kept by a text, so that a lookup costs one hash of the units and one comparison.
+    using Table = std::unordered_map<std::wstring, _eString, TextHash, std::equal_to<>>;
+
+    static _eString derivedIn(Table& table, const _eString& name, Derivation derive);
 };

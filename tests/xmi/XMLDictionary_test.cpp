@@ -134,6 +134,19 @@ TEST(XMLDictionary, RelationshipsOfAClassFollowLaterAdditions) {
     EXPECT_EQ(at, ofA.size());
 }
 
+namespace {
+
+int derivations = 0;
+
+_eString markOnce(const _eString& name) {
+    ++derivations;
+    return name + _eString(L"!");
+}
+
+_eString markTwice(const _eString& name) { return name + _eString(L"!!"); }
+
+}  // namespace
+
 TEST(XMLNames, EqualNamesShareOneStringWithinBounds) {
     _eString first = XMLNames::shared(_eString(L"UML:Class.shared-name-test"));
     _eString again = XMLNames::shared(_eString(L"UML:Class.shared-name-test"));
@@ -145,19 +158,17 @@ TEST(XMLNames, EqualNamesShareOneStringWithinBounds) {
     EXPECT_TRUE(longOne == longAgain);
     EXPECT_NE(longOne.rootNode(), longAgain.rootNode());
 
-    // A derived name is worked out once and then shared; an overlong one every time.
-    static int derivations = 0;
-    auto mark = [](const _eString& name) -> _eString {
-        ++derivations;
-        return name + _eString(L"!");
-    };
-    _eString derived = XMLNames::derived(_eString(L"derived-name-test"), mark);
+    // A derived name is worked out once and then shared; an overlong one every time. Each
+    // derivation keeps its own answers: the same name through another gives that one's.
+    _eString derived = XMLNames::derived<markOnce>(_eString(L"derived-name-test"));
     EXPECT_EQ(toWString(derived), L"derived-name-test!");
-    EXPECT_EQ(XMLNames::derived(_eString(L"derived-name-test"), mark).rootNode(), derived.rootNode());
+    EXPECT_EQ(XMLNames::derived<markOnce>(_eString(L"derived-name-test")).rootNode(), derived.rootNode());
     EXPECT_EQ(derivations, 1);
-    XMLNames::derived(longOne, mark);
-    XMLNames::derived(longOne, mark);
+    XMLNames::derived<markOnce>(longOne);
+    XMLNames::derived<markOnce>(longOne);
     EXPECT_EQ(derivations, 3);
+    EXPECT_EQ(toWString(XMLNames::derived<markTwice>(_eString(L"derived-name-test"))), L"derived-name-test!!");
+    EXPECT_EQ(toWString(XMLNames::derived<markOnce>(_eString(L"derived-name-test"))), L"derived-name-test!");
 
     // Once the table is full, new names come back as given and equal names stay apart.
     for (int i = 0; i < XMLNames::capacity; ++i) XMLNames::shared(_eString(std::wstring_view(L"filler" + std::to_wstring(i))));
