@@ -1,22 +1,27 @@
 #include "Generated/XMLImporter.h"
 
+#include "Generated/ImporterState.h"
+
 #include "runtime/Failure.h"
 #include "runtime/StringUtils.h"
 
 XMLImporter::XMLImporter(const Environment* environment)
-    : linesParsed(0), environment(environment), tabWidth(4), parseDiagnostics(L"<no parse attempted yet>") {}
+    : state(new State{{}, {}, {}, 0, {}, environment, 4, L"<no parse attempted yet>"}) {}
 
-XMLImporter::XMLImporter() : linesParsed(0), tabWidth(4) {}
+XMLImporter::XMLImporter() : state(new State{{}, {}, {}, 0, {}, {}, 4, {}}) {}
 
-XMLImporter::XMLImporter(const XMLImporter& other) = default;
+XMLImporter::XMLImporter(const XMLImporter& other) : state(new State(*other.state)) {}
 
-XMLImporter& XMLImporter::operator=(const XMLImporter& other) = default;
+XMLImporter& XMLImporter::operator=(const XMLImporter& other) {
+    *state = *other.state;
+    return *this;
+}
 
 XMLImporter::~XMLImporter() = default;
 
 bool XMLImporter::operator==(const XMLImporter&) const { raiseCannotHappen(_xPlaces::importerEquality); }
 
-_eString XMLImporter::getParseDiagnostics() const { return parseDiagnostics; }
+_eString XMLImporter::getParseDiagnostics() const { return state->parseDiagnostics; }
 
 const _eFullTypeInfo* XMLImporter::_aGetFullTypeInfo() const { return _aTypeRecord(); }
 
@@ -31,14 +36,14 @@ const _eFullTypeInfo* XMLImporter::_aTypeRecord() {
 
 _eSeq<_eString> XMLImporter::getErrorList(bool shortFileNames) const {
     _eSeq<_eString> lines;
-    for (int i = 0, n = errors.size(); i < n; ++i) lines.pushBack(errors.at(i)->text(shortFileNames));
+    for (int i = 0, n = state->errors.size(); i < n; ++i) lines.pushBack(state->errors.at(i)->text(shortFileNames));
     return lines;
 }
 
 _eString XMLImporter::getMostSevereErrorMsg() const {
     ErrorSeverity::_eEnum worst = mostSevereError();
-    for (int i = 0, n = errors.size(); i < n; ++i)
-        if (errors.at(i)->severity() == worst) return errors.at(i)->text(true);
+    for (int i = 0, n = state->errors.size(); i < n; ++i)
+        if (state->errors.at(i)->severity() == worst) return state->errors.at(i)->text(true);
     return {};
 }
 
@@ -56,30 +61,30 @@ std::int32_t countWhere(const XMLErrors& errors, Test test) {
 }  // namespace
 
 std::int32_t XMLImporter::numErrors() const {
-    return countWhere(errors, [](ErrorSeverity::_eEnum s) { return s > ErrorSeverity::warning; });
+    return countWhere(state->errors, [](ErrorSeverity::_eEnum s) { return s > ErrorSeverity::warning; });
 }
 
 std::int32_t XMLImporter::numWarnings() const {
-    return countWhere(errors, [](ErrorSeverity::_eEnum s) { return s == ErrorSeverity::warning; });
+    return countWhere(state->errors, [](ErrorSeverity::_eEnum s) { return s == ErrorSeverity::warning; });
 }
 
-void XMLImporter::addErrors(XMLErrors newErrors) { errors.addAll(newErrors); }
+void XMLImporter::addErrors(XMLErrors newErrors) { state->errors.addAll(newErrors); }
 
 ErrorSeverity::_eEnum XMLImporter::mostSevereError() const {
     _eSet<ErrorSeverity::_eEnum> severities;
-    for (int i = 0, n = errors.size(); i < n; ++i) severities.add(errors.at(i)->severity());
+    for (int i = 0, n = state->errors.size(); i < n; ++i) severities.add(state->errors.at(i)->severity());
     if (severities.isEmpty()) return ErrorSeverity::inform;
     return severities.at(severities.size() - 1);
 }
 
 bool XMLImporter::noSeriousError() const {
-    return errors.isEmpty() || mostSevereError() <= ErrorSeverity::warning;
+    return state->errors.isEmpty() || mostSevereError() <= ErrorSeverity::warning;
 }
 
 void XMLImporter::attemptParse(_eString fileName, _eString profileRequest, bool& success) {
-    if (environment.isNull()) {
+    if (state->environment.isNull()) {
         // An importer made without an environment can't reach the file.
-        parseDiagnostics = _eString(L"Failed to open '") + fileName + L"' for parsing!";
+        state->parseDiagnostics = _eString(L"Failed to open '") + fileName + L"' for parsing!";
         success = false;
         return;
     }
@@ -87,42 +92,43 @@ void XMLImporter::attemptParse(_eString fileName, _eString profileRequest, bool&
     // run goes on unprofiled. Its failures never reach the errors.
     _eHndl<FileRef> profile;
     if (!profileRequest.isEmpty()) {
-        profile = environment->open(L"profile.txt", FileModes(FileModeType::create)).as<FileRef>();
-        if (!profile.isNull()) environment->startProfiler();
+        profile = state->environment->open(L"profile.txt", FileModes(FileModeType::create)).as<FileRef>();
+        if (!profile.isNull()) state->environment->startProfiler();
     }
-    FileName file(fileName, environment.get());
+    FileName file(fileName, state->environment.get());
     parseFile(&file, false);
     if (!profile.isNull()) {
         FileError::_eEnum ignored;
-        environment->writeProfile(profile, ignored);
-        environment->close(profile, ignored);
+        state->environment->writeProfile(profile, ignored);
+        state->environment->close(profile, ignored);
     }
-    success = errors.isEmpty();
+    success = state->errors.isEmpty();
     if (!success) return;
-    parsedFile = new FileName(file);
-    _eHndl<FileStats> stats = environment->stats(fileName).as<FileStats>();
-    parsedFileTime = stats.isNull() ? _eHndl<Time>() : stats->getLastModified();
-    if (!document.isNull()) document.uniquePointer()->analyse();
+    state->parsedFile = new FileName(file);
+    _eHndl<FileStats> stats = state->environment->stats(fileName).as<FileStats>();
+    state->parsedFileTime = stats.isNull() ? _eHndl<Time>() : stats->getLastModified();
+    if (!state->document.isNull()) state->document.uniquePointer()->analyse();
 }
 
 void XMLImporter::parseFile(const FileName* file, bool showProgress) {
-    parseDiagnostics = {};
+    state->parseDiagnostics = {};
     _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
-    _eHndl<XMLLex> lexer(new XMLLex(environment.get(), tabWidth));
+    _eHndl<XMLLex> lexer(new XMLLex(state->environment.get(), state->tabWidth));
     bool opened = false;
     lexer->openFile(_eHndl<FileName>(new FileName(*file)), opened);
     if (opened) {
-        std::int32_t start = environment->processorTime();
+        std::int32_t start = state->environment->processorTime();
         processAllTokens(parser, lexer, showProgress);
-        std::int32_t elapsed = (environment->processorTime() - start) / environment->ticksPerSecond();
-        parseDiagnostics = parseDiagnostics + L"Parsed " + intToString(lexer->lineNumber()) + L" lines from file '" +
-                           file->fileNameText() + L"' in " + intToString(elapsed) + L" seconds\n";
-        linesParsed += lexer->lineNumber();
-        document = dynamic_cast<XMLDocument*>(parser->getResult().get());
+        std::int32_t elapsed = (state->environment->processorTime() - start) / state->environment->ticksPerSecond();
+        state->parseDiagnostics = state->parseDiagnostics + L"Parsed " + intToString(lexer->lineNumber()) +
+                                  L" lines from file '" + file->fileNameText() + L"' in " + intToString(elapsed) +
+                                  L" seconds\n";
+        state->linesParsed += lexer->lineNumber();
+        state->document = dynamic_cast<XMLDocument*>(parser->getResult().get());
         lexer->closeFile();
         addErrors(parser->getErrors());
     } else {
-        parseDiagnostics = _eString(L"Failed to open '") + file->fullPathText() + L"' for parsing!";
+        state->parseDiagnostics = _eString(L"Failed to open '") + file->fullPathText() + L"' for parsing!";
     }
     addErrors(lexer->getErrors());
 }
@@ -135,11 +141,11 @@ void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& le
         lexer->nextToken(token);
         if (showProgress && token->getLocation()->getLine() != lastLine) {
             lastLine = token->getLocation()->getLine();
-            parseDiagnostics = parseDiagnostics + L"\rParsed line " + intToString(lastLine);
+            state->parseDiagnostics = state->parseDiagnostics + L"\rParsed line " + intToString(lastLine);
         }
         parser->offerToken(token);
     }
-    if (showProgress) parseDiagnostics = parseDiagnostics + L"\n";
+    if (showProgress) state->parseDiagnostics = state->parseDiagnostics + L"\n";
 }
 
 const _eSet<_eString>& XMLImporter::classesToIgnore() {
@@ -155,8 +161,8 @@ const _eSet<_eString>& XMLImporter::classesToIgnore() {
 
 _eSeq<_eString> XMLImporter::getClassList() const {
     _eSeq<_eString> list;
-    if (document.isNull()) return list;
-    ClassMap classes = document->getClasses();
+    if (state->document.isNull()) return list;
+    ClassMap classes = state->document->getClasses();
     _eSet<_eString> names;
     for (int i = 0, n = classes.size(); i < n; ++i) names.add(classes.at(i).first);
     for (int i = 0, n = names.size(); i < n; ++i)
@@ -165,43 +171,43 @@ _eSeq<_eString> XMLImporter::getClassList() const {
 }
 
 ValidityStatus::_eEnum XMLImporter::getValidityStatus(_eString fileName) const {
-    if (environment.isNull()) return ValidityStatus::Invalid;
-    FileName file(fileName, environment.get());
-    if (document.isNull()) return ValidityStatus::Invalid;
-    const XMLDocument& parsed = *document;
+    if (state->environment.isNull()) return ValidityStatus::Invalid;
+    FileName file(fileName, state->environment.get());
+    if (state->document.isNull()) return ValidityStatus::Invalid;
+    const XMLDocument& parsed = *state->document;
     if (typeid(parsed) != typeid(XMLDocument)) return ValidityStatus::Invalid;
-    if (parsedFile.isNull() || !(*parsedFile == file)) return ValidityStatus::Invalid;
-    if (parsedFileTime.isNull()) return ValidityStatus::Unknown;
-    _eHndl<FileStats> stats = environment->stats(file.fullPathText()).as<FileStats>();
+    if (state->parsedFile.isNull() || !(*state->parsedFile == file)) return ValidityStatus::Invalid;
+    if (state->parsedFileTime.isNull()) return ValidityStatus::Unknown;
+    _eHndl<FileStats> stats = state->environment->stats(file.fullPathText()).as<FileStats>();
     if (stats.isNull()) return ValidityStatus::Unknown;
-    return *stats->getLastModified() == *parsedFileTime ? ValidityStatus::Valid : ValidityStatus::Invalid;
+    return *stats->getLastModified() == *state->parsedFileTime ? ValidityStatus::Valid : ValidityStatus::Invalid;
 }
 
 template <class Generate>
 void XMLImporter::generate(Generate run, bool& success) {
-    if (document.isNull() || environment.isNull()) {
+    if (state->document.isNull() || state->environment.isNull()) {
         // Nothing was parsed that could be generated: reported as no XMI document.
-        addError(errors, Location::nowhere(), XMLErrorType::notXMI);
+        addError(state->errors, Location::nowhere(), XMLErrorType::notXMI);
         success = false;
         return;
     }
-    FileName source = parsedFile.isNull() ? FileName() : *parsedFile;
-    run(*document.uniquePointer(), source);
-    XMLErrors documentErrors = document->getErrors();
+    FileName source = state->parsedFile.isNull() ? FileName() : *state->parsedFile;
+    run(*state->document.uniquePointer(), source);
+    XMLErrors documentErrors = state->document->getErrors();
     addErrors(documentErrors);
     success = documentErrors.isEmpty();
 }
 
 void XMLImporter::generateClassFile(_eString directory, _eString className, bool& success) {
     generate([&](XMLDocument& doc, const FileName& source) {
-        doc.generateClassFile(className, directory, source, environment);
+        doc.generateClassFile(className, directory, source, state->environment);
     }, success);
 }
 
 void XMLImporter::generateSingleFile(_eString directory, _eString fileName, _eSet<_eString> classNames, bool& success) {
     generate([&](XMLDocument& doc, const FileName& source) {
-        FileName target(directory, fileName, L"tv", environment.get());
-        doc.generateSingleFile(target, classNames, source, environment);
+        FileName target(directory, fileName, L"tv", state->environment.get());
+        doc.generateSingleFile(target, classNames, source, state->environment);
     }, success);
 }
 

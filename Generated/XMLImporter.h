@@ -1,16 +1,24 @@
 // The exported face of the library: a host makes an importer on its `Environment`, gives it
 // an XMI file, and asks it for classes, diagnostics and generated files.
+//
+// The importer's data lies behind one pointer, so that the class keeps its size and layout
+// as the library grows: a host built against one 1.x release runs with every later one. This
+// header holds only what a host needs: strings, sets, the environment and the result enums.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
-#include "Generated/XMLError.h"
-#include "Generated/XMLParser.h"
+#include "Generated/ErrorEnums.h"
 #include "environment/Environment.h"
-#include "runtime/Seq.h"
-#include "runtime/TypeInfo.h"
-#include "xml/XMLDocument.h"
-#include "xml/XMLLex.h"
+
+class FileName;
+class XMLError;
+class XMLLex;
+class XMLParser;
+struct _eFullTypeInfo;
+class _eInstblTypeInfo;
+using XMLErrors = _eSet<_eHndl<XMLError>>;
 
 class MB_API XMLImporter {
 public:
@@ -62,6 +70,9 @@ private:
 
     static const _eFullTypeInfo* _aTypeRecord();
 
+    // The fields of the importer, in their declared order (Generated/ImporterState.h).
+    struct State;
+
     // Runs lexer and parser over the file; keeps the document, the diagnostics and the errors.
     void parseFile(const FileName* file, bool showProgress);
     void processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress);
@@ -75,12 +86,5 @@ private:
     ErrorSeverity::_eEnum mostSevereError() const;
     bool noSeriousError() const;
 
-    _eHndl<XMLDocument> document;               // of the last parse that could open its file
-    _eHndl<FileName> parsedFile;                // of the last parse without any error
-    _eHndl<Time> parsedFileTime;                // that file's modification time after the parse
-    [[maybe_unused]] std::int32_t linesParsed;  // lines read over all parses; nothing reads it
-    XMLErrors errors;                           // every error so far; it only grows
-    _eHndl<const Environment> environment;      // taken at construction
-    std::int32_t tabWidth;                      // column step of a tab in the lexer
-    _eString parseDiagnostics;                  // report of the last parse
+    std::unique_ptr<State> state;  // never null
 };

@@ -19,6 +19,15 @@ PKG_CONFIG_PATH="$prefix/lib/pkgconfig" c++ -o "$prefix/host-pkg" "$root/tests/i
     $(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs modelbridge)
 [ "$(LD_LIBRARY_PATH="$prefix/lib" "$prefix/host-pkg" "$model")" = "$expected" ]
 
+# The public header brings a host what it uses and none of the reader, the tree or the writer.
+internal=$(echo '#include "Generated/XMLImporter.h"' | c++ -std=c++20 -x c++ -fsyntax-only -H -I"$prefix/include/ModelBridge" - 2>&1 \
+    | grep -E 'ModelBridge/(xml|xmi|output)/|XMLParser|XMLLex' || true)
+if [ -n "$internal" ]; then
+    echo "the public header pulls in internals:" >&2
+    echo "$internal" >&2
+    exit 1
+fi
+
 # The library exports its interface and none of its internals.
 symbols=$(nm -D --defined-only -C "$prefix/lib/libModelBridge.so" | awk '{ $1 = ""; $2 = ""; print }')
 echo "$symbols" | grep -q "XMLImporter::attemptParse"

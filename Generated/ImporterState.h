@@ -1,0 +1,19 @@
+// The fields of `XMLImporter`, kept behind its one pointer. A copy of the state shares every
+// handle by count, as a copy of the importer does.
+#pragma once
+
+#include "Generated/XMLImporter.h"
+#include "Generated/XMLParser.h"
+#include "xml/XMLDocument.h"
+#include "xml/XMLLex.h"
+
+struct XMLImporter::State {
+    _eHndl<XMLDocument> document;               // of the last parse that could open its file
+    _eHndl<FileName> parsedFile;                // of the last parse without any error
+    _eHndl<Time> parsedFileTime;                // that file's modification time after the parse
+    [[maybe_unused]] std::int32_t linesParsed;  // lines read over all parses; nothing reads it
+    XMLErrors errors;                           // every error so far; it only grows
+    _eHndl<const Environment> environment;      // taken at construction
+    std::int32_t tabWidth;                      // column step of a tab in the lexer
+    _eString parseDiagnostics;                  // report of the last parse
+};
