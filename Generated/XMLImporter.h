@@ -74,6 +74,8 @@ private:
     struct State;
 
     // Runs lexer and parser over the file; keeps the document, the diagnostics and the errors.
+    // `showProgress` adds a line count to the diagnostics; the public road never asks for it,
+    // but the member and its argument belong to the importer's fixed list of members.
     void parseFile(const FileName* file, bool showProgress);
     void processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress);
     static const _eSet<_eString>& classesToIgnore();

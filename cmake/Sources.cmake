@@ -1,4 +1,6 @@
-# The library's sources, by folder.
+# The library's sources, by folder. The folders are fixed by the design, names included:
+# Generated/ holds the importer, the parser and its stack beside the emitted tables, though only
+# GrcParse is written by a program.
 set(MODELBRIDGE_SOURCES
   runtime/Any.cpp
   runtime/Failure.cpp

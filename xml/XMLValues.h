@@ -8,6 +8,8 @@ class XMLEntityValueElement : public _eAbstractClass<XMLEntityValueElement, _eAn
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 0};
 
+    // The context belongs to the fixed shape of value texts: every caller hands one on, and no
+    // value reads it.
     virtual _eString text(const _eHndl<Context>& context) const = 0;
     // Appends the text to `out`: a value is read one element after another.
     virtual void appendText(_eString& out, const _eHndl<Context>& context) const { out.appendAll(text(context)); }
