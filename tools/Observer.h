@@ -73,25 +73,6 @@ inline std::wstring widen(const std::string& bytes) {
     return out;
 }
 
-// For reading by people: units below 128 as they are, others as UTF-8.
-inline std::string toUtf8(const std::wstring& text) {
-    std::string out;
-    for (wchar_t w : text) {
-        auto c = std::uint32_t(w);
-        if (c < 0x80) {
-            out.push_back(char(c));
-        } else if (c < 0x800) {
-            out.push_back(char(0xC0 | (c >> 6)));
-            out.push_back(char(0x80 | (c & 0x3F)));
-        } else {
-            out.push_back(char(0xE0 | ((c >> 12) & 0x0F)));
-            out.push_back(char(0x80 | ((c >> 6) & 0x3F)));
-            out.push_back(char(0x80 | (c & 0x3F)));
-        }
-    }
-    return out;
-}
-
 inline void replaceAll(std::wstring& text, const std::wstring& from, const std::wstring& to) {
     if (from.empty()) return;
     for (std::size_t at = text.find(from); at != std::wstring::npos; at = text.find(from, at + to.size()))

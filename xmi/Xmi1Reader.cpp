@@ -99,10 +99,11 @@ ParameterRecord FCOperationElement::readParameter(const XMLElement& parameter, c
         ElementSeq types = content.childrenNamed(L"UML:Parameter.type");
         record.voidReturn = is(content.singleChildAttribute(L"UML:Parameter.type", L"xmi.value", context), L"void") ||
                             (types.size() == 1 && namedVoid(context->lookup(types.get(0)->getContent()->referencedId(context))));
+    } else if (!parameter.hasAttribute(L"type")) {
+        record.voidReturn = true;
     } else {
-        record.voidReturn = !parameter.hasAttribute(L"type") ||
-                            context->lookup(parameter.attributeText(L"type", context)).isNull() ||
-                            namedVoid(context->lookup(parameter.attributeText(L"type", context)));
+        _eFrom<XMLElement> found = context->lookup(parameter.attributeText(L"type", context));
+        record.voidReturn = found.isNull() || namedVoid(found);
     }
     return record;
 }

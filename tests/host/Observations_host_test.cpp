@@ -27,14 +27,14 @@ TEST(Observations, Unchanged) {
                              std::getline(recorded, then);
                              std::string now = observer::recordOf(input.name, seen);
                              if (now == then + "\n" || ++differences > 5) return;
-                             std::ostringstream report;
+                             testing::Message report;
                              report << "recorded: " << then << "\nnow:      " << now;
                              for (const auto& [key, text] : seen) {
                                  std::string entry = " " + observer::entryOf(key, text);
                                  if ((then + " ").find(entry + " ") == std::string::npos)
-                                     report << "-- " << key << " now reads:\n" << observer::toUtf8(excerpt(text)) << "\n";
+                                     report << "-- " << key << " now reads:\n" << excerpt(text) << "\n";
                              }
-                             ADD_FAILURE() << report.str();
+                             ADD_FAILURE() << report;
                          });
     std::string rest;
     EXPECT_FALSE(std::getline(recorded, rest)) << "the record holds more than was observed: " << rest;
