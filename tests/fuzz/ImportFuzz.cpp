@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!success) return 0;
     _eString directory = fromPlatformText(fuzzDirectory() + "/");
     _eSeq<_eString> names = importer.getClassList();
-    Names all;
+    _eSet<_eString> all;
     for (int i = 0; i < names.size(); ++i) {
         all.add(names.get(i));
         bool generated = false;
