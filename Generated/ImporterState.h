@@ -16,4 +16,5 @@ struct XMLImporter::State {
     _eHndl<const Environment> environment;      // taken at construction
     std::int32_t tabWidth;                      // column step of a tab in the lexer
     _eString parseDiagnostics;                  // report of the last parse
+    bool classesAnywhere;                       // the extension that finds classes off the path
 };

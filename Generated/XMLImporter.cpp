@@ -6,9 +6,9 @@
 #include "runtime/StringUtils.h"
 
 XMLImporter::XMLImporter(const Environment* environment)
-    : state(new State{{}, {}, {}, 0, {}, environment, 4, L"<no parse attempted yet>"}) {}
+    : state(new State{{}, {}, {}, 0, {}, environment, 4, L"<no parse attempted yet>", false}) {}
 
-XMLImporter::XMLImporter() : state(new State{{}, {}, {}, 0, {}, {}, 4, {}}) {}
+XMLImporter::XMLImporter() : state(new State{{}, {}, {}, 0, {}, {}, 4, {}, false}) {}
 
 XMLImporter::XMLImporter(const XMLImporter& other) : state(new State(*other.state)) {}
 
@@ -20,6 +20,8 @@ XMLImporter& XMLImporter::operator=(const XMLImporter& other) {
 XMLImporter::~XMLImporter() = default;
 
 bool XMLImporter::operator==(const XMLImporter&) const { raiseCannotHappen(_xPlaces::importerEquality); }
+
+void XMLImporter::findClassesAnywhere(bool anywhere) { state->classesAnywhere = anywhere; }
 
 _eString XMLImporter::getParseDiagnostics() const { return state->parseDiagnostics; }
 
@@ -107,12 +109,17 @@ void XMLImporter::attemptParse(_eString fileName, _eString profileRequest, bool&
     state->parsedFile = new FileName(file);
     _eHndl<FileStats> stats = state->environment->stats(fileName).as<FileStats>();
     state->parsedFileTime = stats.isNull() ? _eHndl<Time>() : stats->getLastModified();
-    if (!state->document.isNull()) state->document.uniquePointer()->analyse();
+    if (state->document.isNull()) return;
+    if (state->classesAnywhere)
+        state->document.uniquePointer()->analyse(AnywhereSearch::instance());
+    else
+        state->document.uniquePointer()->analyse();
 }
 
 void XMLImporter::parseFile(const FileName* file, bool showProgress) {
     state->parseDiagnostics = {};
     _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
+    if (state->classesAnywhere) parser->readUnprefixedUmlTags();
     _eHndl<XMLLex> lexer(new XMLLex(state->environment.get(), state->tabWidth));
     bool opened = false;
     lexer->openFile(_eHndl<FileName>(new FileName(*file)), opened);

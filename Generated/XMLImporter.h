@@ -47,6 +47,15 @@ public:
     // Where a file of that name goes: in `directory`, with the extension "tv".
     static _eString genFullFileNameString(_eString directory, _eString name, const Environment* environment);
 
+    // An extension beyond the specified behaviour, off unless a host turns it on: the parses
+    // that follow find classes wherever UML tools put them, not only along the one specified
+    // path. A class is then every "UML:Class" with an "xmi.id" and no "xmi.idref" below
+    // "XMI.content": in nested models, packages, subsystems and other classes, and written as an
+    // empty-element tag too (a class without members). In a document whose root is "XMI", the
+    // unprefixed UML 1.x tags that some exporters write ("Class", "Attribute") read as their
+    // "UML:" forms. Everything else of the generated text is as without it.
+    void findClassesAnywhere(bool anywhere);
+
     // Importers have no equality: this always raises.
     bool operator==(const XMLImporter& other) const;
 

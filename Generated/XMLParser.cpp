@@ -47,14 +47,17 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
         case A::appendToCharData: firstToChange<XMLCharData>(stack)->appendCharacter(symbol<T>(stack, 2)); break;
         case A::newCDSect: result(new XMLCDSect(at, symbol<XMLCharData>(stack, 2))); break;
         case A::emptyCharData: result(new XMLCharData(at)); break;
-        case A::emptyElement: result(ElementCreation::createEmptyElement(symbol<XMLEmptyElemTag>(stack, 1)).get()); break;
+        case A::emptyElement:
+            result(ElementCreation::createEmptyElement(symbol<XMLEmptyElemTag>(stack, 1), naming()).get());
+            break;
         case A::element:
             result(ElementCreation::createElement(symbol<XMLSTag>(stack, 1), symbol<XMLcontent>(stack, 2),
-                                                  symbol<XMLETag>(stack, 3))
+                                                  symbol<XMLETag>(stack, 3), naming())
                        .get());
             break;
         case A::startTag:
         case A::startTagWithSpace:
+            noteTag(symbol<XMLString>(stack, 2));
             result(new XMLSTag(at, symbol<XMLString>(stack, 2), symbol<XMLAttributeList>(stack, 3)));
             break;
         case A::newAttributeList: result(new XMLAttributeList(at)); break;
@@ -68,6 +71,7 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
         case A::contentCharData: firstToChange<XMLcontent>(stack)->addItem(symbol<XMLContentItem>(stack, 2)); break;
         case A::emptyTag:
         case A::emptyTagWithSpace:
+            noteTag(symbol<XMLString>(stack, 2));
             result(new XMLEmptyElemTag(at, symbol<XMLString>(stack, 2), symbol<XMLAttributeList>(stack, 3)));
             break;
         case A::decimalCharReference: result(new XMLCharReference(at, symbol<XMLNumber>(stack, 3))); break;
@@ -80,4 +84,14 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
         default:
             if (semanticAction < 0 || semanticAction > 89) raiseNoChoice(_xPlaces::parserNoAction);
     }
+}
+
+void XMLParser::noteTag(const _eHndl<XMLString>& name) {
+    if (rootSeen) return;
+    rootSeen = true;
+    rootTag = name->getText();
+}
+
+TagNaming XMLParser::naming() const {
+    return unprefixedUml && rootTag == _eString(L"XMI") ? TagNaming::unprefixedUml : TagNaming::specified;
 }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "Generated/Parser.h"
+#include "xml/XMLTokens.h"
+#include "xmi/XMLElement.h"
 
 class XMLParser : public _eClass<XMLParser, Parser> {
 public:
@@ -23,6 +25,20 @@ public:
     void reduceAction(std::int32_t semanticAction) override;
     RecoveryTable recoveryTable() const override { return tables().recovery; }
 
+    // Reads the unprefixed UML 1.x tags as their "UML:" forms, in a document whose root is "XMI".
+    void readUnprefixedUmlTags() { unprefixedUml = true; }
+
     // The tables of the XML grammar, built on first use and shared by all parsers.
     static const ParseTables& tables();
+
+private:
+    // The first tag of the document is the root's: its start tag is read before any element
+    // is built.
+    void noteTag(const _eHndl<XMLString>& name);
+    // How the elements read their tags.
+    TagNaming naming() const;
+
+    bool unprefixedUml = false;  // asked for by the importer
+    _eString rootTag;            // the first tag of the document, as written
+    bool rootSeen = false;
 };

@@ -14,13 +14,16 @@
 namespace {
 
 const char* const usage =
-    "usage: modelbridge-gen MODEL.xmi [-o DIR] [--list] [--class NAME]... [--single FILE] [--profile]\n"
+    "usage: modelbridge-gen MODEL.xmi [-o DIR] [--list] [--class NAME]... [--single FILE] [--anywhere] [--profile]\n"
     "\n"
     "Reads the UML model in MODEL.xmi (XMI 1.x) and writes Tarvane class declarations.\n"
     "  -o DIR         write the files into DIR (default: the current directory)\n"
     "  --list         list the classes of the model and write nothing\n"
     "  --class NAME   generate this class; may be given more than once (default: every class)\n"
     "  --single FILE  write the chosen classes into one file FILE.tv instead of one file each\n"
+    "  --anywhere     find classes wherever UML tools put them (nested models, packages,\n"
+    "                 subsystems, classes, empty-element tags, unprefixed tags), not only on\n"
+    "                 the one path XMI 1.x specifies\n"
     "  --profile      ask the library for a processor-time profile of the parse\n"
     "  --help         show this text\n"
     "Exits with 0 when the parse and every generation succeeded, 1 when one failed, 2 on bad usage.\n";
@@ -66,6 +69,7 @@ struct Options {
     std::string directory = ".";
     bool list = false;
     bool profile = false;
+    bool anywhere = false;
     std::vector<std::string> classes;
     std::string single;
 };
@@ -95,6 +99,8 @@ bool readOptions(int argc, char** argv, Options& options) {
             options.single = v;
         } else if (arg == "--list") {
             options.list = true;
+        } else if (arg == "--anywhere") {
+            options.anywhere = true;
         } else if (arg == "--profile") {
             options.profile = true;
         } else if (!arg.empty() && arg[0] == '-') {
@@ -115,6 +121,29 @@ bool readOptions(int argc, char** argv, Options& options) {
     return true;
 }
 
+// The classes that the search of `--anywhere` finds in the model.
+int classesAnywhere(const Options& options, const Environment* environment) {
+    XMLImporter importer(environment);
+    importer.findClassesAnywhere(true);
+    bool parsed = false;
+    importer.attemptParse(toText(options.model.c_str()), L"", parsed);
+    return parsed ? importer.getClassList().size() : 0;
+}
+
+// Says why a model gives no class; false when the user asked for files that can't come.
+bool explainNoClass(const Options& options, const Environment* environment) {
+    int elsewhere = options.anywhere ? 0 : classesAnywhere(options, environment);
+    if (elsewhere == 0) {
+        std::fprintf(stderr, "modelbridge-gen: the model holds no class\n");
+        return true;
+    }
+    std::fprintf(stderr,
+                 "modelbridge-gen: no class stands on the path that XMI 1.x specifies, but %d stand elsewhere in "
+                 "the model; --anywhere finds them\n",
+                 elsewhere);
+    return options.list;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -129,6 +158,7 @@ int main(int argc, char** argv) {
 
     _eHndl<Environment> environment(new Environment());
     XMLImporter importer(environment.get());
+    importer.findClassesAnywhere(options.anywhere);
     bool parsed = false;
     importer.attemptParse(toText(options.model.c_str()), options.profile ? L"profile" : L"", parsed);
     std::printf("%s", toUtf8(importer.getParseDiagnostics()).c_str());
@@ -136,6 +166,7 @@ int main(int argc, char** argv) {
         std::printf("\n");
     printLines(importer.getErrorList(true), stderr);
     if (!parsed) return 1;
+    if (importer.getClassList().isEmpty() && !explainNoClass(options, environment.get())) return 1;
 
     _eSeq<_eString> classes;
     if (options.classes.empty())

@@ -87,3 +87,18 @@ const PathSearch& PathSearch::instance() {
     static const PathSearch search;
     return search;
 }
+
+bool AnywhereSearch::isClass(const XMLElement& element) const {
+    return element.getName() == _eString(L"UML:Class") && element.hasAttribute(L"xmi.id") &&
+           !element.hasAttribute(L"xmi.idref");
+}
+
+ElementSeq AnywhereSearch::descent(const XMLElement& element) const {
+    if (element.getName() == _eString(L"XMI")) return element.getContent()->childrenNamed(L"XMI.content");
+    return element.getContent()->childElements();
+}
+
+const AnywhereSearch& AnywhereSearch::instance() {
+    static const AnywhereSearch search;
+    return search;
+}

@@ -46,3 +46,14 @@ public:
 
     static const PathSearch& instance();
 };
+
+// Classes wherever exporters put them: every "UML:Class" with an "xmi.id" and no "xmi.idref"
+// below "XMI.content", in nested models, packages, subsystems and other classes, written with a
+// start tag or as an empty-element tag. A class that holds another comes first, whole.
+class AnywhereSearch : public ClassSearch {
+public:
+    bool isClass(const XMLElement& element) const override;
+    ElementSeq descent(const XMLElement& element) const override;
+
+    static const AnywhereSearch& instance();
+};

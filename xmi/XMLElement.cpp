@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "runtime/StringUtils.h"
 #include "xmi/XMLDictionary.h"
 
 namespace {
@@ -17,9 +18,9 @@ XMLErrors repeatedAttributeErrors(const _eHndl<Location>& where, const XMLAttrib
 }  // namespace
 
 XMLElement::XMLElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
-                       const _eHndl<XMLETag>& endTag)
+                       const _eHndl<XMLETag>& endTag, TagNaming naming)
     : _eClass(startTag->getLocation()),
-      name(canonicalTagName(startTag->getName())),
+      name(canonicalTagName(startTag->getName(), naming)),
       attributes(startTag->getAttributes()->getAttributes()),
       content(content),
       elementErrors(repeatedAttributeErrors(startTag->getLocation(), *startTag->getAttributes())) {
@@ -28,9 +29,9 @@ XMLElement::XMLElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>
                  {endTag->getName(), startTag->getName(), startTag->getLocation()->positionText()});
 }
 
-XMLElement::XMLElement(const _eHndl<XMLEmptyElemTag>& emptyTag)
+XMLElement::XMLElement(const _eHndl<XMLEmptyElemTag>& emptyTag, TagNaming naming)
     : _eClass(emptyTag->getLocation()),
-      name(canonicalTagName(emptyTag->getName())),
+      name(canonicalTagName(emptyTag->getName(), naming)),
       attributes(emptyTag->getAttributes()->getAttributes()),
       content(new XMLcontent(emptyTag->getLocation())),
       elementErrors(repeatedAttributeErrors(emptyTag->getLocation(), *emptyTag->getAttributes())) {}
@@ -158,21 +159,29 @@ _eString withShortPrefix(const _eString& written) {
     return written;
 }
 
+// The short form, or "UML:" before a tag that has no colon and doesn't begin with "XMI".
+_eString withUmlPrefix(const _eString& written) {
+    _eString shortForm = withShortPrefix(written);
+    if (!(shortForm == written) || containsUnit(written, L':') || written.startsWith(_eString(L"XMI"))) return shortForm;
+    return _eString(L"UML:") + written;
+}
+
 }  // namespace
 
-_eString XMLElement::canonicalTagName(const _eString& tag) { return XMLNames::derived<withShortPrefix>(tag); }
+_eString XMLElement::canonicalTagName(const _eString& tag, TagNaming naming) {
+    return naming == TagNaming::specified ? XMLNames::derived<withShortPrefix>(tag) : XMLNames::derived<withUmlPrefix>(tag);
+}
 
 _eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
-                                                  const _eHndl<XMLETag>& endTag) {
+                                                  const _eHndl<XMLETag>& endTag, TagNaming naming) {
     if (startTag->getAttributes()->getAttributes().containsKey(L"xmi.idref"))
-        return new UnrecognisedElement(startTag, content, endTag);
-    using Maker = XMLElement* (*)(const _eHndl<XMLSTag>&, const _eHndl<XMLcontent>&, const _eHndl<XMLETag>&);
+        return new UnrecognisedElement(startTag, content, endTag, naming);
+    using Maker = XMLElement* (*)(const _eHndl<XMLSTag>&, const _eHndl<XMLcontent>&, const _eHndl<XMLETag>&, TagNaming);
     static const _eMap<_eString, Maker> classes = [] {
         _eMap<_eString, Maker> m;
         auto make = []<class C>(C*) -> Maker {
-            return [](const _eHndl<XMLSTag>& s, const _eHndl<XMLcontent>& c, const _eHndl<XMLETag>& e) -> XMLElement* {
-                return new C(s, c, e);
-            };
+            return [](const _eHndl<XMLSTag>& s, const _eHndl<XMLcontent>& c, const _eHndl<XMLETag>& e,
+                      TagNaming n) -> XMLElement* { return new C(s, c, e, n); };
         };
         m.put(L"XMI", make(static_cast<XMIRootElement*>(nullptr)));
         m.put(L"XMI.content", make(static_cast<XMIContentElement*>(nullptr)));
@@ -187,11 +196,11 @@ _eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTa
         m.put(L"UML:Generalization", make(static_cast<FCGeneralizationElement*>(nullptr)));
         return m;
     }();
-    _eString canonical = XMLElement::canonicalTagName(startTag->getName());
-    if (!classes.containsKey(canonical)) return new UnrecognisedElement(startTag, content, endTag);
-    return classes.get(canonical)(startTag, content, endTag);
+    _eString canonical = XMLElement::canonicalTagName(startTag->getName(), naming);
+    if (!classes.containsKey(canonical)) return new UnrecognisedElement(startTag, content, endTag, naming);
+    return classes.get(canonical)(startTag, content, endTag, naming);
 }
 
-_eFrom<XMLElement> ElementCreation::createEmptyElement(const _eHndl<XMLEmptyElemTag>& emptyTag) {
-    return new UnrecognisedElement(emptyTag);
+_eFrom<XMLElement> ElementCreation::createEmptyElement(const _eHndl<XMLEmptyElemTag>& emptyTag, TagNaming naming) {
+    return new UnrecognisedElement(emptyTag, naming);
 }

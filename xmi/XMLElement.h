@@ -8,13 +8,20 @@
 #include "xmi/Context.h"
 #include "xml/XMLTags.h"
 
+// How tag names read. As specified, the long metamodel tags read as their "UML:" forms. Some
+// exporters write the UML 1.x tags without any prefix ("Class", "Namespace.ownedElement"); with
+// `unprefixedUml` those read as "UML:" forms too, every tag that has no colon and doesn't begin
+// with "XMI".
+enum class TagNaming { specified, unprefixedUml };
+
 class XMLElement : public _eClass<XMLElement, XMLContentItem> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule20, 0};
 
     // From a start tag, the content and the end tag; or from an empty-element tag.
-    XMLElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content, const _eHndl<XMLETag>& endTag);
-    explicit XMLElement(const _eHndl<XMLEmptyElemTag>& emptyTag);
+    XMLElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content, const _eHndl<XMLETag>& endTag,
+               TagNaming naming = TagNaming::specified);
+    explicit XMLElement(const _eHndl<XMLEmptyElemTag>& emptyTag, TagNaming naming = TagNaming::specified);
 
     bool equalFields(const XMLElement& other) const;
 
@@ -51,7 +58,7 @@ public:
     _eString attributeText(const _eString& attribute, const _eHndl<Context>& context) const;
 
     // "Foundation.Core.X", "Model_Management.X" and "Foundation.Data_Types.X" become "UML:X".
-    static _eString canonicalTagName(const _eString& tag);
+    static _eString canonicalTagName(const _eString& tag, TagNaming naming = TagNaming::specified);
 
 private:
     _eString name;             // the canonical tag name
@@ -192,7 +199,8 @@ public:
 class ElementCreation {
 public:
     static _eFrom<XMLElement> createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
-                                            const _eHndl<XMLETag>& endTag);
+                                            const _eHndl<XMLETag>& endTag, TagNaming naming = TagNaming::specified);
     // Always an `UnrecognisedElement`, with empty content.
-    static _eFrom<XMLElement> createEmptyElement(const _eHndl<XMLEmptyElemTag>& emptyTag);
+    static _eFrom<XMLElement> createEmptyElement(const _eHndl<XMLEmptyElemTag>& emptyTag,
+                                                 TagNaming naming = TagNaming::specified);
 };

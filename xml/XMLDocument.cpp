@@ -1,12 +1,13 @@
 #include "xml/XMLDocument.h"
 
-#include "xmi/ClassSearch.h"
+void XMLDocument::analyse() { analyse(PathSearch::instance()); }
 
-void XMLDocument::analyse() {
+void XMLDocument::analyse(const ClassSearch& classSearch) {
     _eFreeze freeze(this);
     dictionary = root->dictionary();
+    search = &classSearch;
     // Classes are found only below an "XMI" document element.
-    classes = root->getName() == _eString(L"XMI") ? PathSearch::instance().classMap(*root) : ClassMap();
+    classes = root->getName() == _eString(L"XMI") ? classSearch.classMap(*root) : ClassMap();
 }
 
 bool XMLDocument::rootIsXMI() {
@@ -40,5 +41,6 @@ void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& cl
                                      const _eHndl<const Environment>& environment) {
     if (!rootIsXMI()) return;
     _eHndl<Context> context = generationContext();
-    write(*PathSearch::instance().declarations(*root, classNames, context), targetFile, sourceFile, environment);
+    const ClassSearch& classSearch = search == nullptr ? PathSearch::instance() : *search;
+    write(*classSearch.declarations(*root, classNames, context), targetFile, sourceFile, environment);
 }

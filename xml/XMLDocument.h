@@ -3,6 +3,7 @@
 #pragma once
 
 #include "output/TarvaneOutput.h"
+#include "xmi/ClassSearch.h"
 #include "xmi/XMLDictionary.h"
 
 class XMLDocument : public _eClass<XMLDocument, XMLNode> {
@@ -22,8 +23,10 @@ public:
     // Writes one file with the chosen classes, in document order.
     virtual void generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                     const _eHndl<const Environment>& environment);
-    // Builds the dictionary and the class map.
+    // Builds the dictionary and the class map, with the classes that `search` finds; generation
+    // finds them in the same way. Without a search, along the one path of the specification.
     virtual void analyse();
+    void analyse(const ClassSearch& search);
     virtual ClassMap getClasses() const { return classes; }
 
     const _eFrom<XMLElement>& getRoot() const { return root; }
@@ -40,4 +43,5 @@ private:
     _eFrom<XMLElement> root;
     _eHndl<XMLDictionary> dictionary;  // null until analysed
     ClassMap classes;                  // class name to class element
+    const ClassSearch* search = nullptr;  // how the classes were found; null until analysed
 };

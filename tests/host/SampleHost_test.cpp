@@ -97,3 +97,35 @@ TEST_F(SampleHost, FailuresAreReportedWithAnExitCode) {
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.output.find("usage: modelbridge-gen MODEL.xmi"), std::string::npos);
 }
+
+// A model whose classes stand off the specified path: the host names the option that finds
+// them and fails a generation; with the option it writes them. A model without any class says so.
+TEST_F(SampleHost, ClassesOffThePathAndModelsWithoutClasses) {
+    std::ofstream(dir + "/nested.xmi") << "<XMI><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
+                                          "<UML:Model xmi.id='v' name='Logical View'><UML:Namespace.ownedElement>"
+                                          "<UML:Class xmi.id='a' name='Alpha'/><UML:Class xmi.id='b' name='Beta'/>"
+                                          "</UML:Namespace.ownedElement></UML:Model>"
+                                          "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n";
+    HostRun plain = run(dir + "/nested.xmi -o " + dir);
+    EXPECT_EQ(plain.status, 1);
+    EXPECT_NE(plain.output.find("no class stands on the path that XMI 1.x specifies, but 2 stand elsewhere in the "
+                                "model; --anywhere finds them"),
+              std::string::npos)
+        << plain.output;
+    HostRun listed = run(dir + "/nested.xmi --list");
+    EXPECT_EQ(listed.status, 0) << listed.output;
+    EXPECT_NE(listed.output.find("--anywhere finds them"), std::string::npos) << listed.output;
+
+    HostRun anywhere = run(dir + "/nested.xmi --anywhere -o " + dir);
+    EXPECT_EQ(anywhere.status, 0) << anywhere.output;
+    EXPECT_NE(anywhere.output.find("wrote " + dir + "/Alpha.tv\nwrote " + dir + "/Beta.tv"), std::string::npos)
+        << anywhere.output;
+    EXPECT_NE(slurp(dir + "/Beta.tv").find("\nclass Beta ^=\ninterface\nend;\n"), std::string::npos);
+
+    std::ofstream(dir + "/empty.xmi") << "<XMI><XMI.content></XMI.content></XMI>\n";
+    for (const char* option : {"", " --anywhere"}) {
+        HostRun empty = run(dir + "/empty.xmi -o " + dir + option);
+        EXPECT_EQ(empty.status, 0) << empty.output;
+        EXPECT_NE(empty.output.find("modelbridge-gen: the model holds no class"), std::string::npos) << empty.output;
+    }
+}
