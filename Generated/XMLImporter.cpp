@@ -5,10 +5,12 @@
 #include "runtime/Failure.h"
 #include "runtime/StringUtils.h"
 
-XMLImporter::XMLImporter(const Environment* environment)
-    : state(new State{{}, {}, {}, 0, {}, environment, 4, L"<no parse attempted yet>", false}) {}
+XMLImporter::XMLImporter(const Environment* environment) : state(new State) {
+    state->environment = environment;
+    state->parseDiagnostics = L"<no parse attempted yet>";
+}
 
-XMLImporter::XMLImporter() : state(new State{{}, {}, {}, 0, {}, {}, 4, {}, false}) {}
+XMLImporter::XMLImporter() : state(new State) {}
 
 XMLImporter::XMLImporter(const XMLImporter& other) : state(new State(*other.state)) {}
 

@@ -48,11 +48,11 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
         case A::newCDSect: result(new XMLCDSect(at, symbol<XMLCharData>(stack, 2))); break;
         case A::emptyCharData: result(new XMLCharData(at)); break;
         case A::emptyElement:
-            result(ElementCreation::createEmptyElement(symbol<XMLEmptyElemTag>(stack, 1), naming()).get());
+            result(ElementCreation::createEmptyElement(symbol<XMLEmptyElemTag>(stack, 1), naming).get());
             break;
         case A::element:
             result(ElementCreation::createElement(symbol<XMLSTag>(stack, 1), symbol<XMLcontent>(stack, 2),
-                                                  symbol<XMLETag>(stack, 3), naming())
+                                                  symbol<XMLETag>(stack, 3), naming)
                        .get());
             break;
         case A::startTag:
@@ -87,11 +87,7 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
 }
 
 void XMLParser::noteTag(const _eHndl<XMLString>& name) {
-    if (rootSeen) return;
+    if (!unprefixedUml || rootSeen) return;
     rootSeen = true;
-    rootTag = name->getText();
-}
-
-TagNaming XMLParser::naming() const {
-    return unprefixedUml && rootTag == _eString(L"XMI") ? TagNaming::unprefixedUml : TagNaming::specified;
+    if (name->getText() == _eString(L"XMI")) naming = TagNaming::unprefixedUml;
 }

@@ -33,12 +33,10 @@ public:
 
 private:
     // The first tag of the document is the root's: its start tag is read before any element
-    // is built.
+    // is built, so the root decides how every element reads its tag.
     void noteTag(const _eHndl<XMLString>& name);
-    // How the elements read their tags.
-    TagNaming naming() const;
 
-    bool unprefixedUml = false;  // asked for by the importer
-    _eString rootTag;            // the first tag of the document, as written
-    bool rootSeen = false;
+    bool unprefixedUml = false;                 // asked for by the importer
+    bool rootSeen = false;                      // the root's tag has been read
+    TagNaming naming = TagNaming::specified;    // how the elements read their tags
 };

@@ -59,6 +59,11 @@ std::int32_t boundValue(const _eString& text) {
     return std::int32_t(value);
 }
 
+// How a reference reads where only a name can stand: the name of what it leads to, else "?".
+_eString referenceName(const TypeRecord& reference) {
+    return reference.kind == TypeRecord::unresolved ? _eString(L"?") : ClassRenderer::typeName(reference.name);
+}
+
 bool startsLikeAName(const _eString& name) {
     if (name.isEmpty()) return false;
     wchar_t c = name.get(0);
@@ -102,11 +107,8 @@ Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord
     // The whole of an aggregation or composition on an end that can't be navigated holds its
     // part by value; every other member refers to its object.
     bool isRef = is(own.isNavigable, L"true") || !(is(own.aggregation, L"aggregate") || is(own.aggregation, L"composite"));
-    _eString name = ClassRenderer::hasName(far.name)
-                        ? ClassRenderer::nameOrUnknown(far.name, true)
-                        : _eString(ClassRenderer::rolePrefix) +
-                              (far.roleType.kind == TypeRecord::unresolved ? _eString(L"?")
-                                                                           : ClassRenderer::typeName(far.roleType.name));
+    _eString name = ClassRenderer::hasName(far.name) ? ClassRenderer::nameOrUnknown(far.name, true)
+                                                      : _eString(ClassRenderer::rolePrefix) + referenceName(far.roleType);
     Output declaration =
         tokens({L"var", name, L":"}) + ClassRenderer::multiplicityType(far.multiplicity, far.type, isRef) + tokens({L";"});
     return stateWithAccessor(far.visibility, declaration, tokens({L"selector", name, L";"}));
@@ -271,11 +273,8 @@ _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record)
                                                                               : headed(L"interface", interfacePart);
     Output prefix = is(record.isLeaf, L"true") ? tokens({L"final"}) : is(record.isAbstract, L"true") ? tokens({L"deferred"}) : none();
     Output inherits = none();
-    for (std::size_t i = 0; i < record.parents.size(); ++i) {
-        const TypeRecord& parent = record.parents[i];
-        _eString parentName = parent.kind == TypeRecord::unresolved ? _eString(L"?") : typeName(parent.name);
-        inherits = inherits + tokens({i == 0 ? L"inherits" : L",", parentName});
-    }
+    for (std::size_t i = 0; i < record.parents.size(); ++i)
+        inherits = inherits + tokens({i == 0 ? L"inherits" : L",", referenceName(record.parents[i])});
     Output body = headed(L"abstract", abstractPart) + headed(L"confined", confinedPart) + interfaceOut + tokens({L"end", L";"});
     return prefix + tokens({L"class", name, L"^="}) + inherits + body;
 }

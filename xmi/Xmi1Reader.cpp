@@ -95,8 +95,8 @@ ParameterRecord FCOperationElement::readParameter(const XMLElement& parameter, c
     auto namedVoid = [](const _eFrom<XMLElement>& found) {
         return !found.isNull() && is(ClassRenderer::typeName(found->readName()), L"void");
     };
-    if (content.hasChild(L"UML:Parameter.type")) {
-        ElementSeq types = content.childrenNamed(L"UML:Parameter.type");
+    ElementSeq types = content.childrenNamed(L"UML:Parameter.type");
+    if (!types.isEmpty()) {
         record.voidReturn = is(content.singleChildAttribute(L"UML:Parameter.type", L"xmi.value", context), L"void") ||
                             (types.size() == 1 && namedVoid(context->lookup(types.get(0)->getContent()->referencedId(context))));
     } else if (!parameter.hasAttribute(L"type")) {
