@@ -15,12 +15,15 @@ struct ParseOutcome {
     _eHndl<StackValue> result;
 };
 
-inline ParseOutcome parseFile(const std::string& path) {
+// `unprefixedUml` has the parser read unprefixed UML 1.x tags as the importer's search for
+// classes anywhere does.
+inline ParseOutcome parseFile(const std::string& path, bool unprefixedUml = false) {
     _eHndl<Environment> env(new Environment());
     _eHndl<XMLLex> lex(new XMLLex(env.get(), 4));
     bool ok = false;
     lex->openFile(_eHndl<FileName>(new FileName(fromPlatformText(path), env.get())), ok);
     _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
+    if (unprefixedUml) parser->readUnprefixedUmlTags();
     while (!parser->isFinished()) {
         _eHndl<Terminal> token;
         lex->nextToken(token);
@@ -36,7 +39,7 @@ inline ParseOutcome parseFile(const std::string& path) {
     return outcome;
 }
 
-inline ParseOutcome parseText(const std::string& bytes) {
+inline ParseOutcome parseText(const std::string& bytes, bool unprefixedUml = false) {
     TempDir dir;
-    return parseFile(dir.write("in.xml", bytes));
+    return parseFile(dir.write("in.xml", bytes), unprefixedUml);
 }

@@ -162,20 +162,8 @@ TEST(AnywhereSearch, UnprefixedTagsOfRose) {
 
     // The tags are read so only below an "XMI" root, and only when asked for.
     auto rootName = [](const std::string& text, bool unprefixed) {
-        TempDir dir;
-        _eHndl<Environment> env(new Environment());
-        _eHndl<XMLLex> lex(new XMLLex(env.get(), 4));
-        bool ok = false;
-        lex->openFile(_eHndl<FileName>(new FileName(fromPlatformText(dir.write("in.xml", text)), env.get())), ok);
-        _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
-        if (unprefixed) parser->readUnprefixedUmlTags();
-        while (!parser->isFinished()) {
-            _eHndl<Terminal> token;
-            lex->nextToken(token);
-            parser->offerToken(token);
-        }
-        lex->closeFile();
-        const XMLElement& root = *static_cast<XMLDocument*>(parser->getResult().get())->getRoot();
+        ParseOutcome parsed = parseText(text, unprefixed);
+        const XMLElement& root = *static_cast<XMLDocument*>(parsed.result.get())->getRoot();
         return toWString(root.getName()) + L"/" + toWString(root.getContent()->childElements().get(0)->getName());
     };
     EXPECT_EQ(rootName("<XMI><Class/></XMI>", true), L"XMI/UML:Class");

@@ -35,7 +35,6 @@ TEST(ClassRenderer, NamesFromAttributesAndNameElements) {
         {{L"End", false, true}, true, L"End", L"End", true},
         {{L"class, set", true, true}, true, L"class_, set_", L"class_, set_", true},
         {{L"class, set", false, true}, true, L"class, set", L"class, set", true},
-        {{L"a,,b", true, true}, false, L"a, , b", L"a, , b", true},
         {{L"   ", false, true}, true, L"", L"?", false},
         {{L"?[[Missing Element 'UML:ModelElement.name']]", true, false}, true,
          L"?[[Missing_Element_'UML:ModelElement.name']]", L"?[[Missing_Element_'UML:ModelElement.name']]", false},
@@ -46,12 +45,10 @@ TEST(ClassRenderer, NamesFromAttributesAndNameElements) {
         EXPECT_EQ(toWString(ClassRenderer::nameOrUnknown(row.name, row.escape)), row.orUnknown) << "row " << i;
         EXPECT_EQ(ClassRenderer::hasName(row.name), row.hasName) << "row " << i;
     }
-    EXPECT_EQ(toWString(ClassRenderer::typeName(attributeName(L"boolean"))), L"bool");
-    EXPECT_EQ(toWString(ClassRenderer::typeName(attributeName(L"double"))), L"real");
-    EXPECT_EQ(toWString(ClassRenderer::typeName(attributeName(L"Boolean"))), L"Boolean");
     EXPECT_EQ(toWString(ClassRenderer::typeName(attributeName(L"value"))), L"value");
 }
 
+// The rows the element tests don't reach: "ref", bounds that aren't numbers, a bound too large.
 TEST(ClassRenderer, TypesAndMultiplicities) {
     struct Row {
         bool single;
@@ -62,15 +59,10 @@ TEST(ClassRenderer, TypesAndMultiplicities) {
     };
     const Row rows[] = {
         {false, L"", L"", true, L"from T"},
-        {true, L"0", L"1", false, L"from T || void"},
         {true, L" 0 ", L"1 ", true, L"ref from T || void"},
         {true, L"1", L"1", true, L"ref from T"},
-        {true, L"2", L"1", false, L"from T"},
-        {true, L"0", L"*", false, L"set of from T"},
         {true, L"?", L"?", true, L"set of ref from T"},
-        {true, L"1", L"*", false, L"those x : set of from T :- # x >= 1"},
         {true, L"2", L"5", true, L"those x : set of ref from T :- # x >= 2"},
-        {true, L"\t1", L"*", false, L"set of from T"},
         {true, L"99999999999", L"*", false, L"those x : set of from T :- # x >= 2147483647"},
     };
     for (std::size_t i = 0; i < std::size(rows); ++i) {
