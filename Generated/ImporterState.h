@@ -17,4 +17,5 @@ struct XMLImporter::State {
     std::int32_t tabWidth = 4;                  // column step of a tab in the lexer
     _eString parseDiagnostics;                  // report of the last parse
     bool classesAnywhere = false;               // the extension that finds classes off the path
+    bool xmi2Models = false;                    // the extension that reads XMI 2 documents
 };

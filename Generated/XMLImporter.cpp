@@ -4,6 +4,7 @@
 
 #include "runtime/Failure.h"
 #include "runtime/StringUtils.h"
+#include "xmi/Xmi2Search.h"
 
 XMLImporter::XMLImporter(const Environment* environment) : state(new State) {
     state->environment = environment;
@@ -24,6 +25,8 @@ XMLImporter::~XMLImporter() = default;
 bool XMLImporter::operator==(const XMLImporter&) const { raiseCannotHappen(_xPlaces::importerEquality); }
 
 void XMLImporter::findClassesAnywhere(bool anywhere) { state->classesAnywhere = anywhere; }
+
+void XMLImporter::readXmi2Models(bool xmi2) { state->xmi2Models = xmi2; }
 
 _eString XMLImporter::getParseDiagnostics() const { return state->parseDiagnostics; }
 
@@ -112,10 +115,7 @@ void XMLImporter::attemptParse(_eString fileName, _eString profileRequest, bool&
     _eHndl<FileStats> stats = state->environment->stats(fileName).as<FileStats>();
     state->parsedFileTime = stats.isNull() ? _eHndl<Time>() : stats->getLastModified();
     if (state->document.isNull()) return;
-    if (state->classesAnywhere)
-        state->document.uniquePointer()->analyse(AnywhereSearch::instance());
-    else
-        state->document.uniquePointer()->analyse();
+    state->document.uniquePointer()->analyse();
 }
 
 void XMLImporter::parseFile(const FileName* file, bool showProgress) {
@@ -134,12 +134,22 @@ void XMLImporter::parseFile(const FileName* file, bool showProgress) {
                                   L" seconds\n";
         state->linesParsed += lexer->lineNumber();
         state->document = dynamic_cast<XMLDocument*>(parser->getResult().get());
+        if (!state->document.isNull()) state->document.uniquePointer()->chooseSearch(searchFor(*state->document->getRoot()));
         lexer->closeFile();
         addErrors(parser->getErrors());
     } else {
         state->parseDiagnostics = _eString(L"Failed to open '") + file->fullPathText() + L"' for parsing!";
     }
     addErrors(lexer->getErrors());
+}
+
+// An XMI 2 document is read as one when that is asked for; any other goes along the path, or
+// anywhere when that is asked for.
+std::shared_ptr<const ClassSearch> XMLImporter::searchFor(const XMLElement& root) const {
+    if (state->xmi2Models)
+        if (std::shared_ptr<const ClassSearch> xmi2 = Xmi2Search::recognise(root)) return xmi2;
+    if (state->classesAnywhere) return AnywhereSearch::instance();
+    return PathSearch::instance();
 }
 
 void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress) {

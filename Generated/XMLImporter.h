@@ -16,6 +16,8 @@ class FileName;
 class XMLError;
 class XMLLex;
 class XMLParser;
+class XMLElement;
+class ClassSearch;
 struct _eFullTypeInfo;
 class _eInstblTypeInfo;
 using XMLErrors = _eSet<_eHndl<XMLError>>;
@@ -55,6 +57,12 @@ public:
     // unprefixed UML 1.x tags that some exporters write ("Class", "Attribute") read as their
     // "UML:" forms. Everything else of the generated text is as without it.
     void findClassesAnywhere(bool anywhere);
+    // An extension beyond the specified behaviour, off unless a host turns it on: the parses
+    // that follow read UML 2 models saved as XMI 2.x (root "xmi:XMI" in an XMI 2 namespace, or
+    // a UML root such as "uml:Model" with an "xmi:version"). Their classes are listed and
+    // generated as the same model saved as XMI 1.2 would be. XMI 1.x documents are read as
+    // without it, along the path or anywhere as chosen.
+    void readXmi2Models(bool xmi2);
 
     // Importers have no equality: this always raises.
     bool operator==(const XMLImporter& other) const;
@@ -87,6 +95,8 @@ private:
     // but the member and its argument belong to the importer's fixed list of members.
     void parseFile(const FileName* file, bool showProgress);
     void processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress);
+    // How the classes of the parsed document of root `root` are found and read.
+    std::shared_ptr<const ClassSearch> searchFor(const XMLElement& root) const;
     static const _eSet<_eString>& classesToIgnore();
     // Runs one generation on the document and takes its errors over.
     template <class Generate>

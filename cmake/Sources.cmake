@@ -44,5 +44,6 @@ set(MODELBRIDGE_SOURCES
   xmi/XMLDictionary.cpp
   xmi/XMLElement.cpp
   xmi/Xmi1Reader.cpp
+  xmi/Xmi2Search.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

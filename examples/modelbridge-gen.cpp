@@ -14,16 +14,18 @@
 namespace {
 
 const char* const usage =
-    "usage: modelbridge-gen MODEL.xmi [-o DIR] [--list] [--class NAME]... [--single FILE] [--anywhere] [--profile]\n"
+    "usage: modelbridge-gen MODEL [-o DIR] [--list] [--class NAME]... [--single FILE] [--anywhere] [--profile]\n"
     "\n"
-    "Reads the UML model in MODEL.xmi (XMI 1.x) and writes Tarvane class declarations.\n"
+    "Reads the UML model in MODEL (XMI 1.x, or a UML 2 model saved as XMI 2.x) and writes\n"
+    "Tarvane class declarations.\n"
     "  -o DIR         write the files into DIR (default: the current directory)\n"
     "  --list         list the classes of the model and write nothing\n"
     "  --class NAME   generate this class; may be given more than once (default: every class)\n"
     "  --single FILE  write the chosen classes into one file FILE.tv instead of one file each\n"
     "  --anywhere     find classes wherever UML tools put them (nested models, packages,\n"
     "                 subsystems, classes, empty-element tags, unprefixed tags), not only on\n"
-    "                 the one path XMI 1.x specifies\n"
+    "                 the one path XMI 1.x specifies (XMI 1.x only; XMI 2.x models are\n"
+    "                 always searched throughout)\n"
     "  --profile      ask the library for a processor-time profile of the parse\n"
     "  --help         show this text\n"
     "Exits with 0 when the parse and every generation succeeded, 1 when one failed, 2 on bad usage.\n";
@@ -125,6 +127,7 @@ bool readOptions(int argc, char** argv, Options& options) {
 int classesAnywhere(const Options& options, const Environment* environment) {
     XMLImporter importer(environment);
     importer.findClassesAnywhere(true);
+    importer.readXmi2Models(true);
     bool parsed = false;
     importer.attemptParse(toText(options.model.c_str()), L"", parsed);
     return parsed ? importer.getClassList().size() : 0;
@@ -159,6 +162,7 @@ int main(int argc, char** argv) {
     _eHndl<Environment> environment(new Environment());
     XMLImporter importer(environment.get());
     importer.findClassesAnywhere(options.anywhere);
+    importer.readXmi2Models(true);
     bool parsed = false;
     importer.attemptParse(toText(options.model.c_str()), options.profile ? L"profile" : L"", parsed);
     std::printf("%s", toUtf8(importer.getParseDiagnostics()).c_str());

@@ -184,6 +184,10 @@ _eHndl<TarvaneOutput> ClassRenderer::multiplicityType(const MultiplicityRecord& 
     return tokens({L"set", L"of"}) + ref + typeRun;
 }
 
+bool ClassRenderer::readsVoid(const TypeRecord& type) {
+    return type.kind != TypeRecord::unresolved && is(typeName(type.name), L"void");
+}
+
 _eString ClassRenderer::literalText(const _eString& value) {
     int n = value.size();
     if (n == 0) return value;

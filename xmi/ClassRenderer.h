@@ -39,6 +39,8 @@ public:
     // size; `isRef` puts "ref" before the type when there is a multiplicity.
     static _eHndl<TarvaneOutput> multiplicityType(const MultiplicityRecord& multiplicity, const TypeRecord& type,
                                                   bool isRef);
+    // The type leads to something that reads "void".
+    static bool readsVoid(const TypeRecord& type);
     // A model literal in the target language: "100L" to "100", "'a'" to "`a`".
     static _eString literalText(const _eString& value);
 

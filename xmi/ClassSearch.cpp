@@ -2,6 +2,7 @@
 
 #include "runtime/Map.h"
 #include "xmi/ClassRenderer.h"
+#include "xmi/XMLDictionary.h"
 
 // Folds the values of the classes at and below `root` in document order, with a stack of its
 // own rather than by recursion: packages may nest as deep as the input likes. Every element
@@ -37,7 +38,7 @@ Value ClassSearch::fold(const XMLElement& root, const Value& none, Leaf leaf, Jo
 ClassMap ClassSearch::classMap(const XMLElement& root) const {
     return fold(
         root, ClassMap(),
-        [](const XMLElement& element) {
+        [this](const XMLElement& element) {
             ClassMap one;
             one.put(className(element), const_cast<XMLElement*>(&element));
             return one;
@@ -58,11 +59,21 @@ _eHndl<TarvaneOutput> ClassSearch::declarations(const XMLElement& root, const Na
         [](const _eHndl<TarvaneOutput>& a, const _eHndl<TarvaneOutput>& b) { return a->concat(*b); });
 }
 
-_eHndl<TarvaneOutput> ClassSearch::declaration(const XMLElement& element, const _eHndl<Context>& context) {
-    return ClassRenderer::classDeclaration(FCClassElement::readClass(element, context));
+bool ClassSearch::readsDocument(const XMLElement& root) const { return root.getName() == _eString(L"XMI"); }
+
+_eHndl<XMLDictionary> ClassSearch::dictionary(const XMLElement& root) const { return root.dictionary(); }
+
+ClassRecord ClassSearch::readClass(const XMLElement& element, const _eHndl<Context>& context) const {
+    return FCClassElement::readClass(element, context);
 }
 
-_eString ClassSearch::className(const XMLElement& element) { return ClassRenderer::typeName(element.readName()); }
+NameRecord ClassSearch::readName(const XMLElement& element) const { return element.readName(); }
+
+_eHndl<TarvaneOutput> ClassSearch::declaration(const XMLElement& element, const _eHndl<Context>& context) const {
+    return ClassRenderer::classDeclaration(readClass(element, context));
+}
+
+_eString ClassSearch::className(const XMLElement& element) const { return ClassRenderer::typeName(readName(element)); }
 
 bool PathSearch::isClass(const XMLElement& element) const {
     return element.isRecognised() && element.getName() == _eString(L"UML:Class");
@@ -83,8 +94,8 @@ ElementSeq PathSearch::descent(const XMLElement& element) const {
     return index == end ? ElementSeq() : element.getContent()->childrenInSet(steps.elements().get(index).second);
 }
 
-const PathSearch& PathSearch::instance() {
-    static const PathSearch search;
+const std::shared_ptr<const PathSearch>& PathSearch::instance() {
+    static const std::shared_ptr<const PathSearch> search = std::make_shared<const PathSearch>();
     return search;
 }
 
@@ -98,7 +109,7 @@ ElementSeq AnywhereSearch::descent(const XMLElement& element) const {
     return element.getContent()->childElements();
 }
 
-const AnywhereSearch& AnywhereSearch::instance() {
-    static const AnywhereSearch search;
+const std::shared_ptr<const AnywhereSearch>& AnywhereSearch::instance() {
+    static const std::shared_ptr<const AnywhereSearch> search = std::make_shared<const AnywhereSearch>();
     return search;
 }

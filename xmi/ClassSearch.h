@@ -1,8 +1,10 @@
-// `ClassSearch`: where the classes of a document are, and the one walk that finds them for both
-// the class map and generation. A search is a policy: which elements are classes, and which
-// children of an element it goes on into. The walk visits them in document order, depth first.
+// `ClassSearch`: where the classes of a document are, how each reads, and the one walk that
+// finds them for both the class map and generation. A search is a policy: which documents it
+// reads, which elements are classes, which children of an element it goes on into, and what a
+// class element reads as. The walk visits them in document order, depth first.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "output/TarvaneOutput.h"
@@ -16,6 +18,15 @@ public:
     virtual bool isClass(const XMLElement& element) const = 0;
     // The children of `element` among which the search goes on, in document order.
     virtual ElementSeq descent(const XMLElement& element) const = 0;
+    // The document of root `root` is one this search reads: otherwise it holds no class, and
+    // generation turns it down as no XMI document. By default, a root named "XMI".
+    virtual bool readsDocument(const XMLElement& root) const;
+    // The elements of the document by their ids.
+    virtual _eHndl<XMLDictionary> dictionary(const XMLElement& root) const;
+    // Everything the declaration of a class element is made of; by default as XMI 1.x writes it.
+    virtual ClassRecord readClass(const XMLElement& element, const _eHndl<Context>& context) const;
+    // The name of a class element.
+    virtual NameRecord readName(const XMLElement& element) const;
 
     // The classes at or below `root` by the name each is known by. Two classes of one name
     // both stay, the pairs united as sets of pairs are: the map gives the first.
@@ -26,9 +37,9 @@ public:
                                        const _eHndl<Context>& context) const;
 
     // The declaration of one class element.
-    static _eHndl<TarvaneOutput> declaration(const XMLElement& element, const _eHndl<Context>& context);
+    _eHndl<TarvaneOutput> declaration(const XMLElement& element, const _eHndl<Context>& context) const;
     // The name a class element is known by: its key in the class map.
-    static _eString className(const XMLElement& element);
+    _eString className(const XMLElement& element) const;
 
 private:
     template <class Value, class Leaf, class Join>
@@ -44,7 +55,7 @@ public:
     bool isClass(const XMLElement& element) const override;
     ElementSeq descent(const XMLElement& element) const override;
 
-    static const PathSearch& instance();
+    static const std::shared_ptr<const PathSearch>& instance();
 };
 
 // Classes wherever exporters put them: every "UML:Class" with an "xmi.id" and no "xmi.idref"
@@ -55,5 +66,5 @@ public:
     bool isClass(const XMLElement& element) const override;
     ElementSeq descent(const XMLElement& element) const override;
 
-    static const AnywhereSearch& instance();
+    static const std::shared_ptr<const AnywhereSearch>& instance();
 };

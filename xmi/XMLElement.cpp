@@ -81,7 +81,7 @@ bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedEl
 // The dictionary of the subtree, built bottom-up with a stack of its own rather than by
 // recursion, so that the nesting of the input doesn't decide the depth of the machine stack.
 // Each element folds its children's dictionaries from the left, then enters its own id.
-_eHndl<XMLDictionary> XMLElement::dictionary() const {
+_eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute) const {
     struct Frame {
         const XMLElement* element;
         ElementSeq children;
@@ -98,8 +98,8 @@ _eHndl<XMLDictionary> XMLElement::dictionary() const {
             continue;
         }
         _eHndl<XMLDictionary> done = top.folded.isNull() ? XMLDictionary::empty() : top.folded;
-        if (top.element->hasAttribute(L"xmi.id"))
-            done = done->add(top.element->attributeText(L"xmi.id", Context::shared()), const_cast<XMLElement*>(top.element));
+        if (top.element->hasAttribute(idAttribute))
+            done = done->add(top.element->attributeText(idAttribute, Context::shared()), const_cast<XMLElement*>(top.element));
         frames.pop_back();
         if (frames.empty()) return done;
         Frame& parent = frames.back();

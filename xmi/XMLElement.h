@@ -29,7 +29,8 @@ public:
     // What a reference to this element reads as in a type: by default its name.
     virtual TypeRecord typeRecord(const _eHndl<Context>& context) const;
 
-    _eHndl<XMLDictionary> dictionary() const;
+    // The elements of the subtree by the ids in their attribute `idAttribute`.
+    _eHndl<XMLDictionary> dictionary(const _eString& idAttribute = L"xmi.id") const;
     // The attribute's text if it is there, else the child element's "xmi.value" or text; "?" if neither.
     _eString attributeOrSubElement(const _eString& attribute, const _eString& subElement,
                                    const _eHndl<Context>& context) const;

@@ -92,8 +92,8 @@ ParameterRecord FCOperationElement::readParameter(const XMLElement& parameter, c
     record.type = parameter.readType(L"UML:Parameter.type", context);
     if (!is(record.kind, L"return")) return record;
     const XMLcontent& content = *parameter.getContent();
-    auto namedVoid = [](const _eFrom<XMLElement>& found) {
-        return !found.isNull() && is(ClassRenderer::typeName(found->readName()), L"void");
+    auto namedVoid = [&](const _eFrom<XMLElement>& found) {
+        return !found.isNull() && ClassRenderer::readsVoid(found->typeRecord(context));
     };
     ElementSeq types = content.childrenNamed(L"UML:Parameter.type");
     if (!types.isEmpty()) {

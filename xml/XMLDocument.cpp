@@ -1,17 +1,13 @@
 #include "xml/XMLDocument.h"
 
-void XMLDocument::analyse() { analyse(PathSearch::instance()); }
-
-void XMLDocument::analyse(const ClassSearch& classSearch) {
+void XMLDocument::analyse() {
     _eFreeze freeze(this);
-    dictionary = root->dictionary();
-    search = &classSearch;
-    // Classes are found only below an "XMI" document element.
-    classes = root->getName() == _eString(L"XMI") ? classSearch.classMap(*root) : ClassMap();
+    dictionary = search->dictionary(*root);
+    classes = search->readsDocument(*root) ? search->classMap(*root) : ClassMap();
 }
 
 bool XMLDocument::rootIsXMI() {
-    if (root->getName() == _eString(L"XMI")) return true;
+    if (search->readsDocument(*root)) return true;
     addError(_eHndl<XMLError>(new XMLError(getLocation(), XMLErrorType::notXMI)));
     return false;
 }
@@ -33,7 +29,7 @@ void XMLDocument::generateClassFile(const _eString& className, const _eString& o
     _eHndl<Context> context = generationContext();
     auto [index, end] = classes.lookup(className);
     _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
-    if (index != end) output = ClassSearch::declaration(*classes.at(index).second, context);
+    if (index != end) output = search->declaration(*classes.at(index).second, context);
     write(*output, FileName(outputDirectory, className, L"tv", environment.get()), sourceFile, environment);
 }
 
@@ -41,6 +37,5 @@ void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& cl
                                      const _eHndl<const Environment>& environment) {
     if (!rootIsXMI()) return;
     _eHndl<Context> context = generationContext();
-    const ClassSearch& classSearch = search == nullptr ? PathSearch::instance() : *search;
-    write(*classSearch.declarations(*root, classNames, context), targetFile, sourceFile, environment);
+    write(*search->declarations(*root, classNames, context), targetFile, sourceFile, environment);
 }

@@ -23,17 +23,18 @@ public:
     // Writes one file with the chosen classes, in document order.
     virtual void generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                     const _eHndl<const Environment>& environment);
-    // Builds the dictionary and the class map, with the classes that `search` finds; generation
-    // finds them in the same way. Without a search, along the one path of the specification.
+    // Builds the dictionary and the class map, with the classes that the chosen search finds.
     virtual void analyse();
-    void analyse(const ClassSearch& search);
+    // How the classes of the document are found and read, by `analyse` and by generation; until
+    // one is chosen, along the one path of XMI 1.x.
+    void chooseSearch(const std::shared_ptr<const ClassSearch>& classSearch) { search = classSearch; }
     virtual ClassMap getClasses() const { return classes; }
 
     const _eFrom<XMLElement>& getRoot() const { return root; }
     const _eHndl<XMLDictionary>& getDictionary() const { return dictionary; }
 
 private:
-    // False, with a `notXMI` error, when the root isn't "XMI".
+    // False, with a `notXMI` error, when the search doesn't read the document: its root isn't "XMI".
     bool rootIsXMI();
     // A fresh context on the dictionary; on the empty one before `analyse`.
     _eHndl<Context> generationContext() const;
@@ -43,5 +44,5 @@ private:
     _eFrom<XMLElement> root;
     _eHndl<XMLDictionary> dictionary;  // null until analysed
     ClassMap classes;                  // class name to class element
-    const ClassSearch* search = nullptr;  // how the classes were found; null until analysed
+    std::shared_ptr<const ClassSearch> search = PathSearch::instance();  // how classes are found
 };
