@@ -15,8 +15,8 @@ cmake --build "$build_dir" -j"$(nproc)" --target fuzz_import fuzz_parser
 seeds="$build_dir/seeds"
 rm -rf "$seeds"
 mkdir -p "$seeds" "$build_dir/artifacts"
-find "$root/examples/models" "$root/tests" "$root/../shared/corpus/xmi" -type f \
-    \( -name '*.xmi' -o -name '*.xml' \) -size -200k 2>/dev/null | while read -r file; do
+find "$root/examples/models" "$root/tests" "$root/../shared/corpus/xmi" "$root/../shared/corpus/xmi2" -type f \
+    \( -name '*.xmi' -o -name '*.xml' -o -name '*.uml' \) -size -200k 2>/dev/null | while read -r file; do
     cp "$file" "$seeds/$(echo "$file" | md5sum | cut -c1-16).xmi"
 done
 echo "$(ls "$seeds" | wc -l) seed files"

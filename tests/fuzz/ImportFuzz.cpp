@@ -1,7 +1,7 @@
 // Any bytes through the whole path: parse, analyse, list, generate every class one by one and
 // all together. Nothing may crash; failures come back as data. Inputs of odd length take the
-// search for classes anywhere, those of even length the specified path, so that both roads are
-// fuzzed at the cost of one.
+// extensions (XMI 2 documents read as such, XMI 1.x documents searched anywhere), those of even
+// length the specified road, so that every road is fuzzed at the cost of one.
 #include <cstdint>
 
 #include "FuzzInput.h"
@@ -13,6 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string path = writeInput(data, size);
     XMLImporter importer(environment.get());
     importer.findClassesAnywhere(size % 2 == 1);
+    importer.readXmi2Models(size % 2 == 1);
     bool success = false;
     importer.attemptParse(fromPlatformText(path), _eString(), success);
     importer.getParseDiagnostics();

@@ -75,6 +75,15 @@ TEST_F(SampleHost, GeneratesEveryClassOfBothExampleModels) {
     EXPECT_EQ(ledger.find("class Entry"), std::string::npos);
 }
 
+// A UML 2 model saved as XMI 2.x is read without asking.
+TEST_F(SampleHost, ReadsXmi2Models) {
+    std::string model = std::string(MODELBRIDGE_PROJECT_DIR) + "/tests/data/xmi2/shop-papyrus.uml";
+    HostRun uml2 = run(model + " -o " + dir);
+    EXPECT_EQ(uml2.status, 0) << uml2.output;
+    EXPECT_NE(uml2.output.find("wrote " + dir + "/Special.tv"), std::string::npos) << uml2.output;
+    EXPECT_NE(slurp(dir + "/Book.tv").find("\nfinal class Book ^= inherits Item\n"), std::string::npos);
+}
+
 TEST_F(SampleHost, FailuresAreReportedWithAnExitCode) {
     HostRun missing = run(dir + "/none.xmi -o " + dir);
     EXPECT_EQ(missing.status, 1);

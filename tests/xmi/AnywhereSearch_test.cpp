@@ -7,76 +7,23 @@
 #include <set>
 
 #include "environment/PlatformText.h"
+#include "support/CorpusScan.h"
+#include "support/ImportRun.h"
 #include "support/ImporterInspector.h"
 #include "support/ParseRun.h"
-#include "support/TempDir.h"
 
 namespace {
 
 std::string xmi(const std::string& content) { return "<XMI xmi.version='1.2'><XMI.content>" + content + "</XMI.content></XMI>"; }
 
-// Parses `model` with the search chosen and reads back the class list and the file of all
-// classes (its declarations only).
-struct Imported {
-    Imported(const std::string& model, bool anywhere) {
-        _eHndl<Environment> environment(new Environment());
-        XMLImporter importer(environment.get());
-        importer.findClassesAnywhere(anywhere);
-        bool success = false;
-        importer.attemptParse(fromPlatformText(dir.write("model.xmi", model)), L"", success);
-        EXPECT_TRUE(success) << model;
-        _eSeq<_eString> list = importer.getClassList();
-        _eSet<_eString> all;
-        for (int i = 0; i < list.size(); ++i) {
-            classes.push_back(toWString(list.at(i)));
-            all.add(list.at(i));
-        }
-        for (int i = 0; i < list.size(); ++i) {
-            bool written = false;
-            importer.generateClassFile(fromPlatformText(dir.path() + "/"), list.at(i), written);
-            filesWritten += written && std::filesystem::exists(dir / (toPlatformText(list.at(i)) + ".tv")) ? 1 : 0;
-        }
-        importer.generateSingleFile(fromPlatformText(dir.path() + "/"), L"all", all, success);
-        EXPECT_TRUE(success);
-        std::string file = dir.read("all.tv");
-        std::size_t start = 0;
-        for (int line = 0; line < 7; ++line) start = file.find('\n', start) + 1;
-        single = file.substr(start);
-    }
-    TempDir dir;
-    std::vector<std::wstring> classes;
-    int filesWritten = 0;  // one file for each class
-    std::string single;
-};
+// The model imported with the search for classes anywhere, or along the path.
+ImportRun imported(const std::string& model, bool anywhere) {
+    Extensions extensions;
+    extensions.anywhere = anywhere;
+    return ImportRun(model, extensions);
+}
 
 using ClassNames = std::vector<std::wstring>;
-
-std::string readFile(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// The value of the attribute "name" in the text of a start tag, blanks allowed around "=".
-bool nameAttribute(const std::string& tag, std::string& value) {
-    for (std::size_t at = tag.find("name"); at != std::string::npos; at = tag.find("name", at + 1)) {
-        if (at == 0 || std::string(" \t\r\n").find(tag[at - 1]) == std::string::npos) continue;
-        std::size_t next = tag.find_first_not_of(" \t\r\n", at + 4);
-        if (next == std::string::npos || tag[next] != '=') continue;
-        std::size_t open = tag.find_first_not_of(" \t\r\n", next + 1);
-        if (open == std::string::npos || (tag[open] != '\'' && tag[open] != '"')) continue;
-        std::size_t close = tag.find(tag[open], open + 1);
-        if (close == std::string::npos) return false;
-        value = tag.substr(open + 1, close - open - 1);
-        return true;
-    }
-    return false;
-}
-
-std::wstring bytes(const std::string& text) {
-    std::wstring out;
-    for (char c : text) out.push_back(wchar_t(static_cast<unsigned char>(c)));
-    return out;
-}
 
 }  // namespace
 
@@ -97,13 +44,14 @@ TEST(AnywhereSearch, NestedModelsPackagesAndEmptyElementClasses) {
         "<UML:Class xmi.id='c3' name='Deep'/></UML:Namespace.ownedElement></UML:Package>"
         "</UML:Namespace.ownedElement></UML:Model>"
         "</UML:Namespace.ownedElement></UML:Model>");
-    Imported found(umbrello, true);
+    ImportRun found = imported(umbrello, true);
+    EXPECT_TRUE(found.parsed && found.generated);
     EXPECT_EQ(found.classes, (ClassNames{L"Deep", L"Item", L"Order"}));
     // Document order; an empty-element class has no members; a type by attribute resolves.
     EXPECT_EQ(found.single,
               "deferred class Order ^=\nabstract\n\tvar count: int;\ninterface\n\tselector count;\nend;\n\n"
               "class Item ^=\ninterface\nend;\n\nclass Deep ^=\ninterface\nend;\n\n\n// End of file.\n");
-    EXPECT_TRUE(Imported(umbrello, false).classes.empty());
+    EXPECT_TRUE(imported(umbrello, false).classes.empty());
 
     std::string magicDraw = xmi(
         "<UML:Model xmi.id='m'><UML:Namespace.ownedElement><UML:Model xmi.id='data'><UML:Namespace.ownedElement>"
@@ -112,10 +60,10 @@ TEST(AnywhereSearch, NestedModelsPackagesAndEmptyElementClasses) {
         "</UML:Namespace.ownedElement></UML:Package></UML:Namespace.ownedElement></UML:Package>"
         "<UML:Class xmi.id='d' name='Outer'></UML:Class>"
         "</UML:Namespace.ownedElement></UML:Model></UML:Namespace.ownedElement></UML:Model>");
-    Imported deep(magicDraw, true);
+    ImportRun deep = imported(magicDraw, true);
     EXPECT_EQ(deep.classes, (ClassNames{L"Inner", L"Outer"}));
     EXPECT_LT(deep.single.find("class Inner"), deep.single.find("class Outer"));
-    EXPECT_TRUE(Imported(magicDraw, false).classes.empty());
+    EXPECT_TRUE(imported(magicDraw, false).classes.empty());
 }
 
 // UML 1.4 tools: classes in subsystems and in a class's own namespace. A class that holds
@@ -134,13 +82,13 @@ TEST(AnywhereSearch, SubsystemsAndNestedClasses) {
         "</UML:Namespace.ownedElement></UML:Subsystem>"
         "<UML:Class xmi.id='a' name='After'></UML:Class>"
         "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>";
-    Imported found(model, true);
+    ImportRun found = imported(model, true);
     EXPECT_EQ(found.classes, (ClassNames{L"After", L"Inner", L"Outer"}));
     // The nested class is an empty-element tag: a reference to it reads as its name.
     EXPECT_EQ(found.single,
               "class Outer ^=\nabstract\n\tvar x: Inner;\nend;\n\nclass Inner ^=\ninterface\nend;\n\n"
               "class After ^=\ninterface\nend;\n\n\n// End of file.\n");
-    EXPECT_EQ(Imported(model, false).classes, (ClassNames{L"After"}));
+    EXPECT_EQ(imported(model, false).classes, (ClassNames{L"After"}));
 }
 
 // Rose: UML 1.3 tags without a prefix, read as "UML:" forms in an "XMI" document only.
@@ -154,11 +102,11 @@ TEST(AnywhereSearch, UnprefixedTagsOfRose) {
         "</Classifier.feature></Class>"
         "<DataType xmi.id='t' name='float'/>"
         "</Namespace.ownedElement></Model></XMI.content></XMI>";
-    Imported found(rose, true);
+    ImportRun found = imported(rose, true);
     EXPECT_EQ(found.classes, (ClassNames{L"Kind"}));
     EXPECT_EQ(found.single,
               "class Kind ^=\nabstract\n\tvar size: real;\ninterface\n\tselector size;\nend;\n\n\n// End of file.\n");
-    EXPECT_TRUE(Imported(rose, false).classes.empty());
+    EXPECT_TRUE(imported(rose, false).classes.empty());
 
     // The tags are read so only below an "XMI" root, and only when asked for.
     auto rootName = [](const std::string& text, bool unprefixed) {
@@ -180,23 +128,15 @@ TEST(AnywhereSearch, EveryClassOfTheCorpus) {
         if (entry.path().extension() != ".xmi") continue;
         ++files;
         std::string text = readFile(entry.path());
-        // The names of the "UML:Class" tags that have an id and refer to nothing.
-        std::set<std::wstring> expected;
-        for (std::size_t at = text.find("<UML:Class"); at != std::string::npos; at = text.find("<UML:Class", at + 1)) {
-            char after = text[at + 10];
-            if (after != ' ' && after != '\n' && after != '\r' && after != '\t' && after != '>' && after != '/') continue;
-            std::string tag = text.substr(at, text.find('>', at) - at);
-            if (tag.find("xmi.id") == std::string::npos || tag.find("xmi.idref") != std::string::npos) continue;
-            std::string value;
-            ASSERT_TRUE(nameAttribute(tag, value)) << tag;
-            if (value.empty()) value = "?";
-            static const std::set<std::string> builtIn = {"Boolean", "Byte", "Character", "Double", "Integer", "String", "bag",
-                                                          "bool", "map", "pair", "real", "seq", "set", "triple"};
-            if (builtIn.count(value) == 0) expected.insert(bytes(value));
-        }
-        Imported found(text, true);
+        // The "UML:Class" tags that have an id and refer to nothing.
+        std::set<std::wstring> expected = classNamesOfTags(text, [](const std::string& tag) {
+            return tag.rfind("<UML:Class", 0) == 0 && tag.size() > 10 && std::string(" \t\r\n/").find(tag[10]) != std::string::npos &&
+                   tag.find("xmi.id") != std::string::npos && tag.find("xmi.idref") == std::string::npos;
+        });
+        ImportRun found = imported(text, true);
         EXPECT_EQ(std::set<std::wstring>(found.classes.begin(), found.classes.end()), expected) << entry.path();
-        EXPECT_EQ(found.filesWritten, int(found.classes.size())) << entry.path();
+        EXPECT_TRUE(found.parsed && found.generated) << entry.path();
+        EXPECT_EQ(found.files.size(), found.classes.size()) << entry.path();
     }
     EXPECT_EQ(files, 10);
 }

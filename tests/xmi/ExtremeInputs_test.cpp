@@ -6,6 +6,7 @@
 #include <string>
 
 #include "environment/PlatformText.h"
+#include "support/ImportRun.h"
 #include "support/ImporterInspector.h"
 #include "support/TempDir.h"
 #include "xmi/ClassRenderer.h"
@@ -83,6 +84,21 @@ TEST_F(ExtremeInputs, DeepNestingOfElementsAndOfPackages) {
     packages.generateClassFile(fromPlatformText(dir.path() + "/"), L"Deep", success);
     EXPECT_TRUE(success);
     EXPECT_NE(dir.read("Deep.tv").find("class Deep ^="), std::string::npos);
+
+    // The same in a UML 2 model saved as XMI 2.x, the class holding an association's end.
+    Extensions xmi2;
+    xmi2.xmi2 = true;
+    ImportRun uml2("<uml:Model xmi:version='2.1' xmlns:xmi='http://schema.omg.org/spec/XMI/2.1' "
+                   "xmlns:uml='http://schema.omg.org/spec/UML/2.1'>" +
+                       repeated("<packagedElement xmi:type='uml:Package'>", many) +
+                       "<packagedElement xmi:type='uml:Class' xmi:id='Deep' name='Deep'>"
+                       "<ownedAttribute xmi:id='e' name='next' type='Deep' association='a'/></packagedElement>"
+                       "<packagedElement xmi:type='uml:Association' xmi:id='a' memberEnd='e f'>"
+                       "<ownedEnd xmi:id='f' type='Deep'/></packagedElement>" +
+                       repeated("</packagedElement>", many) + "</uml:Model>",
+                   xmi2);
+    EXPECT_EQ(uml2.classes, std::vector<std::wstring>{L"Deep"});
+    EXPECT_NE(uml2.single.find("class Deep ^=\nabstract\n\tvar next: ref from Deep;\n"), std::string::npos) << uml2.single;
 }
 
 TEST_F(ExtremeInputs, HugeValuesAndNames) {
