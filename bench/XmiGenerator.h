@@ -42,16 +42,23 @@ private:
         open(property);
         open(data("Multiplicity"));
         open(data("Multiplicity.range"));
-        out += "<" + data("MultiplicityRange") + " lower=\"" + lower + "\" upper=\"" + upper + "\"/>\n";
+        out.append("<").append(data("MultiplicityRange")).append(" lower=\"").append(lower).append("\" upper=\"");
+        out.append(upper).append("\"/>\n");
         close(data("Multiplicity.range"));
         close(data("Multiplicity"));
         close(property);
     }
 
     static std::string className(int i) { return "Class" + std::to_string(i); }
+    // "a12_3": a letter, then two numbers joined by "_".
+    static std::string key(const char* letter, int a, int b) {
+        std::string out(letter);
+        out.append(std::to_string(a)).append("_").append(std::to_string(b));
+        return out;
+    }
 
     void attribute(int owner, int k) {
-        std::string id = "a" + std::to_string(owner) + "_" + std::to_string(k);
+        std::string id = key("a", owner, k);
         open(core("Attribute"), " xmi.id=\"" + id + "\" name=\"field" + std::to_string(k) + "\" visibility=\"" +
                                     (k % 2 == 0 ? "public" : "private") + "\"");
         multiplicity(core("StructuralFeature.multiplicity"), k == 3 ? "0" : "1", k == 3 ? "*" : "1");
@@ -74,7 +81,7 @@ private:
     }
 
     void operation(int owner, int k) {
-        std::string id = "o" + std::to_string(owner) + "_" + std::to_string(k);
+        std::string id = key("o", owner, k);
         const char* names[] = {"", "compute", "+"};
         std::string name = k == 0 ? className(owner) : names[k];
         open(core("Operation"), " xmi.id=\"" + id + "\" name=\"" + name + "\" visibility=\"public\"");

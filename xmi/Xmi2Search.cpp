@@ -7,7 +7,13 @@
 
 namespace {
 
-bool is(const _eString& text, const wchar_t* word) { return text == _eString(word); }
+// Compared unit by unit: the walk over the document asks this of every element.
+bool is(const _eString& text, std::wstring_view word) {
+    if (text.size() != int(word.size())) return false;
+    for (int i = 0, n = text.size(); i < n; ++i)
+        if (text.get(i) != word[std::size_t(i)]) return false;
+    return true;
+}
 
 int colonAt(const _eString& name) {
     for (int i = 0, n = name.size(); i < n; ++i)
@@ -112,39 +118,105 @@ Xmi2Search::Xmi2Search(const XMLElement& root, const _eString& xmiPrefix, const 
       idrefKey(xmiPrefix + L":idref"),
       typeKey(xmiPrefix + L":type"),
       umlPrefixes(umlPrefixes),
-      ids(root.dictionary(idKey)) {
+      root(const_cast<XMLElement*>(&root)) {
     // Tags without a prefix are the properties of the elements that hold them.
     this->umlPrefixes.add(_eString());
-    indexAssociations(root);
+    findClasses();
+}
+
+// Depth first with a stack of its own, each element done after its children. An element of
+// another namespace, and every element within it, is never a class nor holds one.
+void Xmi2Search::findClasses() {
+    struct Frame {
+        const XMLElement* element;
+        ElementSeq children;
+        int next;
+        bool foreign;         // the element or one that holds it is of another namespace
+        _eString kind;        // its metaclass, when it is of UML
+        ElementSeq holding;   // the children done that are or hold classes
+    };
+    std::vector<Frame> frames;
+    // The root, "xmi:XMI" or a model, holds the document.
+    frames.push_back({root.get(), root->getContent()->childElements(), 0, false, {}, {}});
+    while (true) {
+        Frame& top = frames.back();
+        if (top.next < top.children.size()) {
+            const XMLElement* child = top.children.get(top.next++).get();
+            bool uml = false;
+            _eString kind = classify(*child, uml);
+            frames.push_back({child, child->getContent()->childElements(), 0, top.foreign || !uml, kind, {}});
+            continue;
+        }
+        const XMLElement& element = *top.element;
+        bool holds = !top.holding.isEmpty();
+        if (holds) holding[&element] = top.holding;
+        const _eString& kind = top.kind;
+        bool isClassElement = !top.foreign && is(kind, L"Class") && element.hasAttribute(idKey) && !element.hasAttribute(idrefKey) &&
+                              !element.hasAttribute(L"href");
+        if (isClassElement) classes.insert(&element);
+        if (!top.foreign && is(kind, L"Association")) associationElements.push_back(&element);
+        frames.pop_back();
+        if (frames.empty()) break;
+        if (holds || isClassElement) frames.back().holding.pushBack(const_cast<XMLElement*>(&element));
+    }
+}
+
+// Every element's id, foreign ones too; then the associations by their ends.
+const Xmi2Search::Lookups& Xmi2Search::lookups() const {
+    std::call_once(lookupsBuilt, [this] {
+        auto tables = std::make_unique<Lookups>();
+        std::unordered_set<std::wstring> duplicates;
+        std::vector<ElementSeq> pending{ElementSeq(root)};
+        while (!pending.empty()) {
+            ElementSeq elements = pending.back();
+            pending.pop_back();
+            for (int i = 0, n = elements.size(); i < n; ++i) {
+                const XMLElement& element = *elements.get(i);
+                if (element.hasAttribute(idKey)) {
+                    std::wstring id = toWString(element.attributeText(idKey, Context::shared()));
+                    if (!tables->ids.emplace(id, elements.get(i)).second) duplicates.insert(id);
+                }
+                ElementSeq children = element.getContent()->childElements();
+                if (!children.isEmpty()) pending.push_back(children);
+            }
+        }
+        for (const std::wstring& id : duplicates) tables->ids.erase(id);
+        for (const XMLElement* element : associationElements) indexAssociation(*element, *tables);
+        built = std::move(tables);
+    });
+    return *built;
 }
 
 bool Xmi2Search::isUml(const XMLElement& element) const {
-    if (!umlPrefixes.contains(prefix(element.getName()))) return false;
-    return !element.hasAttribute(typeKey) ||
-           umlPrefixes.contains(prefix(element.attributeText(typeKey, Context::shared())));
+    bool uml = false;
+    classify(element, uml);
+    return uml;
+}
+
+_eString Xmi2Search::classify(const XMLElement& element, bool& uml) const {
+    const _eString& tag = element.getName();
+    uml = umlPrefixes.contains(prefix(tag));
+    if (!element.hasAttribute(typeKey)) return prefix(tag).isEmpty() ? _eString() : local(tag);
+    _eString type = element.attributeText(typeKey, Context::shared());
+    uml = uml && umlPrefixes.contains(prefix(type));
+    return local(type);
 }
 
 _eString Xmi2Search::metaclass(const XMLElement& element) const {
-    if (element.hasAttribute(typeKey)) return local(element.attributeText(typeKey, Context::shared()));
-    return prefix(element.getName()).isEmpty() ? _eString() : local(element.getName());
+    bool uml = false;
+    return classify(element, uml);
 }
 
-bool Xmi2Search::isClass(const XMLElement& element) const {
-    return element.hasAttribute(idKey) && !element.hasAttribute(idrefKey) && !element.hasAttribute(L"href") &&
-           isUml(element) && is(metaclass(element), L"Class");
-}
+bool Xmi2Search::isClass(const XMLElement& element) const { return classes.count(&element) != 0; }
 
 ElementSeq Xmi2Search::descent(const XMLElement& element) const {
-    ElementSeq children = element.getContent()->childElements();
-    ElementSeq out;
-    for (int i = 0, n = children.size(); i < n; ++i)
-        if (isUml(*children.get(i))) out.pushBack(children.get(i));
-    return out;
+    auto found = holding.find(&element);
+    return found == holding.end() ? ElementSeq() : found->second;
 }
 
 bool Xmi2Search::readsDocument(const XMLElement&) const { return true; }
 
-_eHndl<XMLDictionary> Xmi2Search::dictionary(const XMLElement&) const { return ids; }
+_eHndl<XMLDictionary> Xmi2Search::dictionary(const XMLElement&) const { return XMLDictionary::empty(); }
 
 ElementSeq Xmi2Search::properties(const XMLElement& element, const wchar_t* property) const {
     ElementSeq children = element.getContent()->childElements();
@@ -171,7 +243,12 @@ _eSeq<_eString> Xmi2Search::references(const XMLElement& element, const wchar_t*
     return out;
 }
 
-_eFrom<XMLElement> Xmi2Search::lookup(const _eString& id) const { return ids->lookup(id); }
+_eFrom<XMLElement> Xmi2Search::find(const Lookups& tables, const _eString& id) {
+    auto found = tables.ids.find(toWString(id));
+    return found == tables.ids.end() ? _eFrom<XMLElement>() : found->second;
+}
+
+_eFrom<XMLElement> Xmi2Search::lookup(const _eString& id) const { return find(lookups(), id); }
 
 NameRecord Xmi2Search::readName(const XMLElement& element) const {
     NameRecord record;
@@ -260,7 +337,7 @@ _eString Xmi2Search::defaultValue(const XMLElement& element) const {
 
 bool Xmi2Search::isAssociationEnd(const XMLElement& element) const {
     return element.hasAttribute(L"association") ||
-           (element.hasAttribute(idKey) && endIds.contains(element.attributeText(idKey, Context::shared())));
+           (element.hasAttribute(idKey) && lookups().endIds.contains(element.attributeText(idKey, Context::shared())));
 }
 
 AttributeRecord Xmi2Search::readAttribute(const XMLElement& element) const {
@@ -326,47 +403,27 @@ AssociationRecord Xmi2Search::readAssociation(const Association& association) co
     return record;
 }
 
-// The associations of the document in order, each by the ends its "memberEnd" lists (or, when
-// it lists none, by its own ends), and by the classes their types name.
-void Xmi2Search::indexAssociations(const XMLElement& root) {
-    std::vector<ElementSeq> pending{descent(root)};
-    std::vector<int> next{0};
-    auto visit = [&](const XMLElement& element) {
-        if (!is(metaclass(element), L"Association")) return;
-        Association association;
-        _eSeq<_eString> members = references(element, L"memberEnd");
-        ElementSeq candidates;
-        if (members.isEmpty()) candidates = properties(element, L"ownedEnd");
-        for (int i = 0, n = members.size(); i < n; ++i) {
-            endIds.add(members.get(i));
-            _eFrom<XMLElement> end = lookup(members.get(i));
-            if (!end.isNull()) candidates.pushBack(end);
-        }
-        for (int i = 0, n = candidates.size(); i < n; ++i)
-            if (typeCount(*candidates.get(i)) > 0) association.ends.pushBack(candidates.get(i));
-        _eSeq<_eString> navigable = references(element, L"navigableOwnedEnd");
-        for (int i = 0, n = navigable.size(); i < n; ++i) association.navigableOwnedEnds.add(navigable.get(i));
-        int index = int(associations.size());
-        Names classIds;
-        for (int i = 0, n = association.ends.size(); i < n; ++i) classIds.add(typeId(*association.ends.get(i)));
-        for (int i = 0, n = classIds.size(); i < n; ++i) byClassId[toWString(classIds.at(i))].push_back(index);
-        associations.push_back(association);
-    };
-    visit(root);
-    while (!pending.empty()) {
-        if (next.back() == pending.back().size()) {
-            pending.pop_back();
-            next.pop_back();
-            continue;
-        }
-        const XMLElement& element = *pending.back().get(next.back()++);
-        visit(element);
-        ElementSeq below = descent(element);
-        if (!below.isEmpty()) {
-            pending.push_back(below);
-            next.push_back(0);
-        }
+// An association by the ends its "memberEnd" lists (or, when it lists none, by its own ends),
+// and by the classes their types name.
+void Xmi2Search::indexAssociation(const XMLElement& element, Lookups& tables) const {
+    Association association;
+    _eSeq<_eString> members = references(element, L"memberEnd");
+    ElementSeq candidates;
+    if (members.isEmpty()) candidates = properties(element, L"ownedEnd");
+    for (int i = 0, n = members.size(); i < n; ++i) {
+        tables.endIds.add(members.get(i));
+        _eFrom<XMLElement> end = find(tables, members.get(i));
+        if (!end.isNull()) candidates.pushBack(end);
     }
+    for (int i = 0, n = candidates.size(); i < n; ++i)
+        if (typeCount(*candidates.get(i)) > 0) association.ends.pushBack(candidates.get(i));
+    _eSeq<_eString> navigable = references(element, L"navigableOwnedEnd");
+    for (int i = 0, n = navigable.size(); i < n; ++i) association.navigableOwnedEnds.add(navigable.get(i));
+    int index = int(tables.associations.size());
+    Names classIds;
+    for (int i = 0, n = association.ends.size(); i < n; ++i) classIds.add(typeId(*association.ends.get(i)));
+    for (int i = 0, n = classIds.size(); i < n; ++i) tables.byClassId[toWString(classIds.at(i))].push_back(index);
+    tables.associations.push_back(association);
 }
 
 // Its attributes, then its operations, then the members its associations give, then its
@@ -394,8 +451,9 @@ ClassRecord Xmi2Search::readClass(const XMLElement& element, const _eHndl<Contex
         record.parents.push_back(readReference(*generalizations.get(i), L"general"));
     if (!element.hasAttribute(idKey)) return record;
     record.id = element.attributeText(idKey, Context::shared());
-    auto found = byClassId.find(toWString(record.id));
-    if (found != byClassId.end())
-        for (int index : found->second) record.associations.push_back(readAssociation(associations[std::size_t(index)]));
+    const Lookups& tables = lookups();
+    auto found = tables.byClassId.find(toWString(record.id));
+    if (found != tables.byClassId.end())
+        for (int index : found->second) record.associations.push_back(readAssociation(tables.associations[std::size_t(index)]));
     return record;
 }

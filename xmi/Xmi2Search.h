@@ -8,7 +8,10 @@
 #pragma once
 
 #include <map>
+#include <mutex>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "xmi/ClassSearch.h"
@@ -20,11 +23,12 @@ public:
     // Null otherwise.
     static std::shared_ptr<const Xmi2Search> recognise(const XMLElement& root);
 
-    // A "Class" with an id that refers to nothing else.
+    // A "Class" of UML with an id that refers to nothing else, outside other namespaces.
     bool isClass(const XMLElement& element) const override;
-    // Every child of UML.
+    // The children of UML that are classes or hold one.
     ElementSeq descent(const XMLElement& element) const override;
     bool readsDocument(const XMLElement& root) const override;
+    // The search keeps the ids of the document itself: none for the dictionary of XMI 1.x.
     _eHndl<XMLDictionary> dictionary(const XMLElement& root) const override;
     ClassRecord readClass(const XMLElement& element, const _eHndl<Context>& context) const override;
     // The attribute "name", else the text of one child "name"; else none, given as empty.
@@ -44,8 +48,10 @@ private:
     // The element is of UML: its tag and its "xmi:type" have no prefix or one bound to UML.
     bool isUml(const XMLElement& element) const;
     // The metaclass of an element: the local part of its "xmi:type", else of its tag when that
-    // is of UML; empty for a property element without a type.
+    // has a prefix; empty for a property element without a type.
     _eString metaclass(const XMLElement& element) const;
+    // The metaclass, and in `uml` whether the element is of UML.
+    _eString classify(const XMLElement& element, bool& uml) const;
     // The children of UML whose tag, without prefix, is `property`.
     ElementSeq properties(const XMLElement& element, const wchar_t* property) const;
     // A property of one value: the attribute, else the text of one child element of that name,
@@ -54,7 +60,7 @@ private:
     // The ids that the property `name` refers to: the attribute's list, else the "xmi:idref" of
     // each child of that name.
     _eSeq<_eString> references(const XMLElement& element, const wchar_t* name) const;
-    // The element of an id, or null.
+    // The element of an id, or null; an id that two elements bear names neither.
     _eFrom<XMLElement> lookup(const _eString& id) const;
 
     // What the reference in property `name` reads as in a type: an id resolved in the
@@ -78,14 +84,29 @@ private:
     // An owned attribute that is the end of an association rather than an attribute.
     bool isAssociationEnd(const XMLElement& element) const;
 
-    void indexAssociations(const XMLElement& root);
+    // What generation looks up: built on its first use, so that listing the classes costs no
+    // more than the walk that finds them.
+    struct Lookups {
+        std::unordered_map<std::wstring, _eFrom<XMLElement>> ids;  // an id two elements bear is none
+        std::vector<Association> associations;                   // in document order
+        std::map<std::wstring, std::vector<int>> byClassId;      // the associations at each class id
+        Names endIds;                                            // every member end of an association
+    };
+    const Lookups& lookups() const;
+    void indexAssociation(const XMLElement& element, Lookups& tables) const;
+    static _eFrom<XMLElement> find(const Lookups& tables, const _eString& id);
+
+    // The walk over the document that finds its classes, what holds them, and its associations.
+    void findClasses();
 
     _eString idKey;      // "xmi:id", in the document's prefix
     _eString idrefKey;   // "xmi:idref"
     _eString typeKey;    // "xmi:type"
     Names umlPrefixes;   // the empty prefix among them
-    _eHndl<XMLDictionary> ids;
-    std::vector<Association> associations;                   // in document order
-    std::map<std::wstring, std::vector<int>> byClassId;      // the associations at each class id
-    Names endIds;                                            // every member end of an association
+    _eFrom<XMLElement> root;
+    std::unordered_set<const XMLElement*> classes;
+    std::unordered_map<const XMLElement*, ElementSeq> holding;  // the children that are or hold classes
+    std::vector<const XMLElement*> associationElements;        // in document order
+    mutable std::once_flag lookupsBuilt;
+    mutable std::unique_ptr<Lookups> built;
 };

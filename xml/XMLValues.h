@@ -104,7 +104,8 @@ public:
     virtual _eString text(const _eHndl<Context>& context) const {
         _eString out;
         const ValueElements& elements = getElements();
-        for (int i = 0, n = elements.size(); i < n; ++i) elements.get(i)->appendText(out, context);
+        _eSeqReader<_eFrom<XMLEntityValueElement>> reader(elements);
+        for (int i = 0, n = elements.size(); i < n; ++i) reader.next()->appendText(out, context);
         return out;
     }
 };
