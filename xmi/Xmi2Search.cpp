@@ -131,9 +131,9 @@ void Xmi2Search::findClasses() {
         const XMLElement* element;
         ElementSeq children;
         int next;
-        bool foreign;         // the element or one that holds it is of another namespace
-        _eString kind;        // its metaclass, when it is of UML
-        ElementSeq holding;   // the children done that are or hold classes
+        bool foreign;        // the element or one that holds it is of another namespace
+        _eString kind;       // its metaclass, when it is of UML
+        ElementSeq holding;  // the children done that are or hold classes
     };
     std::vector<Frame> frames;
     // The root, "xmi:XMI" or a model, holds the document.
@@ -151,8 +151,8 @@ void Xmi2Search::findClasses() {
         bool holds = !top.holding.isEmpty();
         if (holds) holding[&element] = top.holding;
         const _eString& kind = top.kind;
-        bool isClassElement = !top.foreign && is(kind, L"Class") && element.hasAttribute(idKey) && !element.hasAttribute(idrefKey) &&
-                              !element.hasAttribute(L"href");
+        bool isClassElement = !top.foreign && is(kind, L"Class") && element.hasAttribute(idKey) &&
+                              !element.hasAttribute(idrefKey) && !element.hasAttribute(L"href");
         if (isClassElement) classes.insert(&element);
         if (!top.foreign && is(kind, L"Association")) associationElements.push_back(&element);
         frames.pop_back();
@@ -239,7 +239,8 @@ _eSeq<_eString> Xmi2Search::references(const XMLElement& element, const wchar_t*
     _eSeq<_eString> out;
     ElementSeq written = properties(element, name);
     for (int i = 0, n = written.size(); i < n; ++i)
-        if (written.get(i)->hasAttribute(idrefKey)) out.pushBack(written.get(i)->attributeText(idrefKey, Context::shared()));
+        if (written.get(i)->hasAttribute(idrefKey))
+            out.pushBack(written.get(i)->attributeText(idrefKey, Context::shared()));
     return out;
 }
 
@@ -391,7 +392,8 @@ AssociationRecord Xmi2Search::readAssociation(const Association& association) co
                       association.navigableOwnedEnds.contains(end.attributeText(idKey, Context::shared()));
         bool navigable = ownedByClass || listed || is(property(end, L"isNavigable", L"false"), L"true");
         endRecord.isNavigable = navigable ? L"true" : L"false";
-        _eString aggregation = n == 2 ? property(*association.ends.get(1 - i), L"aggregation", L"none") : _eString(L"none");
+        _eString aggregation =
+            n == 2 ? property(*association.ends.get(1 - i), L"aggregation", L"none") : _eString(L"none");
         endRecord.aggregation = is(aggregation, L"shared") ? _eString(L"aggregate") : aggregation;
         endRecord.typeId = typeId(end);
         endRecord.singleType = typeCount(end) == 1;
@@ -454,6 +456,7 @@ ClassRecord Xmi2Search::readClass(const XMLElement& element, const _eHndl<Contex
     const Lookups& tables = lookups();
     auto found = tables.byClassId.find(toWString(record.id));
     if (found != tables.byClassId.end())
-        for (int index : found->second) record.associations.push_back(readAssociation(tables.associations[std::size_t(index)]));
+        for (int index : found->second)
+            record.associations.push_back(readAssociation(tables.associations[std::size_t(index)]));
     return record;
 }

@@ -88,9 +88,9 @@ private:
     // more than the walk that finds them.
     struct Lookups {
         std::unordered_map<std::wstring, _eFrom<XMLElement>> ids;  // an id two elements bear is none
-        std::vector<Association> associations;                   // in document order
-        std::map<std::wstring, std::vector<int>> byClassId;      // the associations at each class id
-        Names endIds;                                            // every member end of an association
+        std::vector<Association> associations;                     // in document order
+        std::map<std::wstring, std::vector<int>> byClassId;        // the associations at each class id
+        Names endIds;                                              // every member end of an association
     };
     const Lookups& lookups() const;
     void indexAssociation(const XMLElement& element, Lookups& tables) const;
@@ -99,14 +99,14 @@ private:
     // The walk over the document that finds its classes, what holds them, and its associations.
     void findClasses();
 
-    _eString idKey;      // "xmi:id", in the document's prefix
-    _eString idrefKey;   // "xmi:idref"
-    _eString typeKey;    // "xmi:type"
-    Names umlPrefixes;   // the empty prefix among them
+    _eString idKey;     // "xmi:id", in the document's prefix
+    _eString idrefKey;  // "xmi:idref"
+    _eString typeKey;   // "xmi:type"
+    Names umlPrefixes;  // the empty prefix among them
     _eFrom<XMLElement> root;
     std::unordered_set<const XMLElement*> classes;
     std::unordered_map<const XMLElement*, ElementSeq> holding;  // the children that are or hold classes
-    std::vector<const XMLElement*> associationElements;        // in document order
+    std::vector<const XMLElement*> associationElements;         // in document order
     mutable std::once_flag lookupsBuilt;
     mutable std::unique_ptr<Lookups> built;
 };

@@ -18,7 +18,9 @@ ImportRun xmi2(const std::string& model, const std::string& fileName = "model.xm
     return ImportRun(model, extensions, fileName);
 }
 
-std::string testData(const std::string& name) { return readFile(std::string(MODELBRIDGE_TEST_DATA_DIR) + "/xmi2/" + name); }
+std::string testData(const std::string& name) {
+    return readFile(std::string(MODELBRIDGE_TEST_DATA_DIR) + "/xmi2/" + name);
+}
 
 // A model of Papyrus's shape around `content`, with `namespaces` declared beside XMI's and UML's.
 std::string papyrus(const std::string& content) {
@@ -52,7 +54,8 @@ std::string integerType(const std::string& library) { return "<type href='" + li
 TEST(Xmi2Search, OneModelSavedByFourToolsGeneratesOneText) {
     ImportRun uml14(testData("shop.xmi"), Extensions());
     ASSERT_TRUE(uml14.parsed && uml14.generated);
-    EXPECT_EQ(uml14.classes, (std::vector<std::wstring>{L"Address", L"Book", L"Customer", L"Item", L"Order", L"Special"}));
+    EXPECT_EQ(uml14.classes,
+              (std::vector<std::wstring>{L"Address", L"Book", L"Customer", L"Item", L"Order", L"Special"}));
     EXPECT_NE(uml14.single.find("\tvar myCustomer: ref from Customer;\n"), std::string::npos) << uml14.single;
     for (const char* shape : {"shop-papyrus.uml", "shop-ea.xmi", "shop-magicdraw.xmi"}) {
         ImportRun uml2 = xmi2(testData(shape), shape);
@@ -85,7 +88,8 @@ TEST(Xmi2Search, OnlyWhenAskedForAndEmptyModels) {
 TEST(Xmi2Search, DocumentsAndClassesRecognised) {
     std::string prefixes =
         "<x:XMI xmlns:x='http://www.omg.org/spec/XMI/20131001' xmlns:u='http://www.omg.org/spec/UML/20131001' "
-        "xmlns:p='http://www.omg.org/spec/UML/20131001/StandardProfile' xmlns:e='http://www.eclipse.org/emf/2002/Ecore'>"
+        "xmlns:p='http://www.omg.org/spec/UML/20131001/StandardProfile' "
+        "xmlns:e='http://www.eclipse.org/emf/2002/Ecore'>"
         "<u:Model x:id='m'>"
         "<packagedElement x:type='u:Class' x:id='o' name='Outer'>"
         "<nestedClassifier x:type='u:Class' x:id='i' name='Inner'/>"
@@ -111,7 +115,8 @@ TEST(Xmi2Search, DocumentsAndClassesRecognised) {
          {"<XMI xmlns:uml='http://www.omg.org/spec/UML/20131001'><uml:Class xmi:id='c' name='C'/></XMI>",
           "<xmi:XMI xmlns:xmi='http://www.omg.org/XMI' xmlns:uml='http://www.omg.org/spec/UML/20131001'>"
           "<uml:Model xmi:id='m'><packagedElement xmi:type='uml:Class' xmi:id='c' name='C'/></uml:Model></xmi:XMI>",
-          "<uml:Model xmlns:xmi='http://www.omg.org/spec/XMI/20131001' xmlns:uml='http://www.omg.org/spec/UML/20131001'>"
+          "<uml:Model xmlns:xmi='http://www.omg.org/spec/XMI/20131001' "
+          "xmlns:uml='http://www.omg.org/spec/UML/20131001'>"
           "<packagedElement xmi:type='uml:Class' xmi:id='c' name='C'/></uml:Model>"}) {
         ImportRun other = xmi2(root);
         EXPECT_TRUE(other.classes.empty()) << root;
@@ -130,29 +135,43 @@ TEST(Xmi2Search, DefaultsAndReferences) {
     } rows[] = {
         // A value element without a value holds 0; "*" and "-1" are unbounded; two lower bounds
         // make no range, and the type stands plain.
-        {"<ownedAttribute xmi:id='a' name='a'>" + integerType(omg) + "<lowerValue xmi:type='uml:LiteralInteger'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='b' name='b'>" + integerType(pathmap) + "<upperValue xmi:type='uml:LiteralUnlimitedNatural' value='-1'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='c' name='c'>" + integerType(omg) + "<upperValue xmi:type='uml:LiteralUnlimitedNatural'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='d' name='d'>" + integerType(omg) + "<lowerValue value='0'/><lowerValue value='0'/></ownedAttribute>",
+        {"<ownedAttribute xmi:id='a' name='a'>" + integerType(omg) +
+             "<lowerValue xmi:type='uml:LiteralInteger'/></ownedAttribute>"
+             "<ownedAttribute xmi:id='b' name='b'>" +
+             integerType(pathmap) +
+             "<upperValue xmi:type='uml:LiteralUnlimitedNatural' value='-1'/></ownedAttribute>"
+             "<ownedAttribute xmi:id='c' name='c'>" +
+             integerType(omg) +
+             "<upperValue xmi:type='uml:LiteralUnlimitedNatural'/></ownedAttribute>"
+             "<ownedAttribute xmi:id='d' name='d'>" +
+             integerType(omg) + "<lowerValue value='0'/><lowerValue value='0'/></ownedAttribute>",
          "class C ^=\nabstract\n\tvar a: int || void;\n\tvar b: those x: set of int :- # x >= 1;\n"
          "\tvar c: those x: set of int :- # x >= 1;\n\tvar d: int;\n"
          "interface\n\tselector a;\n\tselector b;\n\tselector c;\n\tselector d;\nend;"},
         // Library types by the fragment of their reference: the three primitives by the names of
         // the language, others as written; a class by id, "from" unless it is a leaf.
-        {"<ownedAttribute xmi:id='a' name='a'><type href='" + omg + "#Boolean'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='b' name='b'><type href='" + pathmap + "#UnlimitedNatural'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='c' name='c'><type href='lib.uml#_x7Yz'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='d' name='d' type='C'/><ownedAttribute xmi:id='e' name='e' type='none'/>"
-         "<ownedAttribute xmi:id='f' name='f'><type xmi:idref='C'/><type xmi:idref='C'/></ownedAttribute>",
+        {"<ownedAttribute xmi:id='a' name='a'><type href='" + omg +
+             "#Boolean'/></ownedAttribute>"
+             "<ownedAttribute xmi:id='b' name='b'><type href='" +
+             pathmap +
+             "#UnlimitedNatural'/></ownedAttribute>"
+             "<ownedAttribute xmi:id='c' name='c'><type href='lib.uml#_x7Yz'/></ownedAttribute>"
+             "<ownedAttribute xmi:id='d' name='d' type='C'/><ownedAttribute xmi:id='e' name='e' type='none'/>"
+             "<ownedAttribute xmi:id='f' name='f'><type xmi:idref='C'/><type xmi:idref='C'/></ownedAttribute>",
          "class C ^=\nabstract\n\tvar a: bool;\n\tvar b: UnlimitedNatural;\n\tvar c: _x7Yz;\n\tvar d: from C;\n"
          "\tvar e: ?;\n\tvar f: ?;\ninterface\n\tselector a;\n\tselector b;\n\tselector c;\n\tselector d;\n"
          "\tselector e;\n\tselector f;\nend;"},
         // Frozen attributes take the default value of each literal kind, or of an expression.
-        {"<ownedAttribute xmi:id='a' name='a' isReadOnly='true'><defaultValue xmi:type='uml:LiteralBoolean'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='b' name='b' isReadOnly='true'><defaultValue xmi:type='uml:LiteralReal' value='2.5'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='c' name='c' isReadOnly='true'><defaultValue xmi:type='uml:LiteralString'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='d' name='d' isReadOnly='true'><defaultValue xmi:type='uml:OpaqueExpression' body='7L'/></ownedAttribute>"
-         "<ownedAttribute xmi:id='e' name='e' isReadOnly='true'><defaultValue xmi:type='uml:InstanceValue' instance='C'/></ownedAttribute>"
+        {"<ownedAttribute xmi:id='a' name='a' isReadOnly='true'><defaultValue "
+         "xmi:type='uml:LiteralBoolean'/></ownedAttribute>"
+         "<ownedAttribute xmi:id='b' name='b' isReadOnly='true'><defaultValue xmi:type='uml:LiteralReal' "
+         "value='2.5'/></ownedAttribute>"
+         "<ownedAttribute xmi:id='c' name='c' isReadOnly='true'><defaultValue "
+         "xmi:type='uml:LiteralString'/></ownedAttribute>"
+         "<ownedAttribute xmi:id='d' name='d' isReadOnly='true'><defaultValue xmi:type='uml:OpaqueExpression' "
+         "body='7L'/></ownedAttribute>"
+         "<ownedAttribute xmi:id='e' name='e' isReadOnly='true'><defaultValue xmi:type='uml:InstanceValue' "
+         "instance='C'/></ownedAttribute>"
          "<ownedAttribute xmi:id='f' name='f' isReadOnly='true'/>",
          "class C ^=\nabstract\n\tconst a ^= false;\n\tconst b ^= 2.5;\n\tconst c ^= ?;\n\tconst d ^= 7;\n"
          "\tconst e ^= ?;\n\tconst f ^= ?;\ninterface\n\tfunction a;\n\tfunction b;\n\tfunction c;\n"
@@ -160,9 +179,12 @@ TEST(Xmi2Search, DefaultsAndReferences) {
         // Directions: none is "in"; a return without a type, or typed "void", is none.
         {"<ownedOperation xmi:id='o' name='go' isStatic='true'><ownedParameter xmi:id='p' name='p'/></ownedOperation>"
          "<ownedOperation xmi:id='q' name='q' isAbstract='true'><ownedParameter xmi:id='r' direction='return'>"
-         "<type href='lib.uml#void'/></ownedParameter><ownedParameter xmi:id='s' name='s' direction='inout'/></ownedOperation>"
-         "<ownedOperation xmi:id='t' name='t'><ownedParameter xmi:id='u' direction='return' type='gone'/></ownedOperation>"
-         "<ownedOperation xmi:id='v' name='v'><ownedParameter xmi:id='w' direction='return'><type xmi:idref='gone'/></ownedParameter></ownedOperation>",
+         "<type href='lib.uml#void'/></ownedParameter><ownedParameter xmi:id='s' name='s' "
+         "direction='inout'/></ownedOperation>"
+         "<ownedOperation xmi:id='t' name='t'><ownedParameter xmi:id='u' direction='return' "
+         "type='gone'/></ownedOperation>"
+         "<ownedOperation xmi:id='v' name='v'><ownedParameter xmi:id='w' direction='return'><type "
+         "xmi:idref='gone'/></ownedParameter></ownedOperation>",
          "class C ^=\ninterface\n\tnonmember schema !go (p: ?) post ?;\n\tdeferred schema q (s !: ?);\n"
          "\tschema !t post ?;\n\tfunction v: ? ^= ?;\nend;"},
     };
