@@ -63,6 +63,14 @@ _eString seqText(const _eString& s) {
     return _eString(L"seq{") + join(units, L",") + L"}";
 }
 
+bool textIs(const _eString& text, std::wstring_view word) {
+    if (text.size() != int(word.size())) return false;
+    _eSeqReader<wchar_t> reader(text);
+    for (wchar_t unit : word)
+        if (reader.next() != unit) return false;
+    return true;
+}
+
 _eString trimSpaces(const _eString& text) {
     int from = 0;
     int to = text.size();

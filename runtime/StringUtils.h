@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "runtime/Seq.h"
 
@@ -19,6 +20,8 @@ MB_API bool isAllDigits(const _eString& s);
 MB_API bool isInteger(const _eString& s);
 // `text` without the characters of code 32 at both ends; tabs and line ends stay.
 _eString trimSpaces(const _eString& text);
+// `text` holds exactly the units of `word`; compared in place, without making a string of it.
+bool textIs(const _eString& text, std::wstring_view word);
 MB_API bool containsUnit(const _eString& s, wchar_t c);
 // A string as a sequence value: "seq{a,b}".
 MB_API _eString seqText(const _eString& s);

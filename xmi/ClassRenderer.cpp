@@ -19,15 +19,13 @@ Output operator+(const Output& a, const Output& b) { return a->concat(*b); }
 
 const Output& none() { return TarvaneOutput::empty(); }
 
-bool is(const _eString& text, const wchar_t* word) { return text == _eString(word); }
-
 // The three sections of a class, and the one rule that places a member by its visibility:
 // the public face, the protected face, and everything else with the state.
 enum class Section { abstractPart, confinedPart, interfacePart };
 
 Section sectionFor(const _eString& visibility) {
-    if (is(visibility, L"public")) return Section::interfacePart;
-    if (is(visibility, L"protected")) return Section::confinedPart;
+    if (textIs(visibility, L"public")) return Section::interfacePart;
+    if (textIs(visibility, L"protected")) return Section::confinedPart;
     return Section::abstractPart;
 }
 
@@ -79,8 +77,8 @@ Output parameterList(const std::vector<const ParameterRecord*>& list, bool isCon
         const ParameterRecord& p = *list[i];
         _eString separator = i != 0 ? L"," : isConstructor ? L"{" : L"(";
         Output mode = tokens({L":"});
-        if (!isConstructor && is(p.kind, L"inout")) mode = tokens({L"!", L":"});
-        if (!isConstructor && is(p.kind, L"out")) mode = tokens({L"!", L":", L"out"});
+        if (!isConstructor && textIs(p.kind, L"inout")) mode = tokens({L"!", L":"});
+        if (!isConstructor && textIs(p.kind, L"out")) mode = tokens({L"!", L":", L"out"});
         out = out + tokens({separator, ClassRenderer::nameOrUnknown(p.name, true)}) + mode +
               ClassRenderer::typeTokens(p.type);
     }
@@ -103,10 +101,10 @@ Output functionHead(const _eString& name, const std::vector<const ParameterRecor
 // What the class at `own` gets for the far end of a two-ended association: a member when it
 // is the class of `classId` and the far end can be navigated to.
 Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord& far, const _eString& classId) {
-    if (!own.singleType || !(own.typeId == classId) || !is(far.isNavigable, L"true")) return TarvaneSections::empty();
+    if (!own.singleType || !(own.typeId == classId) || !textIs(far.isNavigable, L"true")) return TarvaneSections::empty();
     // The whole of an aggregation or composition on an end that can't be navigated holds its
     // part by value; every other member refers to its object.
-    bool isRef = is(own.isNavigable, L"true") || !(is(own.aggregation, L"aggregate") || is(own.aggregation, L"composite"));
+    bool isRef = textIs(own.isNavigable, L"true") || !(textIs(own.aggregation, L"aggregate") || textIs(own.aggregation, L"composite"));
     _eString name = ClassRenderer::hasName(far.name) ? ClassRenderer::nameOrUnknown(far.name, true)
                                                       : _eString(ClassRenderer::rolePrefix) + referenceName(far.roleType);
     Output declaration =
@@ -153,8 +151,8 @@ bool ClassRenderer::hasName(const NameRecord& name) { return name.given && !name
 
 _eString ClassRenderer::typeName(const NameRecord& name) {
     _eString text = nameOrUnknown(name, false);
-    if (is(text, L"boolean")) return L"bool";
-    if (is(text, L"float") || is(text, L"double")) return L"real";
+    if (textIs(text, L"boolean")) return L"bool";
+    if (textIs(text, L"float") || textIs(text, L"double")) return L"real";
     return text;
 }
 
@@ -185,7 +183,7 @@ _eHndl<TarvaneOutput> ClassRenderer::multiplicityType(const MultiplicityRecord& 
 }
 
 bool ClassRenderer::readsVoid(const TypeRecord& type) {
-    return type.kind != TypeRecord::unresolved && is(typeName(type.name), L"void");
+    return type.kind != TypeRecord::unresolved && textIs(typeName(type.name), L"void");
 }
 
 _eString ClassRenderer::literalText(const _eString& value) {
@@ -201,7 +199,7 @@ _eString ClassRenderer::literalText(const _eString& value) {
 // type and multiplicity with a selector.
 _eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& attribute) {
     _eString name = nameOrUnknown(attribute.name, true);
-    if (is(attribute.changeability, L"frozen"))
+    if (textIs(attribute.changeability, L"frozen"))
         return stateWithAccessor(attribute.visibility,
                                  tokens({L"const", name, L"^=", literalText(attribute.initialValue), L";"}),
                                  tokens({L"function", name, L";"}));
@@ -214,13 +212,13 @@ _eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& 
 // A constructor when the operation is named "build" or as its class; otherwise a schema when
 // nothing non-void is returned, else a function or an operator. Modifiers and bodies follow.
 _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& operation, const _eString& className) {
-    bool abstract = is(operation.isAbstract, L"true");
+    bool abstract = textIs(operation.isAbstract, L"true");
     _eString name = nameOrUnknown(operation.name, true);
-    bool isConstructor = is(nameOrUnknown(operation.name, false), L"build") || name == className;
+    bool isConstructor = textIs(nameOrUnknown(operation.name, false), L"build") || name == className;
     std::vector<const ParameterRecord*> parameters;
     std::vector<const ParameterRecord*> returns;
     for (const ParameterRecord& p : operation.parameters) {
-        if (!is(p.kind, L"return"))
+        if (!textIs(p.kind, L"return"))
             parameters.push_back(&p);
         else if (!p.voidReturn)
             returns.push_back(&p);
@@ -230,15 +228,15 @@ _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& 
     if (isConstructor) {
         body = tokens({L"build"}) + parameterList(parameters, true) + tokens({L"post", L"?"});
     } else {
-        if (is(operation.ownerScope, L"classifier"))
+        if (textIs(operation.ownerScope, L"classifier"))
             prefix = tokens({L"nonmember"});
         else if (abstract)
             prefix = tokens({L"deferred"});
-        else if (is(operation.isLeaf, L"true"))
+        else if (textIs(operation.isLeaf, L"true"))
             prefix = tokens({L"final"});
         if (returns.empty()) {
             bool allIn = std::all_of(parameters.begin(), parameters.end(),
-                                     [](const ParameterRecord* p) { return is(p->kind, L"in"); });
+                                     [](const ParameterRecord* p) { return textIs(p->kind, L"in"); });
             body = tokens({L"schema"}) + (allIn ? tokens({L"!"}) : none()) + tokens({name}) +
                    parameterList(parameters, false) + (abstract ? none() : tokens({L"post", L"?"}));
         } else {
@@ -275,7 +273,7 @@ _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record)
     const Output& interfacePart = sections->getInterfacePart();
     Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty() ? tokens({L"interface"}) + interfacePart
                                                                               : headed(L"interface", interfacePart);
-    Output prefix = is(record.isLeaf, L"true") ? tokens({L"final"}) : is(record.isAbstract, L"true") ? tokens({L"deferred"}) : none();
+    Output prefix = textIs(record.isLeaf, L"true") ? tokens({L"final"}) : textIs(record.isAbstract, L"true") ? tokens({L"deferred"}) : none();
     Output inherits = none();
     for (std::size_t i = 0; i < record.parents.size(); ++i)
         inherits = inherits + tokens({i == 0 ? L"inherits" : L",", referenceName(record.parents[i])});

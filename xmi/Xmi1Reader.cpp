@@ -1,11 +1,10 @@
 // The XMI 1.x reader: what the element classes of a UML 1.x model read into the records of a
 // class. Nothing here decides how anything reads in the target language; `ClassRenderer` does.
+#include "runtime/StringUtils.h"
 #include "xmi/ClassRenderer.h"
 #include "xmi/XMLDictionary.h"
 
 namespace {
-
-bool is(const _eString& text, const wchar_t* word) { return text == _eString(word); }
 
 // The children of `content` named `name` that are elements of class `Element`: a child of that
 // name written as an empty-element tag, or as a reference, reads as nothing.
@@ -19,7 +18,7 @@ void forEachChild(const XMLcontent& content, const wchar_t* name, Visit visit) {
 }  // namespace
 
 TypeRecord FCClassElement::typeRecord(const _eHndl<Context>& context) const {
-    return {TypeRecord::classType, readName(), is(isLeaf(context), L"true")};
+    return {TypeRecord::classType, readName(), textIs(isLeaf(context), L"true")};
 }
 
 // The features of every "UML:Classifier.feature" in turn; then the associations and
@@ -90,14 +89,14 @@ ParameterRecord FCOperationElement::readParameter(const XMLElement& parameter, c
     record.name = parameter.readName();
     record.kind = parameter.parameterKind(context);
     record.type = parameter.readType(L"UML:Parameter.type", context);
-    if (!is(record.kind, L"return")) return record;
+    if (!textIs(record.kind, L"return")) return record;
     const XMLcontent& content = *parameter.getContent();
     auto namedVoid = [&](const _eFrom<XMLElement>& found) {
         return !found.isNull() && ClassRenderer::readsVoid(found->typeRecord(context));
     };
     ElementSeq types = content.childrenNamed(L"UML:Parameter.type");
     if (!types.isEmpty()) {
-        record.voidReturn = is(content.singleChildAttribute(L"UML:Parameter.type", L"xmi.value", context), L"void") ||
+        record.voidReturn = textIs(content.singleChildAttribute(L"UML:Parameter.type", L"xmi.value", context), L"void") ||
                             (types.size() == 1 && namedVoid(context->lookup(types.get(0)->getContent()->referencedId(context))));
     } else if (!parameter.hasAttribute(L"type")) {
         record.voidReturn = true;
