@@ -7,14 +7,6 @@
 
 namespace {
 
-// Compared unit by unit: the walk over the document asks this of every element.
-bool is(const _eString& text, std::wstring_view word) {
-    if (text.size() != int(word.size())) return false;
-    for (int i = 0, n = text.size(); i < n; ++i)
-        if (text.get(i) != word[std::size_t(i)]) return false;
-    return true;
-}
-
 int colonAt(const _eString& name) {
     for (int i = 0, n = name.size(); i < n; ++i)
         if (name.get(i) == L':') return i;
@@ -66,9 +58,9 @@ bool isUmlNamespace(const std::wstring& uri) {
 
 // The standard primitive types of UML as the names of the language's own.
 _eString libraryTypeName(const _eString& name) {
-    if (is(name, L"Integer")) return L"int";
-    if (is(name, L"Boolean")) return L"bool";
-    if (is(name, L"Real")) return L"real";
+    if (textIs(name, L"Integer")) return L"int";
+    if (textIs(name, L"Boolean")) return L"bool";
+    if (textIs(name, L"Real")) return L"real";
     return name;
 }
 
@@ -95,7 +87,7 @@ std::shared_ptr<const Xmi2Search> Xmi2Search::recognise(const XMLElement& root) 
         _eString bound;
         if (name == _eString(L"xmlns"))
             bound = {};
-        else if (is(prefix(name), L"xmlns"))
+        else if (textIs(prefix(name), L"xmlns"))
             bound = local(name);
         else
             continue;
@@ -104,7 +96,7 @@ std::shared_ptr<const Xmi2Search> Xmi2Search::recognise(const XMLElement& root) 
         if (isUmlNamespace(uri)) umlPrefixes.add(bound);
     }
     _eString rootPrefix = prefix(root.getName());
-    if (is(local(root.getName()), L"XMI") && xmiPrefixes.contains(rootPrefix))
+    if (textIs(local(root.getName()), L"XMI") && xmiPrefixes.contains(rootPrefix))
         return std::make_shared<const Xmi2Search>(root, rootPrefix, umlPrefixes);
     if (!umlPrefixes.contains(rootPrefix)) return nullptr;
     for (int i = 0, n = xmiPrefixes.size(); i < n; ++i)
@@ -125,36 +117,36 @@ Xmi2Search::Xmi2Search(const XMLElement& root, const _eString& xmiPrefix, const 
 }
 
 // Depth first with a stack of its own, each element done after its children. An element of
-// another namespace, and every element within it, is never a class nor holds one.
+// another namespace, and every element within it, is never a class nor holds one: the walk
+// passes them over.
 void Xmi2Search::findClasses() {
     struct Frame {
         const XMLElement* element;
         ElementSeq children;
         int next;
-        bool foreign;        // the element or one that holds it is of another namespace
-        _eString kind;       // its metaclass, when it is of UML
+        _eString kind;       // its metaclass
         ElementSeq holding;  // the children done that are or hold classes
     };
     std::vector<Frame> frames;
     // The root, "xmi:XMI" or a model, holds the document.
-    frames.push_back({root.get(), root->getContent()->childElements(), 0, false, {}, {}});
+    frames.push_back({root.get(), root->getContent()->childElements(), 0, {}, {}});
     while (true) {
         Frame& top = frames.back();
         if (top.next < top.children.size()) {
             const XMLElement* child = top.children.get(top.next++).get();
             bool uml = false;
             _eString kind = classify(*child, uml);
-            frames.push_back({child, child->getContent()->childElements(), 0, top.foreign || !uml, kind, {}});
+            if (uml) frames.push_back({child, child->getContent()->childElements(), 0, kind, {}});
             continue;
         }
         const XMLElement& element = *top.element;
         bool holds = !top.holding.isEmpty();
         if (holds) holding[&element] = top.holding;
         const _eString& kind = top.kind;
-        bool isClassElement = !top.foreign && is(kind, L"Class") && element.hasAttribute(idKey) &&
-                              !element.hasAttribute(idrefKey) && !element.hasAttribute(L"href");
+        bool isClassElement = textIs(kind, L"Class") && element.hasAttribute(idKey) && !element.hasAttribute(idrefKey) &&
+                              !element.hasAttribute(L"href");
         if (isClassElement) classes.insert(&element);
-        if (!top.foreign && is(kind, L"Association")) associationElements.push_back(&element);
+        if (textIs(kind, L"Association")) associationElements.push_back(&element);
         frames.pop_back();
         if (frames.empty()) break;
         if (holds || isClassElement) frames.back().holding.pushBack(const_cast<XMLElement*>(&element));
@@ -195,8 +187,9 @@ bool Xmi2Search::isUml(const XMLElement& element) const {
 
 _eString Xmi2Search::classify(const XMLElement& element, bool& uml) const {
     const _eString& tag = element.getName();
-    uml = umlPrefixes.contains(prefix(tag));
-    if (!element.hasAttribute(typeKey)) return prefix(tag).isEmpty() ? _eString() : local(tag);
+    _eString tagPrefix = prefix(tag);
+    uml = umlPrefixes.contains(tagPrefix);
+    if (!element.hasAttribute(typeKey)) return tagPrefix.isEmpty() ? _eString() : local(tag);
     _eString type = element.attributeText(typeKey, Context::shared());
     uml = uml && umlPrefixes.contains(prefix(type));
     return local(type);
@@ -223,7 +216,7 @@ ElementSeq Xmi2Search::properties(const XMLElement& element, const wchar_t* prop
     ElementSeq out;
     for (int i = 0, n = children.size(); i < n; ++i) {
         const XMLElement& child = *children.get(i);
-        if (is(local(child.getName()), property) && isUml(child)) out.pushBack(children.get(i));
+        if (textIs(local(child.getName()), property) && isUml(child)) out.pushBack(children.get(i));
     }
     return out;
 }
@@ -270,8 +263,8 @@ NameRecord Xmi2Search::readName(const XMLElement& element) const {
 TypeRecord Xmi2Search::typeOfElement(const XMLElement& target) const {
     TypeRecord record;
     record.name = readName(target);
-    record.kind = is(metaclass(target), L"Class") ? TypeRecord::classType : TypeRecord::named;
-    record.leaf = record.kind == TypeRecord::classType && is(property(target, L"isLeaf", L"false"), L"true");
+    record.kind = textIs(metaclass(target), L"Class") ? TypeRecord::classType : TypeRecord::named;
+    record.leaf = record.kind == TypeRecord::classType && textIs(property(target, L"isLeaf", L"false"), L"true");
     return record;
 }
 
@@ -326,11 +319,11 @@ _eString Xmi2Search::defaultValue(const XMLElement& element) const {
     if (written.size() != 1) return L"?";
     const XMLElement& value = *written.get(0);
     _eString kind = metaclass(value);
-    if (is(kind, L"LiteralInteger") || is(kind, L"LiteralUnlimitedNatural") || is(kind, L"LiteralReal"))
+    if (textIs(kind, L"LiteralInteger") || textIs(kind, L"LiteralUnlimitedNatural") || textIs(kind, L"LiteralReal"))
         return property(value, L"value", L"0");
-    if (is(kind, L"LiteralBoolean")) return property(value, L"value", L"false");
-    if (is(kind, L"LiteralString")) return property(value, L"value", L"?");
-    if (!is(kind, L"OpaqueExpression")) return L"?";
+    if (textIs(kind, L"LiteralBoolean")) return property(value, L"value", L"false");
+    if (textIs(kind, L"LiteralString")) return property(value, L"value", L"?");
+    if (!textIs(kind, L"OpaqueExpression")) return L"?";
     if (value.hasAttribute(L"body")) return value.attributeText(L"body", Context::shared());
     ElementSeq bodies = properties(value, L"body");
     return bodies.isEmpty() ? _eString(L"?") : bodies.get(0)->getContent()->text();
@@ -345,7 +338,7 @@ AttributeRecord Xmi2Search::readAttribute(const XMLElement& element) const {
     AttributeRecord record;
     record.name = readName(element);
     record.visibility = property(element, L"visibility", L"public");
-    record.changeability = is(property(element, L"isReadOnly", L"false"), L"true") ? L"frozen" : L"changeable";
+    record.changeability = textIs(property(element, L"isReadOnly", L"false"), L"true") ? L"frozen" : L"changeable";
     record.initialValue = defaultValue(element);
     record.type = readReference(element, L"type");
     record.multiplicity = readMultiplicity(element);
@@ -359,7 +352,7 @@ ParameterRecord Xmi2Search::readParameter(const XMLElement& element) const {
     record.name = readName(element);
     record.kind = property(element, L"direction", L"in");
     record.type = readReference(element, L"type");
-    if (!is(record.kind, L"return")) return record;
+    if (!textIs(record.kind, L"return")) return record;
     bool untyped = typeCount(element) == 0;
     bool unknownById = element.hasAttribute(L"type") && record.type.kind == TypeRecord::unresolved;
     record.voidReturn = untyped || unknownById || ClassRenderer::readsVoid(record.type);
@@ -372,7 +365,7 @@ OperationRecord Xmi2Search::readOperation(const XMLElement& element) const {
     record.visibility = property(element, L"visibility", L"public");
     record.isAbstract = property(element, L"isAbstract", L"false");
     record.isLeaf = property(element, L"isLeaf", L"false");
-    record.ownerScope = is(property(element, L"isStatic", L"false"), L"true") ? L"classifier" : L"instance";
+    record.ownerScope = textIs(property(element, L"isStatic", L"false"), L"true") ? L"classifier" : L"instance";
     ElementSeq parameters = properties(element, L"ownedParameter");
     for (int i = 0, n = parameters.size(); i < n; ++i) record.parameters.push_back(readParameter(*parameters.get(i)));
     return record;
@@ -387,14 +380,14 @@ AssociationRecord Xmi2Search::readAssociation(const Association& association) co
         AssociationEndRecord endRecord;
         endRecord.name = readName(end);
         endRecord.visibility = property(end, L"visibility", L"public");
-        bool ownedByClass = is(local(end.getName()), L"ownedAttribute");
+        bool ownedByClass = textIs(local(end.getName()), L"ownedAttribute");
         bool listed = end.hasAttribute(idKey) &&
                       association.navigableOwnedEnds.contains(end.attributeText(idKey, Context::shared()));
-        bool navigable = ownedByClass || listed || is(property(end, L"isNavigable", L"false"), L"true");
+        bool navigable = ownedByClass || listed || textIs(property(end, L"isNavigable", L"false"), L"true");
         endRecord.isNavigable = navigable ? L"true" : L"false";
         _eString aggregation =
             n == 2 ? property(*association.ends.get(1 - i), L"aggregation", L"none") : _eString(L"none");
-        endRecord.aggregation = is(aggregation, L"shared") ? _eString(L"aggregate") : aggregation;
+        endRecord.aggregation = textIs(aggregation, L"shared") ? _eString(L"aggregate") : aggregation;
         endRecord.typeId = typeId(end);
         endRecord.singleType = typeCount(end) == 1;
         endRecord.type = readReference(end, L"type");
