@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "../bench/XmiGenerator.h"
+#include "../bench/XmiProseGenerator.h"
 #include "Generated/XMLImporter.h"
 #include "runtime/Failure.h"
 
@@ -264,7 +265,8 @@ inline std::vector<Input> variants(const std::string& baseName, const std::strin
 }
 
 // Every input of the record: the example and test models, the shared corpus, the seeds of the
-// fuzz targets, synthetic models of three sizes, and the variants of four small models.
+// fuzz targets, synthetic models of three sizes and of two in the second shape, and the variants
+// of five small models.
 inline std::vector<Input> inputs(const std::filesystem::path& projectDir, const std::filesystem::path& sharedDir) {
     namespace fs = std::filesystem;
     std::vector<Input> all;
@@ -285,11 +287,14 @@ inline std::vector<Input> inputs(const std::filesystem::path& projectDir, const 
     addFiles(sharedDir / "corpus", "corpus");
     for (std::size_t size : {20000u, 200000u, 1000000u})
         all.push_back({"synthetic " + std::to_string(size), XmiGenerator::model(size)});
+    for (std::size_t size : {30000u, 300000u})
+        all.push_back({"prose " + std::to_string(size), XmiProseGenerator::model(size)});
     std::uint64_t seed = 20261123;
     for (const char* base : {"examples/models/bank.xmi", "examples/models/ledger-long.xmi",
                              "tests/fuzz/seeds/small-model.xmi", "tests/fuzz/seeds/prolog.xml"}) {
         for (Input& variant : variants(base, readFile(projectDir / base), seed++)) all.push_back(std::move(variant));
     }
+    for (Input& variant : variants("prose 8000", XmiProseGenerator::model(8000), seed++)) all.push_back(std::move(variant));
     return all;
 }
 
