@@ -37,8 +37,12 @@ void Location::nextLine() {
 
 void Location::nextTabStop(std::int32_t width) {
     _eFreeze freeze(this);
+    column = tabStopAfter(column, width);
+}
+
+std::int32_t Location::tabStopAfter(std::int32_t column, std::int32_t width) {
     std::int32_t c = column + width - 1;
     std::int32_t remainder = c % width;
     if (remainder < 0) remainder += width;
-    column = c + 1 - remainder;
+    return c + 1 - remainder;
 }

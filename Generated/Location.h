@@ -36,12 +36,26 @@ public:
     virtual void nextLine();
     // To the next tab stop: with width 4 the stops are 1, 5, 9, ...
     virtual void nextTabStop(std::int32_t width);
+    // Past `character` read here: a line end goes to the next line, a tab to the next tab stop,
+    // anything else a column on.
+    void pass(wchar_t character, std::int32_t tabWidth) {
+        if (character == 10) {
+            line += 1;
+            column = 1;
+        } else if (character == 9) {
+            column = tabStopAfter(column, tabWidth);
+        } else {
+            column += 1;
+        }
+    }
 
     std::int32_t getLine() const { return line; }
     std::int32_t getColumn() const { return column; }
     const _eHndl<FileName>& getFile() const { return file; }
 
 private:
+    static std::int32_t tabStopAfter(std::int32_t column, std::int32_t width);
+
     std::int32_t line = 0;
     std::int32_t column = 0;
     _eHndl<FileName> file;  // null for a location without a file

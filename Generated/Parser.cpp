@@ -25,7 +25,7 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
         _eHndl<Terminal> current = offered;
         bool consumed = false;
         while (!finished) {
-            ActionTableEntry entry = terminalAction(current->getToken());
+            ActionTableEntry entry = terminalAction(state, current->getToken());
             if (recovering && entry.action == ActionName::error) {
                 if (current->getToken() == Token::endOfFile) {
                     finished = true;
@@ -79,11 +79,11 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
 
 void Parser::resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry) {
     addError(errors, current->getLocation(), XMLErrorType::unexpectedToken, {current->getText()});
-    entry = terminalAction(Token::error);
+    entry = terminalAction(state, Token::error);
     while (!stack.isEmpty() && entry.action == ActionName::error) {
         stack.pop(1);
         state = stack.peek(0).state;
-        entry = terminalAction(Token::error);
+        entry = terminalAction(state, Token::error);
     }
     stack.trim();
     current = new SimpleTerminal(tokenLocation, Token::error);
@@ -103,7 +103,7 @@ void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry)
             reduceLocation = stack.peek(0).value->getLocation();
         }
         reduceAction(r.semanticAction);
-        entry = nonTerminalAction(r.nonTerminal);
+        entry = nonTerminalAction(state, r.nonTerminal);
         switch (entry.action) {
             case ActionName::halt:
                 finished = true;
@@ -124,4 +124,99 @@ void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry)
                          {actionDisplayName(entry.action), intToString(state)});
         }
     }
+}
+
+const Parser::RunBytes* Parser::runBytes() {
+    if (recovering || finished || !pendingClosers.isEmpty() || stack.isEmpty()) return nullptr;
+    std::int32_t below = stack.peek(-1).state;
+    if (std::size_t(state) >= knownRuns.size()) knownRuns.resize(std::size_t(state) + 1);
+    std::vector<KnownRuns>& known = knownRuns[std::size_t(state)];
+    for (const KnownRuns& k : known)
+        if (k.below == below) return k.bytes.get();
+    known.push_back({below, findRunBytes(below)});
+    return known.back().bytes.get();
+}
+
+std::shared_ptr<const Parser::RunBytes> Parser::findRunBytes(std::int32_t below) const {
+    auto run = std::make_shared<RunBytes>();
+    bool any = false;
+    for (int byte = 0; byte < 256; ++byte) {
+        std::optional<std::int32_t> action = loopAction(below, byteToken(static_cast<unsigned char>(byte)));
+        if (!action || (any && *action != run->semanticAction)) continue;
+        run->semanticAction = *action;
+        run->member[byte] = true;
+        any = true;
+    }
+    return any ? run : nullptr;
+}
+
+// Follows what `offerToken` would do with `token`, on the states alone: the entries of the
+// stack above the value on top, each with the state before it and whether it holds that value
+// or the token. The token loops when it is consumed, the stack is back at its depth with the
+// value on top, the state is where it was, and nothing ran but actions that do nothing and at
+// most one that appends the token's character to that value.
+std::optional<std::int32_t> Parser::loopAction(std::int32_t below, std::int32_t token) const {
+    struct Entry {
+        std::int32_t state;
+        bool holdsTop;  // the value on top, else the token
+    };
+    constexpr int room = 8;
+    Entry entries[room] = {{below, true}};
+    int size = 1;
+    std::int32_t at = state;
+    std::int32_t appended = noAction;
+    bool consumed = false;
+    ActionTableEntry entry = terminalAction(at, token);
+    for (int steps = 0; steps < 64; ++steps) {
+        switch (entry.action) {
+            case ActionName::shift:
+            case ActionName::sh_red:
+                if (consumed || size == room) return std::nullopt;
+                entries[size++] = {at, false};
+                consumed = true;
+                if (entry.action == ActionName::shift) at = entry.parameter;
+                break;
+            case ActionName::reduce:
+                if (consumed) return std::nullopt;
+                break;
+            case ActionName::skip:
+                return std::nullopt;
+            default:
+                return std::nullopt;
+        }
+        // Reductions, as `reduceLoop` runs them.
+        while (entry.action == ActionName::reduce || entry.action == ActionName::sh_red) {
+            ReduceTableEntry r = reduction(entry.parameter);
+            if (r.length < 1 || r.length > size) return std::nullopt;
+            int first = size - r.length;
+            switch (actionKind(r.semanticAction)) {
+                case ActionKind::nothing:
+                    break;
+                case ActionKind::appendsCharacter:
+                    if (appended != noAction || r.length != 2 || !entries[first].holdsTop || entries[first + 1].holdsTop)
+                        return std::nullopt;
+                    appended = r.semanticAction;
+                    break;
+                default:
+                    return std::nullopt;
+            }
+            at = entries[first].state;
+            size = first + 1;
+            entry = nonTerminalAction(at, r.nonTerminal);
+            if (entry.action == ActionName::shift)
+                at = entry.parameter;
+            else if (entry.action != ActionName::sh_red)
+                return std::nullopt;
+        }
+        if (consumed) break;
+        entry = terminalAction(at, token);
+    }
+    if (!consumed || size != 1 || !entries[0].holdsTop || at != state) return std::nullopt;
+    return appended;
+}
+
+void Parser::takeRun(const RunBytes& run, const wchar_t* units, std::int32_t count) {
+    if (run.semanticAction == noAction || count == 0) return;
+    _eFreeze freeze(this);
+    appendRun(run.semanticAction, *stack.peekToChange(-1).value.uniquePointer(), units, count);
 }

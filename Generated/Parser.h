@@ -1,8 +1,12 @@
 // `Parser`: the grammar-independent LR driver. It is pushed one token at a time; the grammar
-// reaches it only through five operations that a derived class supplies.
+// reaches it only through five operations that a derived class supplies, and three more for
+// taking runs of bytes in one step.
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
 
 #include "Generated/ParseTables.h"
 #include "Generated/Pstack.h"
@@ -17,14 +21,27 @@ public:
     // Parsers have no equality: comparing two different ones raises.
     bool equalFields(const Parser& other) const;
 
-    virtual ActionTableEntry terminalAction(std::int32_t token) const = 0;
-    virtual ActionTableEntry nonTerminalAction(std::int32_t nonTerminal) const = 0;
+    virtual ActionTableEntry terminalAction(std::int32_t state, std::int32_t token) const = 0;
+    virtual ActionTableEntry nonTerminalAction(std::int32_t state, std::int32_t nonTerminal) const = 0;
     virtual ReduceTableEntry reduction(std::int32_t production) const = 0;
     virtual void reduceAction(std::int32_t semanticAction) = 0;
     virtual RecoveryTable recoveryTable() const = 0;
 
     // Runs every action that the token allows. Not to be called once `isFinished()`.
     void offerToken(const _eHndl<Terminal>& offered);
+
+    // The bytes that would only loop where the parse stands: each would be shifted and folded
+    // into the value on top of the stack by the same semantic action (or by none), leaving the
+    // state and the depth of the stack as they were. A run of them is taken in one step.
+    struct RunBytes {
+        std::int32_t semanticAction = noAction;  // what each byte runs on the value on top
+        bool member[256] = {};
+    };
+    static constexpr std::int32_t noAction = -1;
+    // Null where no byte loops, and while an error is being recovered from.
+    const RunBytes* runBytes();
+    // Takes `count` bytes of `run`, as many tokens of them would have been taken one by one.
+    void takeRun(const RunBytes& run, const wchar_t* units, std::int32_t count);
 
     bool isFinished() const { return finished; }
     const XMLErrors& getErrors() const { return errors; }
@@ -38,7 +55,25 @@ protected:
     std::int32_t state;
     const _eHndl<Location>& getReduceLocation() const { return reduceLocation; }
 
+    // What a semantic action does to the symbols of its production.
+    enum class ActionKind {
+        nothing,          // the value of symbol 1 stays the nonterminal's
+        appendsCharacter, // symbol 2's character is appended to the value of symbol 1
+        other
+    };
+    // The grammar's side of runs: the token of a byte, what an action does, and an appending
+    // action run once for many characters on the value it appends to. With the defaults no
+    // byte runs.
+    virtual std::int32_t byteToken(unsigned char byte) const { return byte; }
+    virtual ActionKind actionKind(std::int32_t) const { return ActionKind::other; }
+    virtual void appendRun(std::int32_t, StackValue&, const wchar_t*, std::int32_t) {}
+
 private:
+    // The semantic action (or `noAction`) that `token` runs when it only loops over the value
+    // on top, whose entry holds `below`; nothing when it does more.
+    std::optional<std::int32_t> loopAction(std::int32_t below, std::int32_t token) const;
+    std::shared_ptr<const RunBytes> findRunBytes(std::int32_t below) const;
+
     // Reports `current`, pops to a state that takes the error token, and makes it the current token.
     void resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry);
     void reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry);
@@ -51,4 +86,10 @@ private:
     XMLErrors errors;
     _eSeq<_eSet<int>> pendingClosers;    // closing tokens awaited while skipping brackets
     _eHndl<StackValue> result;           // set by `halt`
+    // Run bytes found so far, by state, for each state below the value on top.
+    struct KnownRuns {
+        std::int32_t below;
+        std::shared_ptr<const RunBytes> bytes;  // null where none loops
+    };
+    std::vector<std::vector<KnownRuns>> knownRuns;
 };

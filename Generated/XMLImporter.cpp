@@ -163,6 +163,7 @@ void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& le
             state->parseDiagnostics = state->parseDiagnostics + L"\rParsed line " + intToString(lastLine);
         }
         parser->offerToken(token);
+        parser->takeRuns(*lexer, showProgress);
     }
     if (showProgress) state->parseDiagnostics = state->parseDiagnostics + L"\n";
 }

@@ -86,6 +86,41 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
     }
 }
 
+void XMLParser::takeRuns(XMLLex& lexer, bool stopAtLineEnd) {
+    constexpr std::int32_t room = 4096;
+    wchar_t units[room];
+    while (const RunBytes* run = runBytes()) {
+        std::int32_t count = lexer.readRun(run->member, stopAtLineEnd, units, room);
+        takeRun(*run, units, count);
+        if (count < room) return;
+    }
+}
+
+std::int32_t XMLParser::byteToken(unsigned char byte) const { return XMLLex::tokenCode(byte); }
+
+Parser::ActionKind XMLParser::actionKind(std::int32_t semanticAction) const {
+    namespace A = SemanticAction;
+    switch (semanticAction) {
+        case 0: return ActionKind::nothing;
+        case A::appendToString:
+        case A::entityValueCharacter:
+        case A::attributeValueCharacter:
+        case A::appendToCharData: return ActionKind::appendsCharacter;
+        default: return ActionKind::other;
+    }
+}
+
+void XMLParser::appendRun(std::int32_t semanticAction, StackValue& value, const wchar_t* units, std::int32_t count) {
+    namespace A = SemanticAction;
+    switch (semanticAction) {
+        case A::appendToString: static_cast<XMLString&>(value).appendCharacters(units, count); break;
+        case A::entityValueCharacter: static_cast<XMLEntityValue&>(value).addCharacters(units, count); break;
+        case A::attributeValueCharacter: static_cast<XMLAttributeValue&>(value).addCharacters(units, count); break;
+        case A::appendToCharData: static_cast<XMLCharData&>(value).appendCharacters(units, count); break;
+        default: raiseNoChoice(_xPlaces::parserNoAction);
+    }
+}
+
 void XMLParser::noteTag(const _eHndl<XMLString>& name) {
     if (!unprefixedUml || rootSeen) return;
     rootSeen = true;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Generated/Parser.h"
+#include "xml/XMLLex.h"
 #include "xml/XMLTokens.h"
 #include "xmi/XMLElement.h"
 
@@ -13,11 +14,11 @@ public:
 
     bool equalFields(const XMLParser& other) const { return Parser::equalFields(other); }
 
-    ActionTableEntry terminalAction(std::int32_t token) const override {
-        return tables().flatTerminal.find(getState(), token);
+    ActionTableEntry terminalAction(std::int32_t state, std::int32_t token) const override {
+        return tables().flatTerminal.find(state, token);
     }
-    ActionTableEntry nonTerminalAction(std::int32_t nonTerminal) const override {
-        return tables().flatNonTerminal.find(getState(), nonTerminal);
+    ActionTableEntry nonTerminalAction(std::int32_t state, std::int32_t nonTerminal) const override {
+        return tables().flatNonTerminal.find(state, nonTerminal);
     }
     ReduceTableEntry reduction(std::int32_t production) const override {
         return tables().flatReductions[std::size_t(production)];
@@ -25,11 +26,20 @@ public:
     void reduceAction(std::int32_t semanticAction) override;
     RecoveryTable recoveryTable() const override { return tables().recovery; }
 
+    // Takes the bytes that `lexer` reads next while they only loop (see `runBytes`), many at a
+    // time; with `stopAtLineEnd` a line end is left to be a token of its own.
+    void takeRuns(XMLLex& lexer, bool stopAtLineEnd);
+
     // Reads the unprefixed UML 1.x tags as their "UML:" forms, in a document whose root is "XMI".
     void readUnprefixedUmlTags() { unprefixedUml = true; }
 
     // The tables of the XML grammar, built on first use and shared by all parsers.
     static const ParseTables& tables();
+
+protected:
+    std::int32_t byteToken(unsigned char byte) const override;
+    ActionKind actionKind(std::int32_t semanticAction) const override;
+    void appendRun(std::int32_t semanticAction, StackValue& value, const wchar_t* units, std::int32_t count) override;
 
 private:
     // The first tag of the document is the root's: its start tag is read before any element

@@ -45,6 +45,7 @@ void ParseTenMegabytes(benchmark::State& state) {
             token.reset();
             lex->nextToken(token);
             parser->offerToken(token);
+            parser->takeRuns(*lex, false);
         }
         lex->closeFile();
         if (parser->getResult().isNull()) state.SkipWithError("the model was refused");

@@ -18,6 +18,10 @@ public:
         _eFreeze freeze(this);
         text.pushBack(next->getCharacter());
     }
+    void appendCharacters(const wchar_t* units, std::int32_t count) {
+        _eFreeze freeze(this);
+        text.appendAll(_eString(count, units));
+    }
 
     const _eString& getText() const { return text; }
 

@@ -1,5 +1,8 @@
 #include "xml/XMLLex.h"
 
+#include <algorithm>
+#include <cstdio>
+
 namespace {
 
 // The punctuation that the grammar tells apart, each its own token.
@@ -80,13 +83,7 @@ void XMLLex::closeFile() {
 
 void XMLLex::advance() {
     // A token may still hold the position: then the lexer moves on with a copy of its own.
-    Location* here = location.uniquePointer();
-    if (currentChar == 10)
-        here->nextLine();
-    else if (currentChar == 9)
-        here->nextTabStop(tabWidth);
-    else
-        here->nextColumn();
+    location.uniquePointer()->pass(currentChar, tabWidth);
     if (bytesLeft < 1) {
         currentChar = 10;
         return;
@@ -102,6 +99,27 @@ void XMLLex::advance() {
     }
     currentChar = unit;
     --bytesLeft;
+}
+
+std::int32_t XMLLex::readRun(const bool (&member)[256], bool stopAtLineEnd, wchar_t* units, std::int32_t room) {
+    if (file.isNull() || bytesLeft <= 1 || file->getStream() == nullptr || file->isLastWrite()) return 0;
+    std::FILE* stream = file->getStream();
+    Location* here = location.uniquePointer();
+    std::int32_t limit = std::min(room, bytesLeft - 1);
+    std::int32_t count = 0;
+    while (count < limit) {
+        int c = getc_unlocked(stream);
+        if (c == EOF) break;  // a failed read: the next token reports it
+        if (!member[c] || (stopAtLineEnd && c == 10)) {
+            ungetc(c, stream);
+            break;
+        }
+        here->pass(currentChar, tabWidth);
+        currentChar = wchar_t(c);
+        units[count++] = wchar_t(c);
+    }
+    bytesLeft -= count;
+    return count;
 }
 
 void XMLLex::nextToken(_eHndl<Terminal>& token) {

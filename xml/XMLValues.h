@@ -74,6 +74,10 @@ public:
 
     virtual void addReference(const _eFrom<XMLReference>& reference) { append(new XMLReferenceValue(reference)); }
     virtual void addCharacter(const _eHndl<Terminal>& terminal) { append(XMLCharValue::of(terminal->getCharacter())); }
+    void addCharacters(const wchar_t* units, std::int32_t count) {
+        _eFreeze freeze(this);
+        for (std::int32_t i = 0; i < count; ++i) elements.pushBack(XMLCharValue::of(units[i]));
+    }
 
     const ValueElements& getElements() const { return elements; }
 

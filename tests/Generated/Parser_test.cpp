@@ -28,11 +28,11 @@ public:
     using _eClass::_eClass;
 
     bool equalFields(const BracketParser& other) const { return Parser::equalFields(other); }
-    ActionTableEntry terminalAction(std::int32_t token) const override {
-        return tables().flatTerminal.find(getState(), token);
+    ActionTableEntry terminalAction(std::int32_t state, std::int32_t token) const override {
+        return tables().flatTerminal.find(state, token);
     }
-    ActionTableEntry nonTerminalAction(std::int32_t n) const override {
-        return tables().flatNonTerminal.find(getState(), n);
+    ActionTableEntry nonTerminalAction(std::int32_t state, std::int32_t n) const override {
+        return tables().flatNonTerminal.find(state, n);
     }
     ReduceTableEntry reduction(std::int32_t p) const override { return tables().reductions.at(p); }
     void reduceAction(std::int32_t action) override {
@@ -80,11 +80,11 @@ public:
     RiggedParser(ActionTableEntry terminalOverride, ActionTableEntry nonTerminalOverride)
         : BracketParser(ParseControl::shared(), 0), terminalOverride(terminalOverride),
           nonTerminalOverride(nonTerminalOverride) {}
-    ActionTableEntry terminalAction(std::int32_t token) const override {
-        return token == terminalOverride.symbol ? terminalOverride : BracketParser::terminalAction(token);
+    ActionTableEntry terminalAction(std::int32_t state, std::int32_t token) const override {
+        return token == terminalOverride.symbol ? terminalOverride : BracketParser::terminalAction(state, token);
     }
-    ActionTableEntry nonTerminalAction(std::int32_t n) const override {
-        return n == nonTerminalOverride.symbol ? nonTerminalOverride : BracketParser::nonTerminalAction(n);
+    ActionTableEntry nonTerminalAction(std::int32_t state, std::int32_t n) const override {
+        return n == nonTerminalOverride.symbol ? nonTerminalOverride : BracketParser::nonTerminalAction(state, n);
     }
 
 private:

@@ -28,6 +28,7 @@ inline ParseOutcome parseFile(const std::string& path, bool unprefixedUml = fals
         _eHndl<Terminal> token;
         lex->nextToken(token);
         parser->offerToken(token);
+        parser->takeRuns(*lex, false);
     }
     lex->closeFile();
     ParseOutcome outcome;
