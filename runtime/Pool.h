@@ -12,10 +12,24 @@ public:
     static constexpr std::size_t classCount = 64;   // size classes of 16 bytes each
     static constexpr std::size_t granule = 16;
     static constexpr std::size_t largestPooled = classCount * granule;  // 1024
+    // Pooled blocks are carved from chunks of this size, aligned to it, each for one class.
+    static constexpr std::size_t chunkBytes = std::size_t(64) << 10;
+
+    // The head of a chunk: its place in the list of chunks and how many of its blocks are live.
+    struct Chunk {
+        Chunk* previous;
+        Chunk* next;
+        std::uint32_t sizeClass;
+        std::uint32_t live;  // blocks handed out and not yet released
+        std::uint64_t unused;
+    };
+    static constexpr std::size_t headerBytes = sizeof(Chunk);
 
     struct SizeClass {
         void* head;          // first free block; the next pointer is each block's first word
         std::size_t blocks;  // blocks now in this list
+        char* fresh;         // the part of the class's newest chunk not carved yet
+        char* freshEnd;
     };
 
     // A block of at least `size` bytes, all of them zero.
@@ -23,25 +37,39 @@ public:
         if (MODELBRIDGE_POOL_BYPASS || size == 0 || size > largestPooled) return allocateLarge(size);
         std::size_t index = (size - 1) >> 4;
         SizeClass& list = lists[index];
-        if (active && list.head != nullptr) {
-            void* block = list.head;
+        void* block;
+        if (list.head != nullptr) {
+            block = list.head;
             MB_UNPOISON(block, roundedSize(index));
             list.head = *static_cast<void**>(block);
             --list.blocks;
             freeBytes -= std::int64_t(roundedSize(index));
-            std::memset(block, 0, size);
-            return block;
+        } else if (list.fresh != list.freshEnd) {
+            block = list.fresh;
+            list.fresh += roundedSize(index);
+            MB_UNPOISON(block, roundedSize(index));
+        } else {
+            block = carveFromNewChunk(index);
         }
-        return allocateFresh(index, size);
+        ++chunkOf(block)->live;
+        std::memset(block, 0, size);
+        return block;
     }
 
     // Gives a block back; `size` is the size that was asked for.
     void release(void* block, std::size_t size) {
-        if (MODELBRIDGE_POOL_BYPASS || size == 0 || size > largestPooled || !active) {
+        if (MODELBRIDGE_POOL_BYPASS || size == 0 || size > largestPooled) {
             releaseLarge(block, size);
             return;
         }
         std::size_t index = (size - 1) >> 4;
+        Chunk* chunk = chunkOf(block);
+        --chunk->live;
+        if (!active) {
+            // After process exit nothing is kept: a chunk goes as its last block does.
+            if (chunk->live == 0) freeChunk(chunk);
+            return;
+        }
         SizeClass& list = lists[index];
         *static_cast<void**>(block) = list.head;
         list.head = block;
@@ -50,11 +78,18 @@ public:
         MB_POISON(block, roundedSize(index));
     }
 
-    // Frees every block of the free lists to the system allocator.
+    // Gives every chunk without a live block back to the system allocator, taking its blocks
+    // out of the free lists.
     void flush();
+    // At process exit: forgets the free lists, gives back every chunk without a live block,
+    // and switches the pool off, so that a chunk goes back as soon as its last block does.
+    void shutDown();
 
     static constexpr std::size_t roundedSize(std::size_t index) { return granule * (index + 1); }
     static constexpr std::size_t classOf(std::size_t size) { return (size - 1) >> 4; }
+    static Chunk* chunkOf(void* block) {
+        return reinterpret_cast<Chunk*>(reinterpret_cast<std::uintptr_t>(block) & ~std::uintptr_t(chunkBytes - 1));
+    }
 
     bool isActive() const { return active; }
     void setActive(bool on) { active = on; }
@@ -69,14 +104,16 @@ public:
     static _ePool shared;
 
     SizeClass lists[classCount];
-    bool active = true;  // off after process exit: blocks then go straight back to the system
-    std::int64_t totalPooled;  // bytes obtained for pooled sizes, less those given back
+    Chunk* chunks;       // every chunk held, newest first
+    bool active = true;  // off after process exit: chunks then go back as they empty
+    std::int64_t totalPooled;  // bytes of the chunks held
     std::int64_t largeBytes;   // bytes live in blocks above the largest class
     std::int64_t freeBytes;    // bytes now waiting in the free lists
     std::int64_t flushes;      // times the lists were emptied
 
 private:
     void* allocateLarge(std::size_t size);
-    void* allocateFresh(std::size_t index, std::size_t size);
+    void* carveFromNewChunk(std::size_t index);
+    void freeChunk(Chunk* chunk);
     void releaseLarge(void* block, std::size_t size);
 };

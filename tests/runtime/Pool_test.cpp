@@ -37,33 +37,41 @@ TEST(Pool, SizeClassesAreSixteenBytesWide) {
     }
 }
 
-TEST(Pool, BlocksAreZeroedAndReusedWithinTheirClass) {
+TEST(Pool, BlocksAreCarvedFromChunksZeroedAndReusedWithinTheirClass) {
     if (MODELBRIDGE_POOL_BYPASS) GTEST_SKIP() << "every block goes to the system allocator in this build";
+    constexpr auto chunk = std::int64_t(_ePool::chunkBytes);
     _ePool pool = freshPool();
-    void* a = pool.allocate(1);
-    EXPECT_EQ(pool.pooledBytes(), 16);
-    std::memset(a, 0xAB, 1);
+    auto* a = static_cast<char*>(pool.allocate(1));
+    EXPECT_EQ(pool.pooledBytes(), chunk);
+    auto* b = static_cast<char*>(pool.allocate(16));  // same class as 1: the next block of the chunk
+    EXPECT_EQ(b, a + 16);
+    EXPECT_EQ(_ePool::chunkOf(a)->live, 2u);
+    std::memset(a, 0xAB, 16);
     pool.release(a, 1);
     EXPECT_EQ(pool.freeListBytes(), 16);
     EXPECT_EQ(pool.freeBlocks(0), 1u);
-    void* b = pool.allocate(16);  // same class as 1
-    EXPECT_EQ(b, a);
-    EXPECT_TRUE(allZero(b, 16));
+    EXPECT_EQ(pool.allocate(16), a);
+    EXPECT_TRUE(allZero(a, 16));
     EXPECT_EQ(pool.freeListBytes(), 0);
 
-    void* c = pool.allocate(17);  // the next class
-    EXPECT_EQ(pool.pooledBytes(), 16 + 32);
+    void* c = pool.allocate(17);    // the next class: a chunk of its own
     void* d = pool.allocate(1024);  // the last class
-    EXPECT_EQ(pool.pooledBytes(), 16 + 32 + 1024);
+    EXPECT_EQ(pool.pooledBytes(), 3 * chunk);
+    EXPECT_NE(_ePool::chunkOf(c), _ePool::chunkOf(a));
     pool.release(c, 17);
     pool.release(d, 1024);
-    EXPECT_EQ(pool.freeBlocks(1), 1u);
-    EXPECT_EQ(pool.freeBlocks(63), 1u);
     pool.release(b, 16);
+    // The chunk of class 0 still has a live block: it stays, and so does its free block.
     pool.flush();
     EXPECT_EQ(pool.flushCount(), 1);
-    EXPECT_EQ(pool.pooledBytes(), 0);
+    EXPECT_EQ(pool.pooledBytes(), chunk);
+    EXPECT_EQ(pool.freeBlocks(0), 1u);
     EXPECT_EQ(pool.freeBlocks(63), 0u);
+    pool.release(a, 16);
+    pool.flush();
+    EXPECT_EQ(pool.pooledBytes(), 0);
+    EXPECT_EQ(pool.freeListBytes(), 0);
+    EXPECT_EQ(pool.freeBlocks(0), 0u);
 }
 
 TEST(Pool, LargeAndEmptyBlocksBypassTheLists) {
@@ -79,30 +87,37 @@ TEST(Pool, LargeAndEmptyBlocksBypassTheLists) {
     EXPECT_EQ(pool.freeListBytes(), 0);
 }
 
-TEST(Pool, InactivePoolReturnsBlocksToTheSystem) {
+TEST(Pool, InactivePoolReturnsAChunkWithItsLastBlock) {
     if (MODELBRIDGE_POOL_BYPASS) GTEST_SKIP() << "every block goes to the system allocator in this build";
     _ePool pool = freshPool();
     void* a = pool.allocate(40);
+    void* b = pool.allocate(40);
     pool.setActive(false);
     pool.release(a, 40);
     EXPECT_EQ(pool.freeBlocks(_ePool::classOf(40)), 0u);
+    EXPECT_EQ(pool.pooledBytes(), std::int64_t(_ePool::chunkBytes));
+    pool.release(b, 40);
+    EXPECT_EQ(pool.pooledBytes(), 0);
     EXPECT_EQ(pool.freeListBytes(), 0);
 }
 
-TEST(Pool, FreeListsNeverHoldMoreThanAQuarterAtAMiss) {
+TEST(Pool, FreeListsNeverHoldMoreThanAQuarterAtANewChunk) {
     if (MODELBRIDGE_POOL_BYPASS) GTEST_SKIP() << "every block goes to the system allocator in this build";
     _ePool pool = freshPool();
+    const std::size_t perChunk = (_ePool::chunkBytes - _ePool::headerBytes) / 64;
     std::vector<void*> blocks;
-    for (int i = 0; i < 100; ++i) blocks.push_back(pool.allocate(64));
+    for (std::size_t i = 0; i < 3 * perChunk; ++i) blocks.push_back(pool.allocate(64));
+    EXPECT_EQ(pool.pooledBytes(), 3 * std::int64_t(_ePool::chunkBytes));
     for (void* b : blocks) pool.release(b, 64);
-    EXPECT_EQ(pool.freeListBytes(), 6400);
-    // A miss in another class sees 6400 free of 6400 pooled, above a quarter: the lists go.
+    EXPECT_EQ(pool.freeListBytes(), std::int64_t(3 * perChunk * 64));
+    // Another class needs a chunk while all three are free, above a quarter: they go first.
     void* other = pool.allocate(500);
     EXPECT_EQ(pool.flushCount(), 1);
     EXPECT_EQ(pool.freeListBytes(), 0);
-    EXPECT_EQ(pool.pooledBytes(), 512);
+    EXPECT_EQ(pool.pooledBytes(), std::int64_t(_ePool::chunkBytes));
     pool.release(other, 500);
     pool.flush();
+    EXPECT_EQ(pool.pooledBytes(), 0);
 }
 
 #if MODELBRIDGE_SANITIZE && !MODELBRIDGE_POOL_BYPASS
