@@ -180,7 +180,8 @@ std::optional<std::int32_t> Parser::loopAction(std::int32_t below, std::int32_t 
                 if (consumed) return std::nullopt;
                 break;
             case ActionName::skip:
-                return std::nullopt;
+                consumed = true;  // the token is dropped
+                break;
             default:
                 return std::nullopt;
         }
@@ -205,6 +206,8 @@ std::optional<std::int32_t> Parser::loopAction(std::int32_t below, std::int32_t 
             entry = nonTerminalAction(at, r.nonTerminal);
             if (entry.action == ActionName::shift)
                 at = entry.parameter;
+            else if (entry.action == ActionName::skip)
+                size = first;  // the nonterminal is dropped
             else if (entry.action != ActionName::sh_red)
                 return std::nullopt;
         }

@@ -16,8 +16,8 @@ struct ParseOutcome {
 };
 
 // `unprefixedUml` has the parser read unprefixed UML 1.x tags as the importer's search for
-// classes anywhere does.
-inline ParseOutcome parseFile(const std::string& path, bool unprefixedUml = false) {
+// classes anywhere does. Without `runs` every byte is offered as a token of its own.
+inline ParseOutcome parseFile(const std::string& path, bool unprefixedUml = false, bool runs = true) {
     _eHndl<Environment> env(new Environment());
     _eHndl<XMLLex> lex(new XMLLex(env.get(), 4));
     bool ok = false;
@@ -28,7 +28,7 @@ inline ParseOutcome parseFile(const std::string& path, bool unprefixedUml = fals
         _eHndl<Terminal> token;
         lex->nextToken(token);
         parser->offerToken(token);
-        parser->takeRuns(*lex, false);
+        if (runs) parser->takeRuns(*lex, false);
     }
     lex->closeFile();
     ParseOutcome outcome;
@@ -40,7 +40,7 @@ inline ParseOutcome parseFile(const std::string& path, bool unprefixedUml = fals
     return outcome;
 }
 
-inline ParseOutcome parseText(const std::string& bytes, bool unprefixedUml = false) {
+inline ParseOutcome parseText(const std::string& bytes, bool unprefixedUml = false, bool runs = true) {
     TempDir dir;
-    return parseFile(dir.write("in.xml", bytes), unprefixedUml);
+    return parseFile(dir.write("in.xml", bytes), unprefixedUml, runs);
 }

@@ -101,3 +101,75 @@ TEST(XMLGrammar, EveryFileOfTheCorpusIsAccepted) {
     }
     EXPECT_GE(files, 8);
 }
+
+namespace {
+
+// The parser after every byte of `text` was offered as a token of its own.
+_eHndl<XMLParser> parserAfter(const std::string& text) {
+    _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
+    _eHndl<Location> at(new Location());
+    for (char c : text) {
+        auto byte = static_cast<unsigned char>(c);
+        std::int32_t code = XMLLex::tokenCode(byte);
+        if (code < 256)
+            parser->offerToken(new SimpleTerminal(at, code));
+        else
+            parser->offerToken(new ComplexTerminal(at, code, wchar_t(byte)));
+    }
+    return parser;
+}
+
+}  // namespace
+
+TEST(XMLGrammar, RunsOfBytesAreFoundFromTheTables) {
+    struct Row {
+        const char* before;
+        std::int32_t action;
+        const char* members;
+        const char* others;
+    };
+    namespace A = SemanticAction;
+    const Row rows[] = {
+        {"<a b=\"", A::attributeValueCharacter, "x9 '>_\t", "\"&<"},
+        {"<a b='", A::attributeValueCharacter, "x\"", "'&<"},
+        {"<ab", A::appendToString, "c-.:_9", " =>/\t"},
+        {"<a>x", A::appendToCharData, "y \n>'", "<&]"},
+        {"<!--x", Parser::noAction, "x <>", "-"},
+        {"<a ", Parser::noAction, " \t\n", "b>/"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.before);
+        _eHndl<XMLParser> parser = parserAfter(row.before);
+        const Parser::RunBytes* run = parser->runBytes();
+        ASSERT_NE(run, nullptr);
+        EXPECT_EQ(run->semanticAction, row.action);
+        for (const char* c = row.members; *c != 0; ++c) EXPECT_TRUE(run->member[static_cast<unsigned char>(*c)]) << *c;
+        for (const char* c = row.others; *c != 0; ++c) EXPECT_FALSE(run->member[static_cast<unsigned char>(*c)]) << *c;
+    }
+    EXPECT_EQ(parserAfter("<").get()->runBytes(), nullptr);
+}
+
+TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
+    const char* texts[] = {
+        "<a b=\"x &amp; &#65;y\" c='q\"'>some\n\ttext &lt; more<![CDATA[x]]y]]><!-- c - d -->\n</a>\n",
+        "<?xml version='1.0'?>\n<!DOCTYPE a [<!ENTITY e \"v&#65;w%p;\">]>\n<a>&e;\r\n</a>",
+        "<a b=\"unterminated value\n  still\t\tgoing",
+        "<a>text <!-- open comment",
+        "<aname b=\"x\" c=\"y\"/ >",
+        "<a>\n\n   text\twith\ttabs</b>\n",
+        "<a b=\"x\"\x01></a>",
+        "<a>\xC3\xA9t\xC3\xA9 \xB7</a>",
+    };
+    for (const char* text : texts) {
+        SCOPED_TRACE(text);
+        TempDir dir;
+        std::string path = dir.write("in.xml", text);
+        ParseOutcome oneByOne = parseFile(path, false, false);
+        ParseOutcome inRuns = parseFile(path, false, true);
+        EXPECT_EQ(inRuns.accepted, oneByOne.accepted);
+        EXPECT_EQ(inRuns.errors, oneByOne.errors);
+        if (oneByOne.accepted) {
+            EXPECT_TRUE(inRuns.result->isEqual(oneByOne.result.get()));
+        }
+    }
+}
