@@ -1,41 +1,39 @@
-// The whole path on synthetic models of 1, 10 and 50 MB: `attemptParse` (parse and analyse),
-// generation of every class, and, side by side, libxml2 building a full tree of the same file.
+// The whole path against libxml2 on the same files, for both shapes of synthetic model at 1, 10
+// and 50 MB. Every comparison is made within one run: in each round the contenders are measured
+// one after the other, the one that goes first changing from round to round, and the medians of
+// the rounds are compared.
 //
-// Besides bytes per second, each benchmark reports:
-//   x_libxml2  its time per iteration over libxml2's on the same file (the libxml2 benchmark
-//              of a size runs first);
-//   peak_x     the peak resident memory of a fresh process doing the same work once, less that
-//              of a fresh process doing nothing, over the file size.
+//   libxml2 tree    xmlReadFile + xmlFreeDoc
+//   attemptParse    parse and analysis, by a fresh importer
+//   generate all    one generateClassFile per listed class into an empty directory
+//   xmllint         the process `xmllint --noout MODEL` (when xmllint is installed)
+//   host --list     the process `modelbridge-gen MODEL --list`
+// Peak memory: the peak resident memory of a fresh process doing the work once, less that of a
+// fresh process doing nothing, over the file size.
 //
-// Usage: end_to_end_bench [Google Benchmark options]
-// The program runs itself as that fresh process: end_to_end_bench --measure TASK FILE prints
-// the peak in kilobytes.
-#include <benchmark/benchmark.h>
+// Usage: end_to_end_bench [--rounds N] [--shape synthetic|prose] [MEGABYTES...]
+//        (default: 5 rounds, 11 at 1 MB; both shapes; 1 10 50)
+// The program runs itself as the measured fresh process: end_to_end_bench --measure TASK FILE
+// prints the peak in kilobytes.
 #include <libxml/parser.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <map>
-#include <memory>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "BenchFile.h"
 #include "Generated/XMLImporter.h"
 #include "XmiGenerator.h"
+#include "XmiProseGenerator.h"
 #include "environment/PlatformText.h"
 
 namespace {
-
-const int sizes[] = {1, 10, 50};
-
-const BenchFile& modelOf(int megabytes) {
-    static std::map<int, std::unique_ptr<BenchFile>> files;
-    auto& file = files[megabytes];
-    if (!file) file = std::make_unique<BenchFile>(XmiGenerator::model(std::size_t(megabytes) << 20));
-    return *file;
-}
 
 // A fresh, empty output directory, removed at the end.
 struct OutputDir {
@@ -94,12 +92,13 @@ long ownPeakKilobytes() {
     return peak;
 }
 
+std::string self() { return std::filesystem::read_symlink("/proc/self/exe").string(); }
+
 // Peak resident kilobytes of a fresh process running `task` on `path`; -1 when it failed.
 // The child reports its own high-water mark: the kernel's figure for a child also counts
 // what the parent had resident when the child was spawned.
 long peakKilobytes(const std::string& task, const std::string& path) {
-    std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
-    std::string command = "'" + self + "' --measure " + task + " '" + path + "'";
+    std::string command = "'" + self() + "' --measure " + task + " '" + path + "'";
     std::FILE* child = popen(command.c_str(), "r");
     if (child == nullptr) return -1;
     long peak = -1;
@@ -107,95 +106,94 @@ long peakKilobytes(const std::string& task, const std::string& path) {
     return pclose(child) == 0 ? peak : -1;
 }
 
-void reportPeak(benchmark::State& state, const std::string& task, const BenchFile& file) {
+double peakOverFile(const std::string& task, const BenchFile& file) {
     static const long baseline = peakKilobytes("none", "");
     long peak = peakKilobytes(task, file.path);
-    if (peak < 0) {
-        state.SkipWithError("the measuring process failed");
-        return;
-    }
-    state.counters["peak_x"] = double(peak - baseline) * 1024.0 / double(file.size);
+    return peak < 0 ? -1 : double(peak - baseline) * 1024.0 / double(file.size);
 }
 
-std::map<int, double>& libxml2Seconds() {
-    static std::map<int, double> seconds;
-    return seconds;
-}
-
-// Runs `body` once per iteration with manual timing; `body` gives its own seconds, or -1.
-template <class Body>
-void timed(benchmark::State& state, const BenchFile& file, Body body) {
-    double total = 0;
-    for (auto _ : state) {
-        double seconds = body();
-        if (seconds < 0) {
-            state.SkipWithError("the model was refused");
-            return;
-        }
-        state.SetIterationTime(seconds);
-        total += seconds;
-    }
-    state.SetBytesProcessed(std::int64_t(state.iterations()) * std::int64_t(file.size));
-    double perIteration = total / double(state.iterations());
-    int megabytes = int(state.range(0));
-    if (libxml2Seconds().count(megabytes) != 0) state.counters["x_libxml2"] = perIteration / libxml2Seconds()[megabytes];
-}
-
-double secondsOf(auto work) {
+// Seconds of one run of `work`, or -1 when it failed.
+double secondsOf(const std::function<bool()>& work) {
     auto start = std::chrono::steady_clock::now();
     bool ok = work();
     std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     return ok ? elapsed.count() : -1;
 }
 
-void Libxml2Tree(benchmark::State& state) {
-    const BenchFile& file = modelOf(int(state.range(0)));
-    libxml2Seconds().erase(int(state.range(0)));
-    double total = 0;
-    timed(state, file, [&] {
-        double seconds = secondsOf([&] { return buildTree(file.path); });
-        total += seconds;
-        return seconds;
-    });
-    libxml2Seconds()[int(state.range(0))] = total / double(state.iterations());
-    reportPeak(state, "libxml2", file);
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    std::size_t n = values.size();
+    return n % 2 == 1 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
 }
 
-void AttemptParse(benchmark::State& state) {
-    const BenchFile& file = modelOf(int(state.range(0)));
-    _eHndl<Environment> environment(new Environment());
-    timed(state, file, [&] {
-        XMLImporter importer(environment.get());
-        return secondsOf([&] { return parse(importer, file.path); });
-    });
-    reportPeak(state, "parse", file);
-}
+struct Contender {
+    std::string name;
+    std::function<bool()> run;
+    std::vector<double> seconds;
+};
 
-void GenerateAll(benchmark::State& state) {
-    const BenchFile& file = modelOf(int(state.range(0)));
-    _eHndl<Environment> environment(new Environment());
-    XMLImporter importer(environment.get());
-    if (!parse(importer, file.path)) {
-        state.SkipWithError("the model was refused");
-        return;
-    }
-    timed(state, file, [&] {
-        OutputDir out;
-        return secondsOf([&] { return generateAll(importer, out.path); });
-    });
-    state.counters["classes"] = importer.getClassList().size();
-    reportPeak(state, "generate", file);
-}
-
-void registerAll() {
-    for (int megabytes : sizes) {
-        for (auto [name, run] : {std::pair{"Libxml2Tree", &Libxml2Tree}, std::pair{"AttemptParse", &AttemptParse},
-                                 std::pair{"GenerateAll", &GenerateAll}}) {
-            auto* benchmark = benchmark::RegisterBenchmark(name, run);
-            benchmark->Arg(megabytes)->UseManualTime()->Unit(benchmark::kMillisecond);
-            if (megabytes >= 10) benchmark->Iterations(1);
+// Runs every contender once per round, the order turned by one place each round. False when a
+// run failed.
+bool alternate(std::vector<Contender>& contenders, int rounds) {
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t k = 0; k < contenders.size(); ++k) {
+            Contender& c = contenders[(k + std::size_t(round)) % contenders.size()];
+            double s = secondsOf(c.run);
+            if (s < 0) {
+                std::fprintf(stderr, "end_to_end_bench: %s failed\n", c.name.c_str());
+                return false;
+            }
+            c.seconds.push_back(s);
         }
     }
+    return true;
+}
+
+bool commandSucceeds(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
+
+bool measure(const std::string& shape, int megabytes, int rounds) {
+    auto bytes = std::size_t(megabytes) << 20;
+    BenchFile file(shape == "prose" ? XmiProseGenerator::model(bytes) : XmiGenerator::model(bytes));
+    _eHndl<Environment> environment(new Environment());
+    XMLImporter generator(environment.get());
+    if (!parse(generator, file.path)) return false;
+    int classes = generator.getClassList().size();
+
+    std::vector<Contender> inProcess = {
+        {"libxml2 tree", [&] { return buildTree(file.path); }, {}},
+        {"attemptParse",
+         [&] {
+             XMLImporter importer(environment.get());
+             return parse(importer, file.path);
+         },
+         {}},
+        {"generate all",
+         [&] {
+             OutputDir out;
+             return generateAll(generator, out.path);
+         },
+         {}},
+    };
+    std::string host = MODELBRIDGE_GEN_PATH;
+    std::vector<Contender> processes = {
+        {"host --list", [&] { return commandSucceeds("'" + host + "' '" + file.path + "' --list"); }, {}}};
+    if (commandSucceeds("command -v xmllint"))
+        processes.push_back({"xmllint", [&] { return commandSucceeds("xmllint --noout '" + file.path + "'"); }, {}});
+    if (!alternate(inProcess, rounds) || !alternate(processes, rounds)) return false;
+
+    auto ms = [](const Contender& c) { return median(c.seconds) * 1e3; };
+    auto perByte = [&](const Contender& c) { return median(c.seconds) * 1e9 / double(file.size); };
+    std::printf("\n%s, %d MB (%zu bytes, %d classes), medians of %d alternating rounds\n", shape.c_str(), megabytes,
+                file.size, classes, rounds);
+    for (const Contender& c : inProcess) std::printf("  %-14s %9.1f ms %7.1f ns/byte\n", c.name.c_str(), ms(c), perByte(c));
+    for (const Contender& c : processes) std::printf("  %-14s %9.1f ms %7.1f ns/byte\n", c.name.c_str(), ms(c), perByte(c));
+    std::printf("  attemptParse / libxml2 tree: %.2f\n", ms(inProcess[1]) / ms(inProcess[0]));
+    std::printf("  generate all / attemptParse: %.2f\n", ms(inProcess[2]) / ms(inProcess[1]));
+    if (processes.size() > 1) std::printf("  host --list / xmllint: %.2f\n", ms(processes[0]) / ms(processes[1]));
+    std::printf("  peak memory over file size: libxml2 %.1f, parse %.1f, parse and generate %.1f\n",
+                peakOverFile("libxml2", file), peakOverFile("parse", file), peakOverFile("generate", file));
+    std::fflush(stdout);
+    return true;
 }
 
 }  // namespace
@@ -206,11 +204,22 @@ int main(int argc, char** argv) {
         std::printf("%ld\n", ownPeakKilobytes());
         return failed;
     }
+    int rounds = 5;
+    std::vector<std::string> shapes = {"synthetic", "prose"};
+    std::vector<int> sizes;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--rounds") == 0 && i + 1 < argc)
+            rounds = std::max(1, std::atoi(argv[++i]));
+        else if (std::strcmp(argv[i], "--shape") == 0 && i + 1 < argc)
+            shapes = {argv[++i]};
+        else
+            sizes.push_back(std::atoi(argv[i]));
+    }
+    if (sizes.empty()) sizes = {1, 10, 50};
     xmlInitParser();
-    registerAll();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
+    for (const std::string& shape : shapes)
+        for (int megabytes : sizes)
+            if (!measure(shape, megabytes, megabytes == 1 ? std::max(rounds, 11) : rounds)) return 1;
     xmlCleanupParser();
     return 0;
 }
