@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "Generated/StackValue.h"
 #include "runtime/Failure.h"
@@ -25,17 +26,15 @@ public:
     bool isEmpty() const { return top == 0; }
     // Between two tokens `top` equals the number of entries.
     void push(const StackEntry& entry) {
-        entries.pushBack(entry);
+        entries.push_back(entry);
         ++top;
     }
     void pop(std::int32_t count) { top -= count; }
     // offset 0 is the first symbol popped, 1 the second, and so on.
-    const StackEntry& peek(std::int32_t offset) const { return entries.get(top + offset); }
-    StackEntry& peekToChange(std::int32_t offset) { return entries.elementRef(top + offset); }
+    const StackEntry& peek(std::int32_t offset) const { return entries[std::size_t(top + offset)]; }
+    StackEntry& peekToChange(std::int32_t offset) { return entries[std::size_t(top + offset)]; }
     // Drops the popped entries.
-    void trim() {
-        if (entries.size() > top) entries.removeRange(top, entries.size() - top);
-    }
+    void trim() { entries.resize(std::size_t(top)); }
     // Keeps the first popped entry, now the nonterminal's, and drops the rest.
     void keepTop() {
         ++top;
@@ -43,9 +42,10 @@ public:
     }
 
     std::int32_t getTop() const { return top; }
-    const _eSeq<StackEntry>& getEntries() const { return entries; }
+    // Live and popped entries.
+    std::int32_t entryCount() const { return std::int32_t(entries.size()); }
 
 private:
-    _eSeq<StackEntry> entries;  // bottom first
+    std::vector<StackEntry> entries;  // bottom first
     std::int32_t top = 0;       // live entries
 };

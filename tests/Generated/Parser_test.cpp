@@ -185,12 +185,12 @@ TEST(XMLParserDriver, SkipReduceAndTheEnd) {
     XMLParser p(ParseControl::shared(), 0);
     p.offerToken(token(Token::whiteSpace, 1));
     std::int32_t state = p.getState();
-    int depth = p.getStack().getEntries().size();
+    int depth = p.getStack().entryCount();
     p.offerToken(token(Token::whiteSpace, 2));  // white space after white space: skipped
     EXPECT_EQ(p.getState(), state);
-    EXPECT_EQ(p.getStack().getEntries().size(), depth);
+    EXPECT_EQ(p.getStack().entryCount(), depth);
     p.offerToken(token('<', 3));  // reduces the white space first, then takes "<"
-    EXPECT_EQ(p.getStack().getEntries().size(), depth + 1);
+    EXPECT_EQ(p.getStack().entryCount(), depth + 1);
     auto top = p.getStack().peek(-1).value;
     ASSERT_NE(dynamic_cast<const Terminal*>(top.get()), nullptr);
     EXPECT_EQ(static_cast<const Terminal*>(top.get())->getToken(), '<');

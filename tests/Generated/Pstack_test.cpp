@@ -28,15 +28,15 @@ TEST(ParseStack, PopKeepsEntriesUntilTrimOrKeepTop) {
     stack.peekToChange(0).value = new NonTerminal(Location::nowhere());
     stack.keepTop();
     EXPECT_EQ(stack.getTop(), 2);
-    EXPECT_EQ(stack.getEntries().size(), 2);
+    EXPECT_EQ(stack.entryCount(), 2);
     EXPECT_EQ(stack.peek(-1).state, 4);
     EXPECT_NE(dynamic_cast<const NonTerminal*>(stack.peek(-1).value.get()), nullptr);
 
     stack.trim();
-    EXPECT_EQ(stack.getEntries().size(), 2);
+    EXPECT_EQ(stack.entryCount(), 2);
     stack.pop(2);
     stack.trim();
-    EXPECT_TRUE(stack.getEntries().isEmpty());
+    EXPECT_TRUE(stack.entryCount() == 0);
     EXPECT_TRUE(stack.isEmpty());
 
     // An empty production pushes first, so that peek(0) is an entry of its own.
@@ -44,7 +44,7 @@ TEST(ParseStack, PopKeepsEntriesUntilTrimOrKeepTop) {
     stack.push({5, _eHndl<StackValue>(new StackValue(Location::nowhere()))});
     stack.pop(1);
     stack.keepTop();
-    EXPECT_EQ(stack.getEntries().size(), 2);
+    EXPECT_EQ(stack.entryCount(), 2);
     EXPECT_EQ(stack.peek(-1).state, 5);
 }
 
