@@ -26,6 +26,7 @@ public:
     bool equalFields(const XMLElement& other) const;
 
     XMLErrors getErrors() const override;
+    XMLElement* asElement() override { return this; }
     // What a reference to this element reads as in a type: by default its name.
     virtual TypeRecord typeRecord(const _eHndl<Context>& context) const;
 

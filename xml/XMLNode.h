@@ -5,6 +5,7 @@
 #include "Generated/XMLError.h"
 
 class Context;
+class XMLElement;
 
 class XMLNode : public _eClass<XMLNode, NonTerminal> {
 public:
@@ -35,4 +36,7 @@ public:
     using _eClass::_eClass;
 
     bool equalFields(const XMLContentItem& other) const { return XMLNode::equalFields(other); }
+
+    // The item as an element, or null: asked of every child whenever elements are looked for.
+    virtual XMLElement* asElement() { return nullptr; }
 };

@@ -11,7 +11,7 @@ template <class Keep>
 ElementSeq elementsWhere(const _eSeq<_eFrom<XMLContentItem>>& items, Keep keep) {
     ElementSeq out;
     for (int i = 0, n = items.size(); i < n; ++i) {
-        auto* element = dynamic_cast<XMLElement*>(items.get(i).get());
+        XMLElement* element = items.get(i)->asElement();
         if (element != nullptr && keep(*element)) out.pushBack(element);
     }
     return out;
