@@ -2,8 +2,13 @@
 
 void XMLDocument::analyse() {
     _eFreeze freeze(this);
-    dictionary = search->dictionary(*root);
+    analysed = true;
     classes = search->readsDocument(*root) ? search->classMap(*root) : ClassMap();
+}
+
+const _eHndl<XMLDictionary>& XMLDocument::getDictionary() const {
+    if (analysed && dictionary.isNull()) dictionary = search->dictionary(*root);
+    return dictionary;
 }
 
 bool XMLDocument::rootIsXMI() {
@@ -13,7 +18,8 @@ bool XMLDocument::rootIsXMI() {
 }
 
 _eHndl<Context> XMLDocument::generationContext() const {
-    return _eHndl<Context>(new Context(dictionary.isNull() ? XMLDictionary::empty() : dictionary));
+    const _eHndl<XMLDictionary>& built = getDictionary();
+    return _eHndl<Context>(new Context(built.isNull() ? XMLDictionary::empty() : built));
 }
 
 void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,

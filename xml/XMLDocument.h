@@ -13,7 +13,7 @@ public:
     XMLDocument(const _eHndl<Location>& location, const _eFrom<XMLElement>& root) : _eClass(location), root(root) {}
 
     bool equalFields(const XMLDocument& other) const {
-        return XMLNode::equalFields(other) && root == other.root && dictionary == other.dictionary &&
+        return XMLNode::equalFields(other) && root == other.root && getDictionary() == other.getDictionary() &&
                classes == other.classes;
     }
 
@@ -23,7 +23,8 @@ public:
     // Writes one file with the chosen classes, in document order.
     virtual void generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                     const _eHndl<const Environment>& environment);
-    // Builds the dictionary and the class map, with the classes that the chosen search finds.
+    // Builds the class map, with the classes that the chosen search finds; the dictionary follows
+    // when it is first asked for.
     virtual void analyse();
     // How the classes of the document are found and read, by `analyse` and by generation; until
     // one is chosen, along the one path of XMI 1.x.
@@ -31,7 +32,8 @@ public:
     virtual ClassMap getClasses() const { return classes; }
 
     const _eFrom<XMLElement>& getRoot() const { return root; }
-    const _eHndl<XMLDictionary>& getDictionary() const { return dictionary; }
+    // The id dictionary of the tree, built on the first request after `analyse`; null before.
+    const _eHndl<XMLDictionary>& getDictionary() const;
 
 private:
     // False, with a `notXMI` error, when the search doesn't read the document: its root isn't "XMI".
@@ -42,7 +44,8 @@ private:
                const _eHndl<const Environment>& environment);
 
     _eFrom<XMLElement> root;
-    _eHndl<XMLDictionary> dictionary;  // null until analysed
+    bool analysed = false;
+    mutable _eHndl<XMLDictionary> dictionary;  // null until asked for after `analyse`
     ClassMap classes;                  // class name to class element
     std::shared_ptr<const ClassSearch> search = PathSearch::instance();  // how classes are found
 };
