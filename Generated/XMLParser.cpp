@@ -62,13 +62,19 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
             break;
         case A::newAttributeList: result(new XMLAttributeList(at)); break;
         case A::addAttribute: firstToChange<XMLAttributeList>(stack)->addAttribute(symbol<XMLAttribute>(stack, 3)); break;
-        case A::newAttribute: result(new XMLAttribute(symbol<XMLString>(stack, 1), symbol<XMLAttributeValue>(stack, 3))); break;
+        case A::newAttribute:
+            static_cast<XMLAttributeValue*>(stack.peekToChange(2).value.uniquePointer())->shareElements();
+            result(new XMLAttribute(symbol<XMLString>(stack, 1), symbol<XMLAttributeValue>(stack, 3)));
+            break;
         case A::endTag: result(new XMLETag(at, symbol<XMLString>(stack, 3))); break;
         case A::newContent: result(new XMLcontent(at)); break;
         case A::contentElement:
         case A::contentReference:
-        case A::contentCDSect:
-        case A::contentCharData: firstToChange<XMLcontent>(stack)->addItem(symbol<XMLContentItem>(stack, 2)); break;
+        case A::contentCDSect: firstToChange<XMLcontent>(stack)->addItem(symbol<XMLContentItem>(stack, 2)); break;
+        case A::contentCharData:
+            static_cast<XMLCharData*>(stack.peekToChange(1).value.uniquePointer())->shareText();
+            firstToChange<XMLcontent>(stack)->addItem(symbol<XMLContentItem>(stack, 2));
+            break;
         case A::emptyTag:
         case A::emptyTagWithSpace:
             noteTag(symbol<XMLString>(stack, 2));

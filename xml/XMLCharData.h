@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "xml/XMLNames.h"
 #include "xml/XMLNode.h"
 
 class XMLCharData : public _eClass<XMLCharData, XMLContentItem> {
@@ -21,6 +22,12 @@ public:
     void appendCharacters(const wchar_t* units, std::int32_t count) {
         _eFreeze freeze(this);
         text.appendAll(_eString(count, units));
+    }
+
+    // Holds the text that other character data of the same text hold, when it is short.
+    void shareText() {
+        _eFreeze freeze(this);
+        text = XMLNames::sharedText(text);
     }
 
     const _eString& getText() const { return text; }

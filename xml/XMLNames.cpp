@@ -26,6 +26,11 @@ _eString XMLNames::shared(const _eString& name) {
     return lookUp(kept, name, [&] { return name; });
 }
 
+_eString XMLNames::sharedText(const _eString& text) {
+    static Table kept;
+    return lookUp(kept, text, [&] { return text; });
+}
+
 _eString XMLNames::derivedIn(Table& table, const _eString& name, Derivation derive) {
     return lookUp(table, name, [&] { return derive(name); });
 }

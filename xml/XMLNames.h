@@ -20,6 +20,9 @@ public:
     // A string equal to `name`: the one kept for that text if there is one, else `name` itself,
     // which is then kept if there is room.
     static _eString shared(const _eString& name);
+    // The same for short texts that repeat, such as the white space between elements: a table
+    // of their own, so that they never crowd out the names.
+    static _eString sharedText(const _eString& text);
     // The string that `Derive` makes of `name`, made on the first request and kept: a name that
     // stands for another, such as a long tag for its canonical form, is worked out once. Each
     // derivation keeps a table of its own.

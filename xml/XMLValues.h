@@ -4,6 +4,8 @@
 
 #include "xml/XMLReferences.h"
 
+class XMLCharValue;
+
 class XMLEntityValueElement : public _eAbstractClass<XMLEntityValueElement, _eAny> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 0};
@@ -13,6 +15,8 @@ public:
     virtual _eString text(const _eHndl<Context>& context) const = 0;
     // Appends the text to `out`: a value is read one element after another.
     virtual void appendText(_eString& out, const _eHndl<Context>& context) const { out.appendAll(text(context)); }
+    // The element as a character, or null.
+    virtual const XMLCharValue* asCharacter() const { return nullptr; }
 };
 
 class XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
@@ -29,6 +33,8 @@ public:
     bool equalFields(const XMLCharValue& other) const { return character == other.character; }
     _eString text(const _eHndl<Context>&) const override { return _eString(character); }
     void appendText(_eString& out, const _eHndl<Context>&) const override { out.pushBack(character); }
+    const XMLCharValue* asCharacter() const override { return this; }
+    wchar_t getCharacter() const { return character; }
 
 private:
     wchar_t character;
@@ -86,6 +92,10 @@ protected:
         _eFreeze freeze(this);
         elements.pushBack(element);
     }
+    void replaceElements(const ValueElements& equal) {
+        _eFreeze freeze(this);
+        elements = equal;
+    }
 
 private:
     ValueElements elements;
@@ -103,6 +113,10 @@ class XMLAttributeValue : public _aValueList<XMLAttributeValue> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 17};
     using _aValueList::_aValueList;
+
+    // Holds the elements that other values of the same characters hold, when there are few of
+    // them and no reference among them: short values repeat all through a document.
+    void shareElements();
 
     // The texts of the elements, in order.
     virtual _eString text(const _eHndl<Context>& context) const {
