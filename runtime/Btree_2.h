@@ -222,6 +222,12 @@ public:
     void dropFront(int n) override { removeRange(0, n); }
     void truncate(int n) override { removeRange(n, size() - n); }
 
+    // Appends `n` elements that fit behind the present ones.
+    void appendRange(const T* from, int n) {
+        _eFreeze freeze(this);
+        elements.appendRange(from, std::uint32_t(n));
+    }
+
     void pushBack(const T& x, _eNodeHndl<T>& overflow) override {
         _eFreeze freeze(this);
         int n = size();

@@ -76,6 +76,20 @@ public:
         return _eSeq(root->concat(other.root.get()));
     }
 
+    // Appends `length` elements: into a sequence of one leaf in place while the leaf has room.
+    void appendRange(int length, const T* from) {
+        if (length <= 0) return;
+        if (root->level() == 0) {
+            int room = leafCapacity - root->size();
+            int n = room < length ? room : length;
+            if (n > 0) static_cast<_eLeafNode<T>*>(root.uniquePointer())->appendRange(from, n);
+            from += n;
+            length -= n;
+            deepCheck();
+        }
+        if (length > 0) appendAll(_eSeq(length, from));
+    }
+
     void appendAll(const _eSeq& other) {
         if (other.isEmpty()) return;
         if (isEmpty()) {

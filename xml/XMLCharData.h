@@ -21,7 +21,7 @@ public:
     }
     void appendCharacters(const wchar_t* units, std::int32_t count) {
         _eFreeze freeze(this);
-        text.appendAll(_eString(count, units));
+        text.appendRange(count, units);
     }
 
     // Holds the text that other character data of the same text hold, when it is short.

@@ -48,7 +48,7 @@ public:
     }
     void appendCharacters(const wchar_t* units, std::int32_t count) {
         _eFreeze freeze(this);
-        text.appendAll(_eString(count, units));
+        text.appendRange(count, units);
     }
 
     const _eString& getText() const { return text; }

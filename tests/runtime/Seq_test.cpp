@@ -279,3 +279,19 @@ TEST(Seq, TreeFaultsRaiseChoiceFailures) {
     EXPECT_THROW(leaf->insert(33, 0, overflow), _xNoChoice);
     EXPECT_EQ(leaf->countWord(), 1);  // the freeze bracket thawed it on the way out
 }
+
+TEST(Seq, AppendedRangesFillTheLastLeafAndLeaveCopiesAlone) {
+    const int sizes[] = {0, 1, 20, 31, 32, 33, 600};
+    const int lengths[] = {0, 1, 11, 12, 13, 40, 700};
+    for (int size : sizes) {
+        for (int length : lengths) {
+            SCOPED_TRACE(testing::Message() << size << " + " << length);
+            _eSeq<int> s = appendedSeq(0, size);
+            _eSeq<int> before = s;
+            std::vector<int> more = iota(size, length);
+            s.appendRange(length, more.data());
+            EXPECT_EQ(contents(s), iota(0, size + length));
+            EXPECT_EQ(contents(before), iota(0, size));
+        }
+    }
+}
