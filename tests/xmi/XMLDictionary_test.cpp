@@ -164,9 +164,13 @@ TEST(XMLNames, EqualNamesShareOneStringWithinBounds) {
     EXPECT_EQ(toWString(derived), L"derived-name-test!");
     EXPECT_EQ(XMLNames::derived<markOnce>(_eString(L"derived-name-test")).rootNode(), derived.rootNode());
     EXPECT_EQ(derivations, 1);
-    XMLNames::derived<markOnce>(longOne);
-    XMLNames::derived<markOnce>(longOne);
+    XMLNames::derived<markOnce>(_eString(std::wstring_view(tooLong)));
+    XMLNames::derived<markOnce>(_eString(std::wstring_view(tooLong)));
     EXPECT_EQ(derivations, 3);
+    // Asked again with the very same string, the answer comes from the recent ones.
+    XMLNames::derived<markOnce>(longOne);
+    XMLNames::derived<markOnce>(longOne);
+    EXPECT_EQ(derivations, 4);
     EXPECT_EQ(toWString(XMLNames::derived<markTwice>(_eString(L"derived-name-test"))), L"derived-name-test!!");
     EXPECT_EQ(toWString(XMLNames::derived<markOnce>(_eString(L"derived-name-test"))), L"derived-name-test!");
 
