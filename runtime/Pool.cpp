@@ -31,7 +31,9 @@ void* _ePool::allocateLarge(std::size_t size) {
 }
 
 void* _ePool::carveFromNewChunk(std::size_t index) {
-    if (freeBytes > totalPooled / 4) flush();
+    // A flush walks every free block: the next one waits until a quarter of the pool more has
+    // been released, so that blocks of chunks that stay in use are not walked again and again.
+    if (freeBytes > totalPooled / 4 && freeBytes >= flushFloor) flush();
     void* memory = ::operator new(chunkBytes, std::align_val_t(chunkBytes), std::nothrow);
     if (memory == nullptr) {
         flush();
@@ -99,6 +101,7 @@ void _ePool::flush() {
         if (chunk->live == 0) freeChunk(chunk);
         chunk = next;
     }
+    flushFloor = freeBytes + totalPooled / 4;
     ++flushes;
 }
 

@@ -110,6 +110,8 @@ public:
     std::int64_t largeBytes;   // bytes live in blocks above the largest class
     std::int64_t freeBytes;    // bytes now waiting in the free lists
     std::int64_t flushes;      // times the lists were emptied
+    std::int64_t flushFloor;   // free bytes below which no flush runs again, however few
+                               // chunks the last one could give back
 
 private:
     void* allocateLarge(std::size_t size);
