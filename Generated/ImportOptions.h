@@ -1,4 +1,5 @@
-// `ImportOptions`: the settings of generated text. All generation reads one shared instance.
+// `ImportOptions`: the settings of generated text. Generation reads one shared instance with the
+// defaults, unless a host has given its importer settings of its own.
 #pragma once
 
 #include <cstdint>
@@ -10,13 +11,16 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule6, 0};
 
     ImportOptions() : lineWidth(100), indentText(L"\t"), commentPrefix(L"//") {}
+    // Settings chosen by a host; comments keep their prefix.
+    ImportOptions(std::int32_t lineWidth, const _eString& indentText, const _eString& filePrefix)
+        : lineWidth(lineWidth), indentText(indentText), commentPrefix(L"//"), filePrefix(filePrefix) {}
 
     bool equalFields(const ImportOptions& other) const {
         return lineWidth == other.lineWidth && indentText == other.indentText &&
                commentPrefix == other.commentPrefix && filePrefix == other.filePrefix;
     }
 
-    // The one instance that generation uses, with the defaults; nothing changes it.
+    // The instance with the defaults, shared by every importer that keeps them; nothing changes it.
     static const ImportOptions& defaults() {
         static const _eHndl<ImportOptions> shared(new ImportOptions());
         return *shared;

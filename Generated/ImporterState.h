@@ -18,4 +18,7 @@ struct XMLImporter::State {
     _eString parseDiagnostics;                  // report of the last parse
     bool classesAnywhere = false;               // the extension that finds classes off the path
     bool xmi2Models = false;                    // the extension that reads XMI 2 documents
+    _eHndl<ImportOptions> importOptions;        // a host's settings of generated text; null: the defaults
+    ProgressSink progressSink = nullptr;        // a host's display of progress; null: none
+    void* progressContext = nullptr;            // handed back to the sink
 };

@@ -30,6 +30,54 @@ void XMLImporter::readXmi2Models(bool xmi2) { state->xmi2Models = xmi2; }
 
 _eString XMLImporter::getParseDiagnostics() const { return state->parseDiagnostics; }
 
+namespace {
+
+bool isControl(wchar_t unit) { return unit < L' ' || unit == 127; }
+
+// Why settings of generated text can't be taken; empty when they can.
+_eString refusalOf(std::int32_t lineWidth, const _eString& indentText, const _eString& filePrefix) {
+    if (lineWidth < XMLImporter::minLineWidth || lineWidth > XMLImporter::maxLineWidth)
+        return L"the line width " + intToString(lineWidth) + L" is out of bounds: it must be from " +
+               intToString(XMLImporter::minLineWidth) + L" to " + intToString(XMLImporter::maxLineWidth);
+    if (indentText.isEmpty()) return L"the indentation is empty";
+    for (int i = 0; i < indentText.size(); ++i)
+        if (isControl(indentText.at(i)) && indentText.at(i) != L'\t')
+            return L"the indentation holds a line end or another control character";
+    for (int i = 0; i < filePrefix.size(); ++i) {
+        if (filePrefix.at(i) == L'/') return L"the file prefix holds a path separator";
+        if (isControl(filePrefix.at(i))) return L"the file prefix holds a control character";
+    }
+    return {};
+}
+
+}  // namespace
+
+bool XMLImporter::setImportOptions(std::int32_t lineWidth, _eString indentText, _eString filePrefix,
+                                   _eString* refusal) {
+    _eString reason = refusalOf(lineWidth, indentText, filePrefix);
+    if (refusal != nullptr) *refusal = reason;
+    if (!reason.isEmpty()) return false;
+    state->importOptions = new ImportOptions(lineWidth, indentText, filePrefix);
+    return true;
+}
+
+const ImportOptions& XMLImporter::importOptions() const {
+    return state->importOptions.isNull() ? ImportOptions::defaults() : *state->importOptions;
+}
+
+_eString XMLImporter::outputFilePath(_eString directory, _eString name) const {
+    if (state->environment.isNull()) return {};
+    FileName file(directory, name, L"tv", state->environment.get());
+    FileName target = TarvaneOutput::target(importOptions(), file, *state->environment);
+    if (!file.isValid() || !target.isValid()) return {};
+    return target.fullPathText();
+}
+
+void XMLImporter::reportProgress(ProgressSink sink, void* context) {
+    state->progressSink = sink;
+    state->progressContext = context;
+}
+
 const _eFullTypeInfo* XMLImporter::_aGetFullTypeInfo() const { return _aTypeRecord(); }
 
 _eHndl<_eInstblTypeInfo> XMLImporter::_aGetMyTypeInfo() const { return _aTypeRecord()->info; }
@@ -103,7 +151,8 @@ void XMLImporter::attemptParse(_eString fileName, _eString profileRequest, bool&
         if (!profile.isNull()) state->environment->startProfiler();
     }
     FileName file(fileName, state->environment.get());
-    parseFile(&file, false);
+    // The specified road never shows progress; a host's sink asks for it.
+    parseFile(&file, state->progressSink != nullptr);
     if (!profile.isNull()) {
         FileError::_eEnum ignored;
         state->environment->writeProfile(profile, ignored);
@@ -134,7 +183,8 @@ void XMLImporter::parseFile(const FileName* file, bool showProgress) {
                                   L" seconds\n";
         state->linesParsed += lexer->lineNumber();
         state->document = dynamic_cast<XMLDocument*>(parser->getResult().get());
-        if (!state->document.isNull()) state->document.uniquePointer()->chooseSearch(searchFor(*state->document->getRoot()));
+        if (!state->document.isNull())
+            state->document.uniquePointer()->chooseSearch(searchFor(*state->document->getRoot()));
         lexer->closeFile();
         addErrors(parser->getErrors());
     } else {
@@ -153,6 +203,13 @@ std::shared_ptr<const ClassSearch> XMLImporter::searchFor(const XMLElement& root
 }
 
 void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress) {
+    // Progress goes to the host's sink where there is one, else into the report.
+    auto show = [this](const _eString& entry) {
+        if (state->progressSink != nullptr)
+            state->progressSink(entry, state->progressContext);
+        else
+            state->parseDiagnostics = state->parseDiagnostics + entry;
+    };
     std::int32_t lastLine = 0;
     _eHndl<Terminal> token;
     while (!parser->isFinished()) {
@@ -160,12 +217,12 @@ void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& le
         lexer->nextToken(token);
         if (showProgress && token->getLocation()->getLine() != lastLine) {
             lastLine = token->getLocation()->getLine();
-            state->parseDiagnostics = state->parseDiagnostics + L"\rParsed line " + intToString(lastLine);
+            show(L"\rParsed line " + intToString(lastLine));
         }
         parser->offerToken(token);
         parser->takeRuns(*lexer, showProgress);
     }
-    if (showProgress) state->parseDiagnostics = state->parseDiagnostics + L"\n";
+    if (showProgress) show(L"\n");
 }
 
 const _eSet<_eString>& XMLImporter::classesToIgnore() {
@@ -220,14 +277,14 @@ void XMLImporter::generate(Generate run, bool& success) {
 
 void XMLImporter::generateClassFile(_eString directory, _eString className, bool& success) {
     generate([&](XMLDocument& doc, const FileName& source) {
-        doc.generateClassFile(className, directory, source, state->environment);
+        doc.generateClassFile(className, directory, source, state->environment, importOptions());
     }, success);
 }
 
 void XMLImporter::generateSingleFile(_eString directory, _eString fileName, _eSet<_eString> classNames, bool& success) {
     generate([&](XMLDocument& doc, const FileName& source) {
         FileName target(directory, fileName, L"tv", state->environment.get());
-        doc.generateSingleFile(target, classNames, source, state->environment);
+        doc.generateSingleFile(target, classNames, source, state->environment, importOptions());
     }, success);
 }
 

@@ -13,6 +13,7 @@
 #include "environment/Environment.h"
 
 class FileName;
+class ImportOptions;
 class XMLError;
 class XMLLex;
 class XMLParser;
@@ -64,6 +65,29 @@ public:
     // without it, along the path or anywhere as chosen.
     void readXmi2Models(bool xmi2);
 
+    // An extension beyond the specified behaviour, for hosts that choose how generated text is
+    // laid out: the generations that follow break lines beyond column `lineWidth` (from
+    // `minLineWidth` to `maxLineWidth`), indent by `indentText` (not empty; blanks, tabs and other
+    // visible characters, no line end) and put `filePrefix` (no path separator, no control
+    // character) before the name of every file they write. False, with the reason in `refusal`
+    // when one is given, and nothing changed, when a value is out of bounds. Without this call an
+    // importer keeps the defaults: width 100, one tab, no prefix.
+    static constexpr std::int32_t minLineWidth = 20;
+    static constexpr std::int32_t maxLineWidth = 10000;
+    bool setImportOptions(std::int32_t lineWidth, _eString indentText, _eString filePrefix,
+                          _eString* refusal = nullptr);
+    // Where `generateClassFile(directory, name)` or `generateSingleFile(directory, name, ...)`
+    // writes on this importer: `genFullFileNameString` with the importer's file prefix. Empty when
+    // no file of that name can be written.
+    _eString outputFilePath(_eString directory, _eString name) const;
+
+    // An extension beyond the specified behaviour, for hosts that show a parse as it goes: during
+    // the parses that follow, `sink` receives each progress entry ("\rParsed line N", on every
+    // new line of the input) as it comes, and the "\n" that closes them, together with `context`.
+    // The entries go to the sink instead of into the parse report. A null `sink` turns it off.
+    using ProgressSink = void (*)(const _eString& entry, void* context);
+    void reportProgress(ProgressSink sink, void* context);
+
     // Importers have no equality: this always raises.
     bool operator==(const XMLImporter& other) const;
 
@@ -98,6 +122,8 @@ private:
     // How the classes of the parsed document of root `root` are found and read.
     std::shared_ptr<const ClassSearch> searchFor(const XMLElement& root) const;
     static const _eSet<_eString>& classesToIgnore();
+    // The settings of generated text: the host's, else the shared defaults.
+    const ImportOptions& importOptions() const;
     // Runs one generation on the document and takes its errors over.
     template <class Generate>
     void generate(Generate run, bool& success);

@@ -1,12 +1,21 @@
 // modelbridge-gen: reads an XMI model and writes Tarvane class declarations, one file per
 // class or one file for a chosen set. A host of the library like any other: it uses the public
 // headers and the exported interface only.
+//
+// Standard output carries data only: the class names of --list, or the paths of the files
+// written, one per line. The parse report, progress and errors go to standard error.
+#include <unistd.h>
+
+#include <chrono>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <filesystem>
+#include <set>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "Generated/XMLImporter.h"
@@ -14,29 +23,45 @@
 namespace {
 
 const char* const usage =
-    "usage: modelbridge-gen MODEL [-o DIR] [--list] [--class NAME]... [--single FILE] [--anywhere] [--profile]\n"
+    "usage: modelbridge-gen MODEL [-o DIR] [--list] [--class NAME]... [--single FILE] [options]\n"
     "\n"
     "Reads the UML model in MODEL (XMI 1.x, or a UML 2 model saved as XMI 2.x) and writes\n"
-    "Tarvane class declarations.\n"
-    "  -o DIR         write the files into DIR (default: the current directory)\n"
-    "  --list         list the classes of the model and write nothing\n"
-    "  --class NAME   generate this class; may be given more than once (default: every class)\n"
-    "  --single FILE  write the chosen classes into one file FILE.tv instead of one file each\n"
-    "  --anywhere     find classes wherever UML tools put them (nested models, packages,\n"
-    "                 subsystems, classes, empty-element tags, unprefixed tags), not only on\n"
-    "                 the one path XMI 1.x specifies (XMI 1.x only; XMI 2.x models are\n"
-    "                 always searched throughout)\n"
-    "  --profile      ask the library for a processor-time profile of the parse\n"
-    "  --help         show this text\n"
-    "Exits with 0 when the parse and every generation succeeded, 1 when one failed, 2 on bad usage.\n";
+    "Tarvane class declarations. Standard output carries only the class names of --list or the\n"
+    "paths of the files written; the parse report and the errors go to standard error.\n"
+    "  -o DIR             write the files into DIR, made with its parents when missing\n"
+    "                     (default: the current directory)\n"
+    "  --list             list the classes of the model and write nothing\n"
+    "  --class NAME       generate this class; may be given more than once (default: every class)\n"
+    "  --single FILE      write the chosen classes into one file FILE.tv instead of one file each\n"
+    "  --anywhere         find classes wherever UML tools put them (nested models, packages,\n"
+    "                     subsystems, classes, empty-element tags, unprefixed tags), not only on\n"
+    "                     the one path XMI 1.x specifies (XMI 1.x only; XMI 2.x models are\n"
+    "                     always searched throughout)\n"
+    "  --line-width N     break generated lines beyond column N (20 to 10000; default 100)\n"
+    "  --indent TEXT      indent generated text by TEXT, where \\t stands for a tab and \\\\ for a\n"
+    "                     backslash (default: one tab)\n"
+    "  --file-prefix TEXT put TEXT before the name of every file written (default: none)\n"
+    "  -q, --quiet        leave out the parse report; errors are still shown\n"
+    "  --progress         show the line being parsed, when standard error is a terminal\n"
+    "  --profile          ask the library for a processor-time profile of the parse (profile.txt)\n"
+    "  --version          show the versions of this program and of the library\n"
+    "  --help             show this text\n"
+    "Exit status:\n"
+    "  0  The model was parsed and every file asked for was written (or the classes were listed).\n"
+    "  1  The parse failed, a file could not be written, a class asked for does not exist, there\n"
+    "     was nothing to generate, or the output folder could not be made.\n"
+    "  2  Bad usage: an unknown option, a missing value, or a bad value (a line width out of\n"
+    "     bounds, an empty indentation, a file prefix with \"/\").\n";
+
+const char* const program = "modelbridge-gen";
 
 // Command-line text as the library's strings: the locale's multibyte form, else byte by byte.
-_eString toText(const char* bytes) {
-    std::vector<wchar_t> wide(std::strlen(bytes) + 1);
-    std::size_t n = std::mbstowcs(wide.data(), bytes, wide.size());
+_eString toText(const std::string& bytes) {
+    std::vector<wchar_t> wide(bytes.size() + 1);
+    std::size_t n = std::mbstowcs(wide.data(), bytes.c_str(), wide.size());
     if (n == static_cast<std::size_t>(-1)) {
         std::wstring units;
-        for (const char* p = bytes; *p != '\0'; ++p) units.push_back(wchar_t(static_cast<unsigned char>(*p)));
+        for (char c : bytes) units.push_back(wchar_t(static_cast<unsigned char>(c)));
         return _eString(std::wstring_view(units));
     }
     return _eString(std::wstring_view(wide.data(), n));
@@ -72,9 +97,40 @@ struct Options {
     bool list = false;
     bool profile = false;
     bool anywhere = false;
+    bool quiet = false;
+    bool progress = false;
     std::vector<std::string> classes;
     std::string single;
+    // The layout of generated text; the library's defaults unless one is given.
+    bool layoutChosen = false;
+    std::int32_t lineWidth = 100;
+    std::string indent = "\t";
+    std::string filePrefix;
 };
+
+// "\t" as a tab and "\\" as a backslash; any other backslash stays as it is.
+std::string unescape(const std::string& text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == 't' || text[i + 1] == '\\')) {
+            out.push_back(text[i + 1] == 't' ? '\t' : '\\');
+            ++i;
+        } else {
+            out.push_back(text[i]);
+        }
+    }
+    return out;
+}
+
+// A whole decimal number that fits a 32-bit width; false for anything else.
+bool readWidth(const char* text, std::int32_t& width) {
+    if (*text < '0' || *text > '9') return false;
+    char* end = nullptr;
+    long value = std::strtol(text, &end, 10);
+    if (*end != '\0' || value > 1'000'000'000) return false;
+    width = std::int32_t(value);
+    return true;
+}
 
 // Reads the arguments; false with a message on bad usage.
 bool readOptions(int argc, char** argv, Options& options) {
@@ -82,36 +138,56 @@ bool readOptions(int argc, char** argv, Options& options) {
         std::string arg = argv[i];
         auto value = [&](const char* option) -> const char* {
             if (i + 1 >= argc) {
-                std::fprintf(stderr, "modelbridge-gen: %s needs a value\n", option);
+                std::fprintf(stderr, "%s: %s needs a value\n", program, option);
                 return nullptr;
             }
             return argv[++i];
         };
+        auto takeText = [&](const char* option, std::string& into) {
+            const char* v = value(option);
+            if (v != nullptr) into = v;
+            return v != nullptr;
+        };
         if (arg == "-o") {
-            const char* v = value("-o");
-            if (v == nullptr) return false;
-            options.directory = v;
+            if (!takeText("-o", options.directory)) return false;
         } else if (arg == "--class") {
-            const char* v = value("--class");
-            if (v == nullptr) return false;
-            options.classes.push_back(v);
+            std::string name;
+            if (!takeText("--class", name)) return false;
+            options.classes.push_back(name);
         } else if (arg == "--single") {
-            const char* v = value("--single");
+            if (!takeText("--single", options.single)) return false;
+        } else if (arg == "--line-width") {
+            const char* v = value("--line-width");
             if (v == nullptr) return false;
-            options.single = v;
+            if (!readWidth(v, options.lineWidth)) {
+                std::fprintf(stderr, "%s: --line-width needs a whole number of columns, not '%s'\n", program, v);
+                return false;
+            }
+            options.layoutChosen = true;
+        } else if (arg == "--indent") {
+            if (!takeText("--indent", options.indent)) return false;
+            options.indent = unescape(options.indent);
+            options.layoutChosen = true;
+        } else if (arg == "--file-prefix") {
+            if (!takeText("--file-prefix", options.filePrefix)) return false;
+            options.layoutChosen = true;
         } else if (arg == "--list") {
             options.list = true;
         } else if (arg == "--anywhere") {
             options.anywhere = true;
         } else if (arg == "--profile") {
             options.profile = true;
+        } else if (arg == "-q" || arg == "--quiet") {
+            options.quiet = true;
+        } else if (arg == "--progress") {
+            options.progress = true;
         } else if (!arg.empty() && arg[0] == '-') {
-            std::fprintf(stderr, "modelbridge-gen: unknown option %s\n%s", arg.c_str(), usage);
+            std::fprintf(stderr, "%s: unknown option %s\n%s", program, arg.c_str(), usage);
             return false;
         } else if (options.model.empty()) {
             options.model = arg;
         } else {
-            std::fprintf(stderr, "modelbridge-gen: one model only\n%s", usage);
+            std::fprintf(stderr, "%s: one model only\n%s", program, usage);
             return false;
         }
     }
@@ -119,9 +195,51 @@ bool readOptions(int argc, char** argv, Options& options) {
         std::fprintf(stderr, "%s", usage);
         return false;
     }
+    if (options.directory.empty()) options.directory = ".";
     if (options.directory.back() != '/') options.directory += '/';
     return true;
 }
+
+// The four numbers of a version record, joined by dots.
+std::string versionText(const _eSeq<int>& version) {
+    std::string text;
+    for (int i = 0; i < version.size(); ++i) text += (i > 0 ? "." : "") + std::to_string(version.at(i));
+    return text;
+}
+
+void printVersion() {
+    _eHndl<Environment> environment(new Environment());
+    _eSeq<int> library = environment->moduleVersion(L"ModelBridge.dll");
+    std::printf("%s %s\n", program, MODELBRIDGE_GEN_VERSION);
+    if (library == _eSeq<int>{0, 0, 0, 0})
+        std::printf("libModelBridge: no version record found\n");
+    else
+        std::printf("libModelBridge %s\n", versionText(library).c_str());
+}
+
+// Shows the entries of parse progress on standard error, at most ten a second: a terminal
+// can't show more, and writing every line of a large model would cost more than parsing it.
+struct ProgressDisplay {
+    using Clock = std::chrono::steady_clock;
+    std::string pending;  // the newest entry, not yet shown
+    Clock::time_point shown;
+
+    static void show(const _eString& entry, void* context) {
+        auto& display = *static_cast<ProgressDisplay*>(context);
+        std::string text = toUtf8(entry);
+        if (text == "\n") {
+            std::fprintf(stderr, "%s\n", display.pending.c_str());
+            return;
+        }
+        display.pending = text;
+        Clock::time_point now = Clock::now();
+        if (now - display.shown < std::chrono::milliseconds(100)) return;
+        std::fprintf(stderr, "%s", text.c_str());
+        std::fflush(stderr);
+        display.pending.clear();
+        display.shown = now;
+    }
+};
 
 // The classes that the search of `--anywhere` finds in the model.
 int classesAnywhere(const Options& options, const Environment* environment) {
@@ -129,84 +247,140 @@ int classesAnywhere(const Options& options, const Environment* environment) {
     importer.findClassesAnywhere(true);
     importer.readXmi2Models(true);
     bool parsed = false;
-    importer.attemptParse(toText(options.model.c_str()), L"", parsed);
+    importer.attemptParse(toText(options.model), L"", parsed);
     return parsed ? importer.getClassList().size() : 0;
 }
 
-// Says why a model gives no class; false when the user asked for files that can't come.
-bool explainNoClass(const Options& options, const Environment* environment) {
+// Says why a model gives no class.
+void explainNoClass(const Options& options, const Environment* environment) {
     int elsewhere = options.anywhere ? 0 : classesAnywhere(options, environment);
     if (elsewhere == 0) {
-        std::fprintf(stderr, "modelbridge-gen: the model holds no class\n");
-        return true;
+        std::fprintf(stderr, "%s: the model holds no class\n", program);
+        return;
     }
     std::fprintf(stderr,
-                 "modelbridge-gen: no class stands on the path that XMI 1.x specifies, but %d stand elsewhere in "
-                 "the model; --anywhere finds them\n",
-                 elsewhere);
-    return options.list;
+                 "%s: no class stands on the path that XMI 1.x specifies, but %d stand elsewhere in the model; "
+                 "--anywhere finds them\n",
+                 program, elsewhere);
+}
+
+// The classes to generate: every class, or those asked for that the model has (each once, in
+// the order asked); the others are named on standard error.
+_eSeq<_eString> chosenClasses(const Options& options, const _eSeq<_eString>& all, bool& allFound) {
+    allFound = true;
+    if (options.classes.empty()) return all;
+    _eSet<_eString> known;
+    for (int i = 0; i < all.size(); ++i) known.add(all.at(i));
+    _eSeq<_eString> chosen;
+    std::set<std::string> seen;
+    for (const std::string& name : options.classes) {
+        if (!seen.insert(name).second) continue;
+        _eString text = toText(name);
+        if (known.contains(text)) {
+            chosen.pushBack(text);
+        } else {
+            std::fprintf(stderr, "%s: the model has no class '%s'\n", program, name.c_str());
+            allFound = false;
+        }
+    }
+    return chosen;
+}
+
+// Makes the output folder and its parents where they are missing.
+bool makeFolder(const std::string& directory) {
+    std::error_code error;
+    std::filesystem::create_directories(directory, error);
+    if (!error && std::filesystem::is_directory(directory, error)) return true;
+    std::string reason = error ? error.message() : "a file of that name is in the way";
+    std::fprintf(stderr, "%s: cannot make the output folder '%s': %s\n", program, directory.c_str(), reason.c_str());
+    return false;
+}
+
+// The number of distinct errors and warnings so far; a call that adds none has succeeded.
+int problems(const XMLImporter& importer) { return importer.numErrors() + importer.numWarnings(); }
+
+// Writes the chosen classes, one file each or all in one, and prints the path of each file
+// written; false when one failed.
+bool generate(XMLImporter& importer, const Options& options, const _eSeq<_eString>& classes) {
+    _eString directory = toText(options.directory);
+    bool allWritten = true;
+    auto written = [&](const _eString& name, int before) {
+        if (problems(importer) != before) {
+            allWritten = false;
+            return;
+        }
+        std::printf("%s\n", toUtf8(importer.outputFilePath(directory, name)).c_str());
+    };
+    bool ok = false;
+    if (!options.single.empty()) {
+        _eSet<_eString> chosen;
+        for (int i = 0; i < classes.size(); ++i) chosen.add(classes.at(i));
+        _eString file = toText(options.single);
+        int before = problems(importer);
+        importer.generateSingleFile(directory, file, chosen, ok);
+        written(file, before);
+    } else {
+        for (int i = 0; i < classes.size(); ++i) {
+            int before = problems(importer);
+            importer.generateClassFile(directory, classes.at(i), ok);
+            written(classes.at(i), before);
+        }
+    }
+    if (!allWritten) printLines(importer.getErrorList(true), stderr);
+    return allWritten;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     std::setlocale(LC_CTYPE, "");
-    for (int i = 1; i < argc; ++i)
+    for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) {
             std::printf("%s", usage);
             return 0;
         }
+        if (std::strcmp(argv[i], "--version") == 0) {
+            printVersion();
+            return 0;
+        }
+    }
     Options options;
     if (!readOptions(argc, argv, options)) return 2;
 
     _eHndl<Environment> environment(new Environment());
     XMLImporter importer(environment.get());
+    _eString refusal;
+    if (options.layoutChosen &&
+        !importer.setImportOptions(options.lineWidth, toText(options.indent), toText(options.filePrefix), &refusal)) {
+        std::fprintf(stderr, "%s: %s\n", program, toUtf8(refusal).c_str());
+        return 2;
+    }
     importer.findClassesAnywhere(options.anywhere);
     importer.readXmi2Models(true);
+    ProgressDisplay display;
+    if (options.progress && isatty(STDERR_FILENO)) importer.reportProgress(&ProgressDisplay::show, &display);
+
     bool parsed = false;
-    importer.attemptParse(toText(options.model.c_str()), options.profile ? L"profile" : L"", parsed);
-    std::printf("%s", toUtf8(importer.getParseDiagnostics()).c_str());
-    if (!importer.getParseDiagnostics().isEmpty() && toWString(importer.getParseDiagnostics()).back() != L'\n')
-        std::printf("\n");
+    importer.attemptParse(toText(options.model), options.profile ? L"profile" : L"", parsed);
+    std::string report = toUtf8(importer.getParseDiagnostics());
+    if (!options.quiet && !report.empty())
+        std::fprintf(stderr, "%s%s", report.c_str(), report.back() == '\n' ? "" : "\n");
     printLines(importer.getErrorList(true), stderr);
     if (!parsed) return 1;
-    if (importer.getClassList().isEmpty() && !explainNoClass(options, environment.get())) return 1;
 
-    _eSeq<_eString> classes;
-    if (options.classes.empty())
-        classes = importer.getClassList();
-    else
-        for (const std::string& name : options.classes) classes.pushBack(toText(name.c_str()));
+    _eSeq<_eString> all = importer.getClassList();
+    if (all.isEmpty()) explainNoClass(options, environment.get());
     if (options.list) {
-        printLines(importer.getClassList(), stdout);
+        printLines(all, stdout);
         return 0;
     }
-
-    _eString directory = toText(options.directory.c_str());
-    bool allWritten = true;
-    if (!options.single.empty()) {
-        _eSet<_eString> chosen;
-        for (int i = 0; i < classes.size(); ++i) chosen.add(classes.at(i));
-        _eString file = toText(options.single.c_str());
-        bool ok = false;
-        importer.generateSingleFile(directory, file, chosen, ok);
-        allWritten = ok;
-        if (ok)
-            std::printf("wrote %s\n",
-                        toUtf8(XMLImporter::genFullFileNameString(directory, file, environment.get())).c_str());
-    } else {
-        for (int i = 0; i < classes.size(); ++i) {
-            bool ok = false;
-            importer.generateClassFile(directory, classes.at(i), ok);
-            if (ok)
-                std::printf("wrote %s\n",
-                            toUtf8(XMLImporter::genFullFileNameString(directory, classes.at(i), environment.get())).c_str());
-            allWritten = allWritten && ok;
-        }
-    }
-    if (!allWritten) {
-        printLines(importer.getErrorList(true), stderr);
+    bool allFound = true;
+    _eSeq<_eString> classes = chosenClasses(options, all, allFound);
+    if (classes.isEmpty()) {
+        std::fprintf(stderr, "%s: nothing to generate\n", program);
         return 1;
     }
-    return 0;
+    if (!makeFolder(options.directory)) return 1;
+    bool allWritten = generate(importer, options, classes);
+    return allWritten && allFound ? 0 : 1;
 }

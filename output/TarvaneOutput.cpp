@@ -61,12 +61,16 @@ _eString TarvaneOutput::header(const FileName& file, const FileName& sourceFile,
            timeText(*environment.currentTime()) + L"\n" + line + L"\n" + L"\n";
 }
 
+FileName TarvaneOutput::target(const ImportOptions& options, const FileName& file, const Environment& environment) {
+    return FileName(file.getDirectory(), options.getFilePrefix() + file.getName() + L"." + file.getExtension(), L"tv",
+                    &environment);
+}
+
 void TarvaneOutput::writeFile(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
                               const _eHndl<const Environment>& environment, XMLErrors& errors) const {
     _eString head = header(file, sourceFile, *environment);
     const _eString footer = L"\n\n// End of file.\n";
-    FileName target(file.getDirectory(), options.getFilePrefix() + file.getName() + L"." + file.getExtension(), L"tv",
-                    environment.get());
+    FileName target = TarvaneOutput::target(options, file, *environment);
     errors = XMLErrors();
     if (!file.isValid() || !target.isValid()) {
         addError(errors, Location::nowhere(), XMLErrorType::fileName, {file.getName() + L".tv"});

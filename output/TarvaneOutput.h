@@ -31,6 +31,9 @@ public:
     void writeFile(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
                    const _eHndl<const Environment>& environment, XMLErrors& errors) const;
 
+    // The file that `writeFile` writes for `file`: in its directory, the options' prefix before
+    // its name, with the extension "tv".
+    static FileName target(const ImportOptions& options, const FileName& file, const Environment& environment);
     // The seven header lines.
     static _eString header(const FileName& file, const FileName& sourceFile, const Environment& environment);
     // "6.01.02" from the library's four version numbers: at least two, zero-padded after the first.

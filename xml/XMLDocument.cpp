@@ -23,25 +23,26 @@ _eHndl<Context> XMLDocument::generationContext() const {
 }
 
 void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
-                        const _eHndl<const Environment>& environment) {
+                        const _eHndl<const Environment>& environment, const ImportOptions& options) {
     XMLErrors errors;
-    output.writeFile(ImportOptions::defaults(), file, sourceFile, environment, errors);
+    output.writeFile(options, file, sourceFile, environment, errors);
     addErrors(errors);
 }
 
 void XMLDocument::generateClassFile(const _eString& className, const _eString& outputDirectory,
-                                    const FileName& sourceFile, const _eHndl<const Environment>& environment) {
+                                    const FileName& sourceFile, const _eHndl<const Environment>& environment,
+                                    const ImportOptions& options) {
     if (!rootIsXMI()) return;
     _eHndl<Context> context = generationContext();
     auto [index, end] = classes.lookup(className);
     _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
     if (index != end) output = search->declaration(*classes.at(index).second, context);
-    write(*output, FileName(outputDirectory, className, L"tv", environment.get()), sourceFile, environment);
+    write(*output, FileName(outputDirectory, className, L"tv", environment.get()), sourceFile, environment, options);
 }
 
 void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
-                                     const _eHndl<const Environment>& environment) {
+                                     const _eHndl<const Environment>& environment, const ImportOptions& options) {
     if (!rootIsXMI()) return;
     _eHndl<Context> context = generationContext();
-    write(*search->declarations(*root, classNames, context), targetFile, sourceFile, environment);
+    write(*search->declarations(*root, classNames, context), targetFile, sourceFile, environment, options);
 }

@@ -17,12 +17,13 @@ public:
                classes == other.classes;
     }
 
-    // Writes the file of one class into `outputDirectory`.
+    // Writes the file of one class into `outputDirectory`, laid out by `options`.
     virtual void generateClassFile(const _eString& className, const _eString& outputDirectory,
-                                   const FileName& sourceFile, const _eHndl<const Environment>& environment);
+                                   const FileName& sourceFile, const _eHndl<const Environment>& environment,
+                                   const ImportOptions& options);
     // Writes one file with the chosen classes, in document order.
     virtual void generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
-                                    const _eHndl<const Environment>& environment);
+                                    const _eHndl<const Environment>& environment, const ImportOptions& options);
     // Builds the class map, with the classes that the chosen search finds; the dictionary follows
     // when it is first asked for.
     virtual void analyse();
@@ -41,7 +42,7 @@ private:
     // A fresh context on the dictionary; on the empty one before `analyse`.
     _eHndl<Context> generationContext() const;
     void write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
-               const _eHndl<const Environment>& environment);
+               const _eHndl<const Environment>& environment, const ImportOptions& options);
 
     _eFrom<XMLElement> root;
     bool analysed = false;

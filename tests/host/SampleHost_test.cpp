@@ -1,6 +1,8 @@
-// The sample host, run as a user runs it.
+// The sample host, run as a user runs it: exit codes, what goes to which stream, the files and
+// folders it makes.
 #include <gtest/gtest.h>
 
+#include <pty.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,29 +10,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <map>
+#include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
-
-struct HostRun {
-    int status;
-    std::string output;  // standard output and error together
-};
-
-HostRun run(const std::string& arguments) {
-    std::string command = std::string(MODELBRIDGE_GEN_PATH) + " " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    HostRun result{-1, {}};
-    if (pipe == nullptr) return result;
-    char buffer[4096];
-    while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) result.output += buffer;
-    int status = pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return result;
-}
-
-std::string models(const std::string& name) { return std::string(MODELBRIDGE_MODELS_DIR) + "/" + name; }
 
 std::string slurp(const std::string& path) {
     std::ifstream in(path);
@@ -38,6 +24,14 @@ std::string slurp(const std::string& path) {
     s << in.rdbuf();
     return s.str();
 }
+
+std::string models(const std::string& name) { return std::string(MODELBRIDGE_MODELS_DIR) + "/" + name; }
+
+struct HostRun {
+    int status;
+    std::string out;  // standard output
+    std::string err;  // standard error
+};
 
 class SampleHost : public testing::Test {
 protected:
@@ -47,94 +41,276 @@ protected:
         dir = pattern;
     }
     void TearDown() override { std::system(("rm -rf " + dir).c_str()); }
+
+    // Runs the host with the two streams caught apart (in files beside the test's folder).
+    HostRun run(const std::string& arguments) const {
+        std::string out = dir + ".out", err = dir + ".err";
+        std::string command = std::string(MODELBRIDGE_GEN_PATH) + " " + arguments + " >" + out + " 2>" + err;
+        int status = std::system(command.c_str());
+        HostRun result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, slurp(out), slurp(err)};
+        std::remove(out.c_str());
+        std::remove(err.c_str());
+        return result;
+    }
+
     std::string dir;
 };
 
+bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
 }  // namespace
 
-TEST_F(SampleHost, GeneratesEveryClassOfBothExampleModels) {
+// Standard output carries only data, the report and errors go to standard error, and -q drops
+// the report alone.
+TEST_F(SampleHost, DataOnStandardOutputTheReportAndErrorsOnStandardError) {
     HostRun bank = run(models("bank.xmi") + " -o " + dir);
-    EXPECT_EQ(bank.status, 0) << bank.output;
-    EXPECT_NE(bank.output.find("Parsed 116 lines from file 'bank.xmi'"), std::string::npos) << bank.output;
-    EXPECT_NE(bank.output.find("wrote " + dir + "/SavingsAccount.tv"), std::string::npos) << bank.output;
+    EXPECT_EQ(bank.status, 0) << bank.err;
+    EXPECT_EQ(bank.out, dir + "/Account.tv\n" + dir + "/Customer.tv\n" + dir + "/SavingsAccount.tv\n");
+    EXPECT_EQ(bank.err.rfind("Parsed 116 lines from file 'bank.xmi' in ", 0), 0u) << bank.err;
     std::string savings = slurp(dir + "/SavingsAccount.tv");
-    EXPECT_NE(savings.find("final class SavingsAccount ^= inherits Account\n"), std::string::npos) << savings;
+    EXPECT_TRUE(contains(savings, "final class SavingsAccount ^= inherits Account\n")) << savings;
     std::string customer = slurp(dir + "/Customer.tv");
-    EXPECT_NE(customer.find("\tvar accounts: those x: set of ref from Account :- # x >= 1;\n"), std::string::npos)
-        << customer;
+    EXPECT_TRUE(contains(customer, "\tvar accounts: those x: set of ref from Account :- # x >= 1;\n")) << customer;
 
     HostRun list = run(models("ledger-long.xmi") + " --list");
     EXPECT_EQ(list.status, 0);
-    EXPECT_NE(list.output.find("\nEntry\nJournal\n"), std::string::npos) << list.output;
+    EXPECT_EQ(list.out, "Entry\nJournal\n");
+    EXPECT_TRUE(contains(list.err, "Parsed ")) << list.err;
+    HostRun quiet = run(models("ledger-long.xmi") + " --list -q");
+    EXPECT_EQ(quiet.out, list.out);
+    EXPECT_EQ(quiet.err, "");
 
-    HostRun single = run(models("ledger-long.xmi") + " -o " + dir + " --single ledger --class Journal");
-    EXPECT_EQ(single.status, 0) << single.output;
+    HostRun single = run(models("ledger-long.xmi") + " -o " + dir + " --single ledger --class Journal --quiet");
+    EXPECT_EQ(single.status, 0) << single.err;
+    EXPECT_EQ(single.out, dir + "/ledger.tv\n");
     std::string ledger = slurp(dir + "/ledger.tv");
-    EXPECT_NE(ledger.find("class Journal ^=\nabstract\n\tvar entries: set of Entry;\nconfined\n"), std::string::npos)
-        << ledger;
-    EXPECT_EQ(ledger.find("class Entry"), std::string::npos);
-}
+    EXPECT_TRUE(contains(ledger, "class Journal ^=\nabstract\n\tvar entries: set of Entry;\nconfined\n")) << ledger;
+    EXPECT_FALSE(contains(ledger, "class Entry"));
 
-// A UML 2 model saved as XMI 2.x is read without asking.
-TEST_F(SampleHost, ReadsXmi2Models) {
-    std::string model = std::string(MODELBRIDGE_PROJECT_DIR) + "/tests/data/xmi2/shop-papyrus.uml";
-    HostRun uml2 = run(model + " -o " + dir);
-    EXPECT_EQ(uml2.status, 0) << uml2.output;
-    EXPECT_NE(uml2.output.find("wrote " + dir + "/Special.tv"), std::string::npos) << uml2.output;
-    EXPECT_NE(slurp(dir + "/Book.tv").find("\nfinal class Book ^= inherits Item\n"), std::string::npos);
-}
-
-TEST_F(SampleHost, FailuresAreReportedWithAnExitCode) {
-    HostRun missing = run(dir + "/none.xmi -o " + dir);
-    EXPECT_EQ(missing.status, 1);
-    EXPECT_NE(missing.output.find("Failed to open '" + dir + "/none.xmi' for parsing!"), std::string::npos)
-        << missing.output;
+    // A UML 2 model saved as XMI 2.x is read without asking.
+    HostRun uml2 = run(std::string(MODELBRIDGE_PROJECT_DIR) + "/tests/data/xmi2/shop-papyrus.uml -q -o " + dir);
+    EXPECT_EQ(uml2.status, 0) << uml2.err;
+    EXPECT_TRUE(contains(uml2.out, dir + "/Special.tv\n")) << uml2.out;
+    EXPECT_TRUE(contains(slurp(dir + "/Book.tv"), "\nfinal class Book ^= inherits Item\n"));
 
     std::ofstream(dir + "/bad.xmi") << "<XMI>\n<a b=c/>\n</XMI>\n";
-    HostRun bad = run(dir + "/bad.xmi -o " + dir);
+    HostRun bad = run(dir + "/bad.xmi -q -o " + dir);
     EXPECT_EQ(bad.status, 1);
-    EXPECT_NE(bad.output.find("bad.xmi (2,6): Fatal error! Syntax error at ''c''."), std::string::npos) << bad.output;
-
-    HostRun nowhere = run(models("bank.xmi") + " -o " + dir + "/no/such/dir");
-    EXPECT_EQ(nowhere.status, 1);
-    EXPECT_NE(nowhere.output.find("Unable to open file '" + dir + "/no/such/dir/Account.tv' for 'write' access."),
-              std::string::npos)
-        << nowhere.output;
-
-    EXPECT_EQ(run("").status, 2);
-    HostRun help = run("--help");
-    EXPECT_EQ(help.status, 0);
-    EXPECT_NE(help.output.find("usage: modelbridge-gen MODEL "), std::string::npos);
+    EXPECT_EQ(bad.out, "");
+    EXPECT_EQ(bad.err, "bad.xmi (2,6): Fatal error! Syntax error at ''c''.\n");
+    HostRun missing = run(dir + "/none.xmi");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_TRUE(contains(missing.err, "Failed to open '" + dir + "/none.xmi' for parsing!")) << missing.err;
 }
 
-// A model whose classes stand off the specified path: the host names the option that finds
-// them and fails a generation; with the option it writes them. A model without any class says so.
-TEST_F(SampleHost, ClassesOffThePathAndModelsWithoutClasses) {
+// The output folder is made with its parents; what can't be made, or nothing to generate, ends
+// with one line on standard error and exit 1, and no empty file is written.
+TEST_F(SampleHost, FoldersAreMadeAndRunsThatWriteNothingFail) {
+    HostRun nested = run(models("bank.xmi") + " -q -o " + dir + "/new/deep --class Account");
+    EXPECT_EQ(nested.status, 0) << nested.err;
+    EXPECT_EQ(nested.out, dir + "/new/deep/Account.tv\n");
+    EXPECT_TRUE(contains(slurp(dir + "/new/deep/Account.tv"), "// End of file.\n"));
+
+    std::ofstream(dir + "/plain") << "a file\n";
+    HostRun blocked = run(models("bank.xmi") + " -q -o " + dir + "/plain/sub");
+    EXPECT_EQ(blocked.status, 1);
+    EXPECT_EQ(blocked.out, "");
+    EXPECT_EQ(blocked.err,
+              "modelbridge-gen: cannot make the output folder '" + dir + "/plain/sub/': Not a directory\n");
+
+    HostRun someMissing = run(models("bank.xmi") + " -q -o " + dir + " --class Nope --class Customer --class Nope");
+    EXPECT_EQ(someMissing.status, 1);
+    EXPECT_EQ(someMissing.out, dir + "/Customer.tv\n");
+    EXPECT_EQ(someMissing.err, "modelbridge-gen: the model has no class 'Nope'\n");
+    HostRun noneFound = run(models("bank.xmi") + " -q -o " + dir + "/none --class Nope --single all");
+    EXPECT_EQ(noneFound.status, 1);
+    EXPECT_EQ(noneFound.err, "modelbridge-gen: the model has no class 'Nope'\nmodelbridge-gen: nothing to generate\n");
+    struct stat info;
+    EXPECT_NE(stat((dir + "/none").c_str(), &info), 0);  // no folder for nothing
+    EXPECT_NE(stat((dir + "/Nope.tv").c_str(), &info), 0);
+
+    // Classes off the specified path: the host names the option that finds them.
     std::ofstream(dir + "/nested.xmi") << "<XMI><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
                                           "<UML:Model xmi.id='v' name='Logical View'><UML:Namespace.ownedElement>"
                                           "<UML:Class xmi.id='a' name='Alpha'/><UML:Class xmi.id='b' name='Beta'/>"
                                           "</UML:Namespace.ownedElement></UML:Model>"
                                           "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n";
-    HostRun plain = run(dir + "/nested.xmi -o " + dir);
+    const std::string offPath =
+        "modelbridge-gen: no class stands on the path that XMI 1.x specifies, but 2 stand "
+        "elsewhere in the model; --anywhere finds them\n";
+    HostRun plain = run(dir + "/nested.xmi -q -o " + dir);
     EXPECT_EQ(plain.status, 1);
-    EXPECT_NE(plain.output.find("no class stands on the path that XMI 1.x specifies, but 2 stand elsewhere in the "
-                                "model; --anywhere finds them"),
-              std::string::npos)
-        << plain.output;
-    HostRun listed = run(dir + "/nested.xmi --list");
-    EXPECT_EQ(listed.status, 0) << listed.output;
-    EXPECT_NE(listed.output.find("--anywhere finds them"), std::string::npos) << listed.output;
-
-    HostRun anywhere = run(dir + "/nested.xmi --anywhere -o " + dir);
-    EXPECT_EQ(anywhere.status, 0) << anywhere.output;
-    EXPECT_NE(anywhere.output.find("wrote " + dir + "/Alpha.tv\nwrote " + dir + "/Beta.tv"), std::string::npos)
-        << anywhere.output;
-    EXPECT_NE(slurp(dir + "/Beta.tv").find("\nclass Beta ^=\ninterface\nend;\n"), std::string::npos);
+    EXPECT_EQ(plain.err, offPath + "modelbridge-gen: nothing to generate\n");
+    HostRun listed = run(dir + "/nested.xmi -q --list");
+    EXPECT_EQ(listed.status, 0);
+    EXPECT_EQ(listed.out, "");
+    EXPECT_EQ(listed.err, offPath);
+    HostRun anywhere = run(dir + "/nested.xmi --anywhere -q -o " + dir);
+    EXPECT_EQ(anywhere.status, 0) << anywhere.err;
+    EXPECT_EQ(anywhere.out, dir + "/Alpha.tv\n" + dir + "/Beta.tv\n");
+    EXPECT_TRUE(contains(slurp(dir + "/Beta.tv"), "\nclass Beta ^=\ninterface\nend;\n"));
 
     std::ofstream(dir + "/empty.xmi") << "<XMI><XMI.content></XMI.content></XMI>\n";
     for (const char* option : {"", " --anywhere"}) {
-        HostRun empty = run(dir + "/empty.xmi -o " + dir + option);
-        EXPECT_EQ(empty.status, 0) << empty.output;
-        EXPECT_NE(empty.output.find("modelbridge-gen: the model holds no class"), std::string::npos) << empty.output;
+        HostRun empty = run(dir + "/empty.xmi -q -o " + dir + option);
+        EXPECT_EQ(empty.status, 1);
+        EXPECT_EQ(empty.err, "modelbridge-gen: the model holds no class\nmodelbridge-gen: nothing to generate\n");
     }
+}
+
+// Formatting options reach the generated text; bad values and bad usage end with exit 2 before
+// anything is read or written.
+TEST_F(SampleHost, FormattingOptionsAndRefusedValues) {
+    HostRun laidOut = run(models("bank.xmi") + " -q -o " + dir +
+                          " --class Customer --line-width 30 --indent '\\t.' --file-prefix tv_");
+    EXPECT_EQ(laidOut.status, 0) << laidOut.err;
+    EXPECT_EQ(laidOut.out, dir + "/tv_Customer.tv\n");
+    std::string customer = slurp(dir + "/tv_Customer.tv");
+    EXPECT_TRUE(contains(customer, "\n\t.var accounts: those x: set\n\t.\t.of ref from Account :- # x\n\t.\t.>= 1;\n"))
+        << customer;
+
+    struct Refused {
+        const char* arguments;
+        const char* message;
+    };
+    const Refused refused[] = {
+        {"--line-width 19", "modelbridge-gen: the line width 19 is out of bounds: it must be from 20 to 10000\n"},
+        {"--line-width 10001", "modelbridge-gen: the line width 10001 is out of bounds: it must be from 20 to 10000\n"},
+        {"--line-width -5", "modelbridge-gen: --line-width needs a whole number of columns, not '-5'\n"},
+        {"--line-width 99999999999",
+         "modelbridge-gen: --line-width needs a whole number of columns, not '99999999999'\n"},
+        {"--indent ''", "modelbridge-gen: the indentation is empty\n"},
+        {"--file-prefix a/", "modelbridge-gen: the file prefix holds a path separator\n"},
+        {"--indent", "modelbridge-gen: --indent needs a value\n"},
+    };
+    for (const Refused& row : refused) {
+        HostRun result = run(models("bank.xmi") + " -o " + dir + "/refused " + row.arguments);
+        EXPECT_EQ(result.status, 2) << row.arguments;
+        EXPECT_EQ(result.err, row.message) << row.arguments;
+        EXPECT_EQ(result.out, "") << row.arguments;
+    }
+    struct stat info;
+    EXPECT_NE(stat((dir + "/refused").c_str(), &info), 0);
+    EXPECT_EQ(run("").status, 2);
+    EXPECT_EQ(run(models("bank.xmi") + " --unknown").status, 2);
+}
+
+TEST_F(SampleHost, VersionsOfTheHostAndOfTheLibrary) {
+    std::string version = std::to_string(MODELBRIDGE_TEST_VERSION_0) + "." +
+                          std::to_string(MODELBRIDGE_TEST_VERSION_1) + "." +
+                          std::to_string(MODELBRIDGE_TEST_VERSION_2) + "." + std::to_string(MODELBRIDGE_TEST_VERSION_3);
+    HostRun shown = run("--version");
+    EXPECT_EQ(shown.status, 0);
+    EXPECT_EQ(shown.out, "modelbridge-gen " + version + "\nlibModelBridge " + version + "\n");
+}
+
+// Progress is shown on a terminal and never in a pipe.
+TEST_F(SampleHost, ProgressOnlyOnATerminal) {
+    HostRun piped = run(models("bank.xmi") + " --progress --list");
+    EXPECT_EQ(piped.status, 0);
+    EXPECT_FALSE(contains(piped.err, "Parsed line")) << piped.err;
+
+    int terminal = -1;
+    pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    ASSERT_NE(child, -1);
+    if (child == 0) {
+        std::string model = models("bank.xmi");
+        execl(MODELBRIDGE_GEN_PATH, MODELBRIDGE_GEN_PATH, model.c_str(), "--progress", "--list", "-q",
+              static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    std::string seen;
+    char buffer[4096];
+    for (ssize_t n; (n = read(terminal, buffer, sizeof buffer)) > 0;) seen.append(buffer, std::size_t(n));
+    close(terminal);
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_TRUE(contains(seen, "\rParsed line 1")) << seen;
+    EXPECT_TRUE(contains(seen, "\rParsed line 116\r\nAccount\r\n")) << seen;
+}
+
+namespace {
+
+// The text after each exit code ("0", "1", "2") of a listing, its white space made single blanks.
+std::map<std::string, std::string> exitCodes(const std::vector<std::pair<std::string, std::string>>& entries) {
+    std::map<std::string, std::string> codes;
+    for (const auto& [code, text] : entries) {
+        std::istringstream words(text);
+        std::string word, joined;
+        while (words >> word) joined += (joined.empty() ? "" : " ") + word;
+        codes[code] = joined;
+    }
+    return codes;
+}
+
+// The options and exit codes of --help: option lines start with two blanks and a dash; exit
+// codes with two blanks, a digit and two blanks, and may go on over lines indented by five.
+void readHelp(const std::string& help, std::set<std::string>& options,
+              std::vector<std::pair<std::string, std::string>>& codes) {
+    std::istringstream lines(help);
+    bool inCodes = false;
+    for (std::string line; std::getline(lines, line);) {
+        if (line == "Exit status:") inCodes = true;
+        if (!inCodes && line.rfind("  -", 0) == 0) {
+            std::istringstream words(line);
+            for (std::string word; words >> word && word[0] == '-';)
+                options.insert(word.back() == ',' ? word.substr(0, word.size() - 1) : word);
+        } else if (inCodes && line.size() > 4 && line[2] >= '0' && line[2] <= '9') {
+            codes.push_back({line.substr(2, 1), line.substr(5)});
+        } else if (inCodes && line.rfind("     ", 0) == 0 && !codes.empty()) {
+            codes.back().second += " " + line;
+        }
+    }
+}
+
+// The same of the manual page: the option words of each tagged paragraph under OPTIONS, and the
+// paragraphs under EXIT STATUS.
+void readManual(const std::string& page, std::set<std::string>& options,
+                std::vector<std::pair<std::string, std::string>>& codes) {
+    std::istringstream lines(page);
+    std::string section, previous;
+    for (std::string line; std::getline(lines, line); previous = line) {
+        if (line.rfind(".SH ", 0) == 0) section = line.substr(4);
+        if (previous != ".TP") {
+            if (section == "EXIT STATUS" && !codes.empty() && line[0] != '.') codes.back().second += " " + line;
+            continue;
+        }
+        if (section == "EXIT STATUS") codes.push_back({line.substr(3), ""});
+        if (section != "OPTIONS") continue;
+        std::string plain;
+        for (std::size_t i = 0; i < line.size(); ++i)
+            if (!(line[i] == '\\' && i + 1 < line.size() && line[i + 1] == '-')) plain += line[i];
+        std::istringstream words(plain);
+        for (std::string word; words >> word;)
+            if (word[0] == '-') options.insert(word);
+    }
+}
+
+// The exit codes of the README's table of them: rows "| 0 | text |".
+std::vector<std::pair<std::string, std::string>> readmeCodes(const std::string& readme) {
+    std::vector<std::pair<std::string, std::string>> codes;
+    std::istringstream lines(readme);
+    for (std::string line; std::getline(lines, line);)
+        if (line.size() > 6 && line.rfind("| ", 0) == 0 && line[2] >= '0' && line[2] <= '9' && line[3] == ' ')
+            codes.push_back({line.substr(2, 1), line.substr(6, line.size() - 8)});
+    return codes;
+}
+
+}  // namespace
+
+// --help, the manual page and the README describe the same options and the same exit codes.
+TEST_F(SampleHost, HelpManualAndReadmeAgree) {
+    HostRun help = run("--help");
+    EXPECT_EQ(help.status, 0);
+    std::set<std::string> helpOptions, manualOptions;
+    std::vector<std::pair<std::string, std::string>> helpCodes, manualCodes;
+    readHelp(help.out, helpOptions, helpCodes);
+    readManual(slurp(std::string(MODELBRIDGE_PROJECT_DIR) + "/examples/modelbridge-gen.1.in"), manualOptions,
+               manualCodes);
+    EXPECT_EQ(helpOptions.size(), 14u);
+    EXPECT_EQ(helpOptions, manualOptions);
+    EXPECT_EQ(exitCodes(helpCodes).size(), 3u);
+    EXPECT_EQ(exitCodes(helpCodes), exitCodes(manualCodes));
+    EXPECT_EQ(exitCodes(helpCodes), exitCodes(readmeCodes(slurp(std::string(MODELBRIDGE_PROJECT_DIR) + "/README.md"))));
 }
