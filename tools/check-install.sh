@@ -8,16 +8,8 @@ build_dir=$1
 prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
 cmake --install "$build_dir" --prefix "$prefix" >/dev/null
-model="$root/examples/models/bank.xmi"
-expected=$'Account\nCustomer\nSavingsAccount'
-
-cmake -S "$root/tests/install" -B "$prefix/host-cmake" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
-cmake --build "$prefix/host-cmake" >/dev/null
-[ "$(LD_LIBRARY_PATH="$prefix/lib" "$prefix/host-cmake/host" "$model")" = "$expected" ]
-
-PKG_CONFIG_PATH="$prefix/lib/pkgconfig" c++ -o "$prefix/host-pkg" "$root/tests/install/host.cpp" \
-    $(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs modelbridge)
-[ "$(LD_LIBRARY_PATH="$prefix/lib" "$prefix/host-pkg" "$model")" = "$expected" ]
+. "$root/tools/outside-hosts.sh"
+check_outside_hosts "$prefix" "$prefix/lib" "$prefix"
 
 # The public header brings a host what it uses and none of the reader, the tree or the writer.
 internal=$(echo '#include "Generated/XMLImporter.h"' | c++ -std=c++20 -x c++ -fsyntax-only -H -I"$prefix/include/ModelBridge" - 2>&1 \
