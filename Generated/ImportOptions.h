@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "environment/Time.h"
 #include "runtime/Class.h"
 
 class ImportOptions : public _eClass<ImportOptions, _eAny> {
@@ -11,13 +12,19 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule6, 0};
 
     ImportOptions() : lineWidth(100), indentText(L"\t"), commentPrefix(L"//") {}
-    // Settings chosen by a host; comments keep their prefix.
-    ImportOptions(std::int32_t lineWidth, const _eString& indentText, const _eString& filePrefix)
-        : lineWidth(lineWidth), indentText(indentText), commentPrefix(L"//"), filePrefix(filePrefix) {}
+    // Settings chosen by a host; comments keep their prefix. A `fixedTime` stands in the header
+    // of every file in place of the clock's time.
+    ImportOptions(std::int32_t lineWidth, const _eString& indentText, const _eString& filePrefix,
+                  const _eHndl<Time>& fixedTime = {})
+        : lineWidth(lineWidth),
+          indentText(indentText),
+          commentPrefix(L"//"),
+          filePrefix(filePrefix),
+          fixedTime(fixedTime) {}
 
     bool equalFields(const ImportOptions& other) const {
         return lineWidth == other.lineWidth && indentText == other.indentText &&
-               commentPrefix == other.commentPrefix && filePrefix == other.filePrefix;
+               commentPrefix == other.commentPrefix && filePrefix == other.filePrefix && fixedTime == other.fixedTime;
     }
 
     // The instance with the defaults, shared by every importer that keeps them; nothing changes it.
@@ -30,10 +37,12 @@ public:
     const _eString& getIndentText() const { return indentText; }
     const _eString& getCommentPrefix() const { return commentPrefix; }
     const _eString& getFilePrefix() const { return filePrefix; }
+    const _eHndl<Time>& getFixedTime() const { return fixedTime; }
 
 private:
     std::int32_t lineWidth;  // the column beyond which a line is broken
     _eString indentText;     // one level of indentation
     _eString commentPrefix;  // a token that begins with it is a comment
     _eString filePrefix;     // put before the base name of each generated file
+    _eHndl<Time> fixedTime;  // the time that headers name; null: the clock's
 };

@@ -108,6 +108,7 @@ public:
 
 private:
     friend class XMLImporterInspector;  // the test suite's view of the private members
+    friend class ImporterAccess;        // the facade's view of them
 
     static const _eFullTypeInfo* _aTypeRecord();
 

@@ -1,6 +1,7 @@
 # The library's sources, by folder. The folders are fixed by the design, names included:
 # Generated/ holds the importer, the parser and its stack beside the emitted tables, though only
-# GrcParse is written by a program.
+# GrcParse is written by a program. facade/ holds the standard-typed C++ facade and the C API
+# whose headers are under include/modelbridge/.
 set(MODELBRIDGE_SOURCES
   runtime/Any.cpp
   runtime/Failure.cpp
@@ -14,6 +15,9 @@ set(MODELBRIDGE_SOURCES
   runtime/SystemModules.cpp
   runtime/TypeInfo.cpp
   runtime/UrelException.cpp
+  facade/LibraryLock.cpp
+  facade/Model.cpp
+  facade/CApi.cpp
   environment/DirectoryListings.cpp
   environment/Environment.cpp
   environment/FileName.cpp

@@ -29,6 +29,8 @@ FileError::_eEnum openFailure(int number) {
     }
 }
 
+}  // namespace
+
 _eHndl<Time> utcTime(std::time_t moment, bool& ok) {
     std::tm parts;
     ok = gmtime_r(&moment, &parts) != nullptr;
@@ -36,8 +38,6 @@ _eHndl<Time> utcTime(std::time_t moment, bool& ok) {
     return _eHndl<Time>(new Time(parts.tm_sec, parts.tm_min, parts.tm_hour, parts.tm_wday, parts.tm_mday,
                                  parts.tm_mon + 1, parts.tm_year + 1900));
 }
-
-}  // namespace
 
 FileError::_eEnum FileRef::readFailure() const {
     if (!std::ferror(stream)) return FileError::endOfFile;

@@ -20,14 +20,6 @@ void appendUtf8(std::string& out, std::uint32_t unit) {
     }
 }
 
-std::string toPlatformText(const _eString& text) {
-    std::string out;
-    out.reserve(std::size_t(text.size()));
-    _eSeqReader<wchar_t> reader(text);
-    for (int i = 0, n = text.size(); i < n; ++i) appendUtf8(out, std::uint32_t(reader.next()));
-    return out;
-}
-
 namespace {
 
 // The length of the valid UTF-8 sequence at `at`, or 0 if there is none.
@@ -57,19 +49,34 @@ std::size_t sequenceLength(std::string_view bytes, std::size_t at, std::uint32_t
 
 }  // namespace
 
-_eString fromPlatformText(std::string_view bytes) {
-    std::vector<wchar_t> units;
-    units.reserve(bytes.size());
-    for (std::size_t i = 0; i < bytes.size();) {
-        std::uint32_t unit = 0;
-        std::size_t length = static_cast<unsigned char>(bytes[i]) < 0x80 ? 0 : sequenceLength(bytes, i, unit);
+std::string toPlatformText(const _eString& text) {
+    std::wstring units = toWString(text);
+    // The units as bytes, where they are bytes (a unit above 255 never forms part of a sequence).
+    std::string bytes;
+    bytes.reserve(units.size());
+    for (wchar_t unit : units) bytes.push_back(std::uint32_t(unit) < 256 ? char(unit) : '\0');
+    std::string out;
+    out.reserve(units.size());
+    for (std::size_t i = 0; i < units.size();) {
+        std::uint32_t unit = std::uint32_t(units[i]);
+        std::uint32_t decoded = 0;
+        std::size_t length = unit >= 0x80 && unit < 256 ? sequenceLength(bytes, i, decoded) : 0;
+        for (std::size_t k = 1; k < length; ++k)
+            if (std::uint32_t(units[i + k]) >= 256) length = 0;
         if (length == 0) {
-            units.push_back(wchar_t(static_cast<unsigned char>(bytes[i])));
+            appendUtf8(out, unit);
             ++i;
         } else {
-            units.push_back(wchar_t(unit));
+            out.append(bytes, i, length);
             i += length;
         }
     }
+    return out;
+}
+
+_eString fromPlatformText(std::string_view bytes) {
+    std::vector<wchar_t> units;
+    units.reserve(bytes.size());
+    for (char byte : bytes) units.push_back(wchar_t(static_cast<unsigned char>(byte)));
     return _eString(int(units.size()), units.data());
 }

@@ -1,4 +1,5 @@
-// Text to and from the operating system: path names go out as UTF-8, one code point per unit.
+// Text to and from the operating system. Text from outside holds bytes, one unit per byte; text
+// goes out so that bytes stay bytes and every other character becomes UTF-8.
 #pragma once
 
 #include <string>
@@ -6,10 +7,12 @@
 
 #include "runtime/Seq.h"
 
-// Units up to 0x7F are one byte each; larger units take their UTF-8 sequence.
-std::string toPlatformText(const _eString& text);
-// Valid UTF-8 sequences become their code points; any other byte becomes the unit of its value.
-_eString fromPlatformText(std::string_view bytes);
+// A run of units from 128 to 255 that forms a valid UTF-8 sequence goes out as those bytes;
+// every other unit as its UTF-8 sequence. So a name read from a UTF-8 file keeps its bytes, and
+// a host's L"Kund\u00e9" becomes the UTF-8 "Kundé".
+MB_API std::string toPlatformText(const _eString& text);
+// Each byte becomes the unit of its value.
+MB_API _eString fromPlatformText(std::string_view bytes);
 // Appends the UTF-8 sequence of one unit.
 void appendUtf8(std::string& out, std::uint32_t unit);
 // Appends a unit of written text: up to 255 the byte of its value, above that its UTF-8 sequence.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 
 #include "runtime/Class.h"
 #include "runtime/Storable.h"
@@ -47,3 +48,6 @@ private:
     std::int32_t month = 0;    // 1 to 12
     std::int32_t year = 0;     // full year
 };
+
+// The UTC time of a moment of the system clock; `ok` is false where it has none.
+_eHndl<Time> utcTime(std::time_t moment, bool& ok);

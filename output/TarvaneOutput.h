@@ -2,6 +2,8 @@
 // new value. One of them is finally written to a file with a header and a footer.
 #pragma once
 
+#include <string>
+
 #include "Generated/XMLError.h"
 #include "output/TarvaneElements.h"
 
@@ -34,8 +36,15 @@ public:
     // The file that `writeFile` writes for `file`: in its directory, the options' prefix before
     // its name, with the extension "tv".
     static FileName target(const ImportOptions& options, const FileName& file, const Environment& environment);
-    // The seven header lines.
-    static _eString header(const FileName& file, const FileName& sourceFile, const Environment& environment);
+    // The text that `writeFile` writes, as bytes, without touching a file.
+    std::string render(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
+                       const Environment& environment) const;
+
+    // The seven header lines, naming `time`.
+    static _eString header(const FileName& file, const FileName& sourceFile, const Environment& environment,
+                           const Time& time);
+    // The options' fixed time, else the clock's.
+    static _eHndl<Time> generationTime(const ImportOptions& options, const Environment& environment);
     // "6.01.02" from the library's four version numbers: at least two, zero-padded after the first.
     static _eString versionText(const _eSeq<int>& version);
     // "13:05:09 on Wednesday November 18th 2026 UTC"
@@ -43,6 +52,7 @@ public:
     static _eString ordinalSuffix(int day);
 
 private:
+    static _eString footer() { return L"\n\n// End of file.\n"; }
     static _eHndl<TarvaneOutput> joined(const Tokens& tokens) { return _eHndl<TarvaneOutput>(new TarvaneOutput(tokens)); }
 
     _eHndl<TarvaneElements> elements;  // the tokens

@@ -40,6 +40,16 @@ void XMLDocument::generateClassFile(const _eString& className, const _eString& o
     write(*output, FileName(outputDirectory, className, L"tv", environment.get()), sourceFile, environment, options);
 }
 
+std::string XMLDocument::renderClassFile(const _eString& className, const _eString& outputDirectory,
+                                         const FileName& sourceFile, const Environment& environment,
+                                         const ImportOptions& options) const {
+    if (!search->readsDocument(*root)) return {};
+    auto [index, end] = classes.lookup(className);
+    _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
+    if (index != end) output = search->declaration(*classes.at(index).second, generationContext());
+    return output->render(options, FileName(outputDirectory, className, L"tv", &environment), sourceFile, environment);
+}
+
 void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                      const _eHndl<const Environment>& environment, const ImportOptions& options) {
     if (!rootIsXMI()) return;

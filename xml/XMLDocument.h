@@ -24,6 +24,10 @@ public:
     // Writes one file with the chosen classes, in document order.
     virtual void generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                     const _eHndl<const Environment>& environment, const ImportOptions& options);
+    // The text of the file of one class, as `generateClassFile` would write it into
+    // `outputDirectory`; empty when the search doesn't read the document.
+    std::string renderClassFile(const _eString& className, const _eString& outputDirectory, const FileName& sourceFile,
+                                const Environment& environment, const ImportOptions& options) const;
     // Builds the class map, with the classes that the chosen search finds; the dictionary follows
     // when it is first asked for.
     virtual void analyse();

@@ -128,6 +128,30 @@ TEST_F(EnvironmentFiles, WritesUnitsUpTo255AsBytesAndLargerAsUtf8) {
     EXPECT_EQ(dir.read("out.bin"), expected);
 }
 
+// Text to the operating system: runs of byte units that form UTF-8 stay those bytes, every
+// other unit becomes its UTF-8 sequence; bytes coming back are units of their value.
+TEST(PlatformText, BytesStayBytesAndOtherUnitsBecomeUtf8) {
+    struct Row {
+        std::wstring units;
+        std::string bytes;
+    };
+    const Row rows[] = {
+        {L"plain/a.tv", "plain/a.tv"},
+        {L"Kund\u00C3\u00A9", "Kund\xC3\xA9"},           // a UTF-8 name read from a file: not encoded twice
+        {L"Kund\u00E9", "Kund\xC3\xA9"},                  // a host's wide literal
+        {L"\u00C3", "\xC3\x83"},                           // a lead byte without its continuation
+        {L"\u00C3\u00A9\u00E9", "\xC3\xA9\xC3\xA9"},      // a sequence, then a lone byte
+        {L"\u00E2\u0082\u00AC\u20AC", "\xE2\x82\xAC\xE2\x82\xAC"},
+        {L"\u00C0\u0080", "\xC3\x80\xC2\x80"},             // an overlong form is no sequence
+        {L"\u00E2\u0082", "\xC3\xA2\xC2\x82"},             // a sequence cut short
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(toPlatformText(_eString(std::wstring_view(row.units))), row.bytes) << row.bytes;
+    }
+    EXPECT_EQ(toWString(fromPlatformText("Kund\xC3\xA9")), L"Kund\u00C3\u00A9");
+    EXPECT_EQ(toPlatformText(fromPlatformText("\xFF\xC3\xA9\x80")), "\xC3\xBF\xC3\xA9\xC2\x80");
+}
+
 TEST_F(EnvironmentFiles, ReadingAWriteOnlyFileIsAnAttributeError) {
     auto file = openOk("w.bin", Modes(Create));
     wchar_t unit;

@@ -1,0 +1,210 @@
+// The standard-typed facade over one importer of its own. Every call takes the library's one
+// lock: the pool, the handle counts and the caches are process-wide and unlocked, so one
+// thread at a time may be inside the library.
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <new>
+
+#include "environment/PlatformText.h"
+#include "facade/ImporterAccess.h"
+#include "facade/LibraryLock.h"
+#include "modelbridge/modelbridge.hpp"
+
+namespace modelbridge {
+
+namespace {
+
+Severity severityOf(ErrorSeverity::_eEnum severity) {
+    switch (severity) {
+        case ErrorSeverity::inform: return Severity::information;
+        case ErrorSeverity::warning: return Severity::warning;
+        case ErrorSeverity::serious: return Severity::error;
+        case ErrorSeverity::fatal: break;
+    }
+    return Severity::fatal;
+}
+
+Diagnostic diagnosticOf(const XMLError& error) {
+    Diagnostic diagnostic;
+    diagnostic.severity = severityOf(error.severity());
+    const Location& at = *error.getLocation();
+    if (!at.getFile().isNull()) diagnostic.file = toPlatformText(at.getFile()->fullPathText());
+    diagnostic.line = at.getLine();
+    diagnostic.column = at.getColumn();
+    diagnostic.message =
+        toPlatformText(error.fillTemplate(XMLError::messageTable().get(error.getKind())->getMessageTemplate()) + L".");
+    diagnostic.text = toPlatformText(error.text(true));
+    return diagnostic;
+}
+
+std::vector<Diagnostic> diagnosticsOf(const XMLErrors& errors) {
+    std::vector<Diagnostic> list;
+    for (int i = 0, n = errors.size(); i < n; ++i) list.push_back(diagnosticOf(*errors.at(i)));
+    return list;
+}
+
+// A diagnostic of the facade itself: no position, the message is the whole text.
+Diagnostic plain(const std::string& message) {
+    Diagnostic diagnostic;
+    diagnostic.message = message;
+    diagnostic.text = message;
+    return diagnostic;
+}
+
+Result refused(const std::vector<std::string>& messages) {
+    Result result;
+    for (const std::string& message : messages) result.diagnostics.push_back(plain(message));
+    return result;
+}
+
+// The time of SOURCE_DATE_EPOCH, or null when it isn't set to a whole number of seconds.
+_eHndl<Time> sourceDateEpoch() {
+    const char* text = std::getenv("SOURCE_DATE_EPOCH");
+    if (text == nullptr || *text < '0' || *text > '9') return {};
+    char* end = nullptr;
+    long long seconds = std::strtoll(text, &end, 10);
+    if (*end != '\0') return {};
+    bool ok = false;
+    _eHndl<Time> time = utcTime(std::time_t(seconds), ok);
+    return ok ? time : _eHndl<Time>();
+}
+
+// A directory as the importer takes it: with its separator, "." when empty.
+_eString directoryText(const std::filesystem::path& directory) {
+    std::string text = directory.empty() ? "." : directory.string();
+    if (text.back() != '/') text += '/';
+    return fromPlatformText(text);
+}
+
+const char* const internalFailure = "the library met a state it cannot be in; the model is not usable";
+
+}  // namespace
+
+struct Model::Impl {
+    _eHndl<Environment> environment{new Environment()};
+    XMLImporter importer{environment.get()};
+    bool parsed = false;
+    std::vector<std::string> classes;
+    std::map<std::string, _eString, std::less<>> names;  // each of `classes` to the model's own text
+    std::vector<Diagnostic> diagnostics;
+    std::string report;
+
+    // The model's text of a listed class name; null when the model has no such class.
+    const _eString* find(std::string_view name) const {
+        auto found = names.find(name);
+        return found == names.end() ? nullptr : &found->second;
+    }
+    void parse(const std::filesystem::path& file, const Options& options);
+    // Runs one generation and gives its own outcome.
+    template <class Generate>
+    Result generate(Generate run);
+};
+
+void Model::Impl::parse(const std::filesystem::path& file, const Options& options) {
+    Options defaults;
+    if (options.lineWidth != defaults.lineWidth || options.indent != defaults.indent ||
+        options.filePrefix != defaults.filePrefix) {
+        _eString refusal;
+        if (!importer.setImportOptions(options.lineWidth, fromPlatformText(options.indent),
+                                       fromPlatformText(options.filePrefix), &refusal)) {
+            diagnostics.push_back(plain(toPlatformText(refusal)));
+            return;
+        }
+    }
+    if (options.reproducible)
+        if (_eHndl<Time> time = sourceDateEpoch(); !time.isNull()) ImporterAccess::fixTime(importer, time);
+    importer.findClassesAnywhere(options.anywhere);
+    importer.readXmi2Models(options.xmi2);
+    importer.attemptParse(fromPlatformText(file.string()), L"", parsed);
+    report = toPlatformText(importer.getParseDiagnostics());
+    diagnostics = diagnosticsOf(ImporterAccess::errors(importer));
+    _eSeq<_eString> list = importer.getClassList();
+    for (int i = 0; i < list.size(); ++i) {
+        classes.push_back(toPlatformText(list.at(i)));
+        names.emplace(classes.back(), list.at(i));
+    }
+}
+
+template <class Generate>
+Result Model::Impl::generate(Generate run) {
+    Result result;
+    try {
+        ImporterAccess::startGeneration(importer);
+        run(result.ok);
+        result.diagnostics = diagnosticsOf(ImporterAccess::generationErrors(importer));
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        return refused({internalFailure});
+    }
+    return result;
+}
+
+Model Model::parse(const std::filesystem::path& file, const Options& options) {
+    std::lock_guard<std::recursive_mutex> lock(libraryLock());
+    // The last copy of a model lets its importer go under the lock too.
+    std::shared_ptr<Impl> impl(new Impl(), [](Impl* gone) {
+        std::lock_guard<std::recursive_mutex> lock(libraryLock());
+        delete gone;
+    });
+    try {
+        impl->parse(file, options);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        impl->parsed = false;
+        impl->diagnostics.push_back(plain(internalFailure));
+    }
+    return Model(impl);
+}
+
+bool Model::ok() const { return impl->parsed; }
+
+const std::vector<std::string>& Model::classes() const { return impl->classes; }
+
+const std::vector<Diagnostic>& Model::diagnostics() const { return impl->diagnostics; }
+
+std::string Model::report() const { return impl->report; }
+
+Result Model::writeClass(std::string_view name, const std::filesystem::path& directory) {
+    std::lock_guard<std::recursive_mutex> lock(libraryLock());
+    const _eString* className = impl->find(name);
+    if (className == nullptr) return refused({"the model has no class '" + std::string(name) + "'"});
+    return impl->generate([&](bool& ok) { impl->importer.generateClassFile(directoryText(directory), *className, ok); });
+}
+
+Result Model::writeClasses(const std::vector<std::string>& names, const std::filesystem::path& file) {
+    std::lock_guard<std::recursive_mutex> lock(libraryLock());
+    std::vector<std::string> unknown;
+    _eSet<_eString> chosen;
+    for (const std::string& name : names) {
+        if (const _eString* className = impl->find(name))
+            chosen.add(*className);
+        else
+            unknown.push_back("the model has no class '" + name + "'");
+    }
+    if (!unknown.empty()) return refused(unknown);
+    if (names.empty())
+        for (const auto& [listed, className] : impl->names) chosen.add(className);
+    if (!file.has_filename()) return refused({"'" + file.string() + "' names no file"});
+    return impl->generate([&](bool& ok) {
+        impl->importer.generateSingleFile(directoryText(file.parent_path()), fromPlatformText(file.filename().string()),
+                                          chosen, ok);
+    });
+}
+
+std::string Model::renderClass(std::string_view name) {
+    std::lock_guard<std::recursive_mutex> lock(libraryLock());
+    const _eString* className = impl->find(name);
+    if (className == nullptr) return {};
+    try {
+        return ImporterAccess::renderClassFile(impl->importer, directoryText("."), *className);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        return {};
+    }
+}
+
+}  // namespace modelbridge

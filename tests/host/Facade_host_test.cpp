@@ -1,0 +1,177 @@
+// The standard-typed facade, used as a host uses it: per-call results, refused names,
+// diagnostics in parts, names beyond ASCII, reproducible headers and calls from several threads.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include "modelbridge/modelbridge.hpp"
+
+namespace fs = std::filesystem;
+using modelbridge::Model;
+
+namespace {
+
+std::string slurp(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+// The text after the header's seven lines.
+std::string body(const std::string& file) {
+    std::size_t start = 0;
+    for (int line = 0; line < 7 && start != std::string::npos; ++line) start = file.find('\n', start) + 1;
+    return file.substr(start);
+}
+
+class Facade : public testing::Test {
+protected:
+    void SetUp() override {
+        char pattern[] = "/tmp/modelbridge-facade-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        dir = pattern;
+    }
+    void TearDown() override { fs::remove_all(dir); }
+    fs::path write(const std::string& name, const std::string& text) const {
+        std::ofstream(dir / name, std::ios::binary) << text;
+        return dir / name;
+    }
+    fs::path dir;
+};
+
+const fs::path bank = fs::path(MODELBRIDGE_MODELS_DIR) / "bank.xmi";
+
+}  // namespace
+
+TEST_F(Facade, ParsesListsWritesAndRendersWithResultsOfEachCall) {
+    Model model = Model::parse(bank);
+    ASSERT_TRUE(model.ok());
+    EXPECT_EQ(model.classes(), (std::vector<std::string>{"Account", "Customer", "SavingsAccount"}));
+    EXPECT_TRUE(model.diagnostics().empty());
+    EXPECT_EQ(model.report().rfind("Parsed 116 lines from file 'bank.xmi' in ", 0), 0u) << model.report();
+
+    // A directory without its separator is joined properly.
+    modelbridge::Result written = model.writeClass("Account", dir);
+    EXPECT_TRUE(written);
+    EXPECT_TRUE(written.diagnostics.empty());
+    std::string account = slurp(dir / "Account.tv");
+    EXPECT_NE(account.find("//* File: '" + (dir / "Account.tv").string() + "'\n"), std::string::npos) << account;
+    EXPECT_EQ(body(model.renderClass("Account")), body(account));
+    EXPECT_EQ(model.renderClass("Nobody"), "");
+
+    // Unknown names are refused before anything is written.
+    modelbridge::Result unknown = model.writeClass("Nobody", dir);
+    EXPECT_FALSE(unknown);
+    ASSERT_EQ(unknown.diagnostics.size(), 1u);
+    EXPECT_EQ(unknown.diagnostics[0].text, "the model has no class 'Nobody'");
+    EXPECT_FALSE(fs::exists(dir / "Nobody.tv"));
+    modelbridge::Result mixed = model.writeClasses({"Customer", "Nobody", "Else"}, dir / "some.tv");
+    EXPECT_FALSE(mixed);
+    EXPECT_EQ(mixed.diagnostics.size(), 2u);
+    EXPECT_FALSE(fs::exists(dir / "some.tv"));
+
+    EXPECT_TRUE(model.writeClasses({"SavingsAccount", "Account"}, dir / "pair"));
+    std::string pair = body(slurp(dir / "pair.tv"));
+    EXPECT_LT(pair.find("class Account ^="), pair.find("final class SavingsAccount ^="));
+    EXPECT_TRUE(model.writeClasses({}, dir / "every.tv"));
+    EXPECT_NE(slurp(dir / "every.tv").find("class Customer ^="), std::string::npos);
+
+    // A failed write fails alone, and fails again when repeated; the next good one succeeds.
+    for (int round = 0; round < 2; ++round) {
+        modelbridge::Result failed = model.writeClass("Account", dir / "missing" / "deeper");
+        EXPECT_FALSE(failed) << round;
+        ASSERT_EQ(failed.diagnostics.size(), 1u) << round;
+        const modelbridge::Diagnostic& cause = failed.diagnostics[0];
+        EXPECT_EQ(cause.severity, modelbridge::Severity::fatal);
+        EXPECT_EQ(cause.file, "");
+        EXPECT_EQ(cause.message,
+                  "Unable to open file '" + (dir / "missing/deeper/Account.tv").string() + "' for 'write' access.");
+        EXPECT_EQ(cause.text, "<no file>: Fatal error! " + cause.message);
+        EXPECT_TRUE(model.writeClass("Customer", dir)) << round;
+    }
+}
+
+TEST_F(Facade, DiagnosticsInPartsAndOptions) {
+    Model bad = Model::parse(write("bad.xmi", "<XMI>\n<a b=c/>\n</XMI>\n"));
+    EXPECT_FALSE(bad.ok());
+    EXPECT_TRUE(bad.classes().empty());
+    ASSERT_EQ(bad.diagnostics().size(), 1u);
+    const modelbridge::Diagnostic& syntax = bad.diagnostics()[0];
+    EXPECT_EQ(syntax.severity, modelbridge::Severity::fatal);
+    EXPECT_EQ(syntax.file, (dir / "bad.xmi").string());
+    EXPECT_EQ(syntax.line, 2);
+    EXPECT_EQ(syntax.column, 6);
+    EXPECT_EQ(syntax.message, "Syntax error at ''c''.");
+    EXPECT_EQ(syntax.text, "bad.xmi (2,6): Fatal error! Syntax error at ''c''.");
+    EXPECT_FALSE(bad.writeClass("Account", dir));
+
+    modelbridge::Options narrow;
+    narrow.lineWidth = 5;
+    Model refused = Model::parse(bank, narrow);
+    EXPECT_FALSE(refused.ok());
+    ASSERT_EQ(refused.diagnostics().size(), 1u);
+    EXPECT_EQ(refused.diagnostics()[0].text, "the line width 5 is out of bounds: it must be from 20 to 10000");
+
+    modelbridge::Options layout;
+    layout.lineWidth = 30;
+    layout.indent = "  ";
+    layout.filePrefix = "tv_";
+    layout.reproducible = true;
+    setenv("SOURCE_DATE_EPOCH", "1700000000", 1);
+    Model laidOut = Model::parse(bank, layout);
+    std::string customer = laidOut.renderClass("Customer");
+    unsetenv("SOURCE_DATE_EPOCH");
+    EXPECT_NE(customer.find("//* File generated at 22:13:20 on Tuesday November 14th 2023 UTC\n"), std::string::npos)
+        << customer;
+    EXPECT_NE(customer.find("\n  var accounts: those x: set\n    of ref from Account :- # x\n    >= 1;\n"),
+              std::string::npos)
+        << customer;
+    EXPECT_TRUE(laidOut.writeClass("Customer", dir));
+    EXPECT_TRUE(fs::exists(dir / "tv_Customer.tv"));
+    EXPECT_EQ(Model::parse(bank).renderClass("Customer").find("22:13:20 on Tuesday"), std::string::npos);
+}
+
+// A UTF-8 model's names come back as it spells them and name their files once encoded; a
+// Latin-1 model's names come back in UTF-8 and the same text finds them again.
+TEST_F(Facade, NamesBeyondAscii) {
+    const std::string header = "<XMI><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>";
+    const std::string footer = "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n";
+    Model utf8 = Model::parse(write("utf8.xmi", header + "<UML:Class xmi.id='k' name='Kund\xC3\xA9'></UML:Class>" + footer));
+    ASSERT_TRUE(utf8.ok());
+    EXPECT_EQ(utf8.classes(), std::vector<std::string>{"Kund\xC3\xA9"});
+    EXPECT_TRUE(utf8.writeClass("Kund\xC3\xA9", dir));
+    EXPECT_NE(slurp(dir / "Kund\xC3\xA9.tv").find("class Kund\xC3\xA9 ^="), std::string::npos);
+
+    Model latin1 = Model::parse(write("latin1.xmi", "<?xml version='1.0' encoding='ISO-8859-1'?>" + header +
+                                                        "<UML:Class xmi.id='k' name='Gr\xFC\xDF'></UML:Class>" + footer));
+    ASSERT_TRUE(latin1.ok());
+    EXPECT_EQ(latin1.classes(), std::vector<std::string>{"Gr\xC3\xBC\xC3\x9F"});
+    EXPECT_TRUE(latin1.writeClass("Gr\xC3\xBC\xC3\x9F", dir));
+    EXPECT_TRUE(fs::exists(dir / "Gr\xC3\xBC\xC3\x9F.tv"));
+}
+
+// Several threads, each with models of its own, get what one thread gets.
+TEST_F(Facade, CallsFromSeveralThreads) {
+    Model shared = Model::parse(bank);
+    const std::string expected = body(shared.renderClass("SavingsAccount"));
+    std::vector<int> matches(4, 0);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&, t] {
+            for (int round = 0; round < 10; ++round) {
+                Model own = Model::parse(bank);
+                Model copy = shared;
+                if (own.classes().size() == 3 && body(own.renderClass("SavingsAccount")) == expected &&
+                    body(copy.renderClass("SavingsAccount")) == expected &&
+                    own.writeClass("Account", dir / ("t" + std::to_string(t))).diagnostics.size() == 1)
+                    ++matches[std::size_t(t)];
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(matches, std::vector<int>(4, 10));
+}
