@@ -1,0 +1,75 @@
+/* The C API from C: a model parsed, listed, written, rendered and freed; refusals and
+ * diagnostics as statuses. Prints each failed check and exits with 1 when any failed. */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "modelbridge/modelbridge.h"
+
+static int failures = 0;
+
+#define CHECK(condition)                                                  \
+    do {                                                                  \
+        if (!(condition)) {                                               \
+            fprintf(stderr, "%s:%d: failed: %s\n", __FILE__, __LINE__, #condition); \
+            ++failures;                                                   \
+        }                                                                 \
+    } while (0)
+
+int main(int argc, char** argv) {
+    if (argc != 3) return 2;
+    const char* model_path = argv[1]; /* the bank example */
+    const char* directory = argv[2];  /* an empty folder */
+    mb_model* model = NULL;
+    CHECK(mb_parse(model_path, NULL, &model) == MB_OK);
+    CHECK(model != NULL && mb_ok(model) == 1);
+    CHECK(strncmp(mb_report(model), "Parsed 116 lines from file 'bank.xmi'", 37) == 0);
+    CHECK(mb_class_count(model) == 3);
+    CHECK(strcmp(mb_class_name(model, 0), "Account") == 0);
+    CHECK(strcmp(mb_class_name(model, 2), "SavingsAccount") == 0);
+    CHECK(mb_class_name(model, 3) == NULL && mb_class_name(model, -1) == NULL);
+    CHECK(mb_diagnostic_count(model) == 0 && mb_diagnostic_text(model, 0) == NULL);
+
+    CHECK(mb_write_class(model, "Customer", directory) == MB_OK);
+    CHECK(mb_write_class(model, "Nobody", directory) == MB_NO_SUCH_CLASS);
+    CHECK(mb_result_count(model) == 1 && strcmp(mb_result_text(model, 0), "the model has no class 'Nobody'") == 0);
+    const char* both[] = {"SavingsAccount", "Account"};
+    char single[4096];
+    snprintf(single, sizeof single, "%s/both", directory);
+    CHECK(mb_write_single(model, both, 2, single) == MB_OK);
+    CHECK(mb_write_single(model, NULL, 1, single) == MB_INVALID_ARGUMENT);
+    char missing[4096];
+    snprintf(missing, sizeof missing, "%s/no/such", directory);
+    CHECK(mb_write_class(model, "Account", missing) == MB_FAILED);
+    CHECK(mb_result_count(model) == 1 && strstr(mb_result_text(model, 0), "for 'write' access.") != NULL);
+
+    char* text = NULL;
+    CHECK(mb_render_class(model, "Account", &text) == MB_OK);
+    CHECK(text != NULL && strstr(text, "class Account ^=\n") != NULL);
+    mb_string_free(text);
+    CHECK(mb_render_class(model, "Nobody", &text) == MB_NO_SUCH_CLASS && text == NULL);
+    mb_free(model);
+
+    mb_options narrow = {0, 5, NULL, NULL};
+    CHECK(mb_parse(model_path, &narrow, &model) == MB_INVALID_ARGUMENT);
+    CHECK(mb_diagnostic_count(model) == 1 && strstr(mb_diagnostic_text(model, 0), "line width 5") != NULL);
+    mb_free(model);
+
+    char bad[4096];
+    snprintf(bad, sizeof bad, "%s/bad.xmi", directory);
+    FILE* out = fopen(bad, "w");
+    fputs("<XMI>\n<a b=c/>\n</XMI>\n", out);
+    fclose(out);
+    CHECK(mb_parse(bad, NULL, &model) == MB_FAILED);
+    CHECK(mb_ok(model) == 0 && mb_class_count(model) == 0 && mb_diagnostic_count(model) == 1);
+    CHECK(mb_diagnostic_severity(model, 0) == MB_FATAL);
+    CHECK(mb_diagnostic_line(model, 0) == 2 && mb_diagnostic_column(model, 0) == 6);
+    CHECK(strcmp(mb_diagnostic_file(model, 0), bad) == 0);
+    CHECK(strcmp(mb_diagnostic_message(model, 0), "Syntax error at ''c''.") == 0);
+    mb_free(model);
+
+    CHECK(mb_parse(NULL, NULL, &model) == MB_INVALID_ARGUMENT && model == NULL);
+    mb_free(NULL);
+    if (failures == 0) printf("C API: every check passed\n");
+    return failures == 0 ? 0 : 1;
+}

@@ -1,0 +1,68 @@
+"""The Python module over the C API: parse, list, diagnostics, write, render, refusals."""
+import os
+import sys
+import tempfile
+import unittest
+
+import modelbridge
+
+MODELS = sys.argv.pop(1) if len(sys.argv) > 1 else os.environ["MODELBRIDGE_MODELS_DIR"]
+BANK = os.path.join(MODELS, "bank.xmi")
+
+
+class ModelBridgeFromPython(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.dir = self.folder.name
+
+    def tearDown(self):
+        self.folder.cleanup()
+
+    def test_parse_list_write_render(self):
+        m = modelbridge.parse(BANK)
+        self.assertTrue(m.ok)
+        self.assertEqual(m.classes, ["Account", "Customer", "SavingsAccount"])
+        self.assertEqual(m.diagnostics, [])
+        self.assertTrue(m.report.startswith("Parsed 116 lines from file 'bank.xmi'"))
+        m.write_class("Customer", self.dir)
+        with open(os.path.join(self.dir, "Customer.tv"), encoding="utf-8") as written:
+            self.assertIn("class Customer ^=", written.read())
+        self.assertIn("final class SavingsAccount ^= inherits Account\n", m.render_class("SavingsAccount"))
+        m.write_classes(["Account", "Customer"], os.path.join(self.dir, "both"))
+        self.assertTrue(os.path.exists(os.path.join(self.dir, "both.tv")))
+        with self.assertRaises(KeyError):
+            m.write_class("Nobody", self.dir)
+        with self.assertRaises(KeyError):
+            m.render_class("Nobody")
+        self.assertFalse(os.path.exists(os.path.join(self.dir, "Nobody.tv")))
+        with self.assertRaises(modelbridge.Error) as failed:
+            m.write_class("Account", os.path.join(self.dir, "no", "such"))
+        self.assertEqual(len(failed.exception.diagnostics), 1)
+        self.assertIn("for 'write' access.", failed.exception.diagnostics[0])
+
+    def test_diagnostics_options_and_names(self):
+        bad = os.path.join(self.dir, "bad.xmi")
+        with open(bad, "w") as out:
+            out.write("<XMI>\n<a b=c/>\n</XMI>\n")
+        m = modelbridge.parse(bad)
+        self.assertFalse(m.ok)
+        self.assertEqual(m.diagnostics, [modelbridge.Diagnostic(
+            "fatal", bad, 2, 6, "Syntax error at ''c''.", "bad.xmi (2,6): Fatal error! Syntax error at ''c''.")])
+        with self.assertRaises(ValueError):
+            modelbridge.parse(BANK, indent="")
+        laid_out = modelbridge.parse(BANK, line_width=30, indent="  ")
+        self.assertIn("\n  var accounts: those x: set\n", laid_out.render_class("Customer"))
+
+        kunde = os.path.join(self.dir, "kunde.xmi")
+        with open(kunde, "w", encoding="utf-8") as out:
+            out.write("<XMI><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
+                      "<UML:Class xmi.id='k' name='Kundé'></UML:Class>"
+                      "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n")
+        names = modelbridge.parse(kunde)
+        self.assertEqual(names.classes, ["Kundé"])
+        names.write_class("Kundé", self.dir)
+        self.assertTrue(os.path.exists(os.path.join(self.dir, "Kundé.tv")))
+
+
+if __name__ == "__main__":
+    unittest.main()
