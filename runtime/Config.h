@@ -1,6 +1,10 @@
 // Build switches and the export marker, in one place.
 #pragma once
 
+#if !defined(__cplusplus) || __cplusplus < 202002L
+#error "The headers of ModelBridge's importer need C++20 (-std=c++20 or later); <modelbridge/modelbridge.hpp> needs only C++17 and <modelbridge/modelbridge.h> plain C."
+#endif
+
 // Marks what a host may link against. Everything else in the shared library is hidden.
 #define MB_API __attribute__((visibility("default")))
 

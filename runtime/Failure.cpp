@@ -63,6 +63,26 @@ _xCeption::_xCeption(const wchar_t* file, unsigned line) {
     recordFailureTrace();
 }
 
+const char* _xCeption::what() const noexcept {
+    wchar_t text[sizeof whatText];
+    wchar_t* pos = text;
+    unsigned remaining = sizeof whatText - 1;
+    *pos = L'\0';
+    writeSummary(pos, remaining);
+    writeDetail(pos, remaining);
+    // The summary's line end joins it to the detail; the texts are ASCII.
+    std::size_t out = 0;
+    for (const wchar_t* in = text; *in != L'\0' && out + 3 < sizeof whatText; ++in) {
+        if (*in == L'\n') {
+            if (in[1] != L'\0') whatText[out++] = ':', whatText[out++] = ' ';
+        } else {
+            whatText[out++] = *in < 128 ? char(*in) : '?';
+        }
+    }
+    whatText[out] = '\0';
+    return whatText;
+}
+
 void _xDebug::writeDetail(wchar_t*&, unsigned&) const {}
 
 void _xNoChoice::writeSummary(wchar_t*& pos, unsigned& remaining) const {

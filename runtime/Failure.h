@@ -1,13 +1,16 @@
 // Failure objects: what a broken invariant raises. Expected trouble never comes this way.
 #pragma once
 
+#include <exception>
+
 #include "runtime/Config.h"
 
-// Root of the failure objects; not counted and without fields.
-class MB_API _eFormat {
+// Root of the failure objects; not counted. A standard exception, so that a host's
+// `catch (const std::exception&)` catches them too.
+class MB_API _eFormat : public std::exception {
 public:
     virtual void format() const;
-    virtual ~_eFormat();
+    ~_eFormat() override;
 };
 
 class MB_API _xCeption : public _eFormat {
@@ -17,6 +20,11 @@ public:
     // Both write into a caller's buffer and advance `pos` and `remaining`.
     virtual void writeSummary(wchar_t*& pos, unsigned& remaining) const = 0;
     virtual void writeDetail(wchar_t*& pos, unsigned& remaining) const = 0;
+    // Summary and detail on one line: "runtime-system error: ...".
+    const char* what() const noexcept override;
+
+private:
+    mutable char whatText[160] = {};  // filled by `what`
 };
 
 class MB_API _xDebug : public _xCeption {
@@ -45,7 +53,7 @@ private:
 
 // Copies `text` while room remains, then stores a terminator at `pos` without advancing.
 // The caller leaves room for that terminator.
-MB_API void appendBounded(wchar_t*& pos, const wchar_t* text, unsigned& remaining);
+void appendBounded(wchar_t*& pos, const wchar_t* text, unsigned& remaining);
 
 // A place that raises: the source file name that failure reports carry, and the line.
 struct _xPlace {

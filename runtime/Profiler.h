@@ -41,16 +41,16 @@ struct ProfilerState {
     wchar_t* failureTrace[failureTraceSlots];
 };
 
-MB_API ProfilerState& profilerState();
+ProfilerState& profilerState();
 
 // The processor's cycle counter, read after a serialising instruction.
-MB_API std::uint64_t readCycleCounter();
+std::uint64_t readCycleCounter();
 
 // Both are idempotent: a second start while running, or a stop while stopped, does nothing.
-MB_API void startProfiler();
-MB_API void stopProfiler();
+void startProfiler();
+void stopProfiler();
 // Stops the profiler and writes one line per site with a share, on `file` open for writing.
-MB_API void writeProfile(FileRef& file, FileError::_eEnum& error);
+void writeProfile(FileRef& file, FileError::_eEnum& error);
 
 // For instrumented code: link a site's record once, then bracket each activation.
 MB_API void linkProfileRecord(ProfileRecord& record);

@@ -6,22 +6,22 @@
 
 #include "runtime/Seq.h"
 
-MB_API _eString intToString(std::int32_t n);
-MB_API _eString byteToString(unsigned char b);
+_eString intToString(std::int32_t n);
+_eString byteToString(unsigned char b);
 // "%g", followed by ".0" when the text has no ".", "e" or "E", so it never reads as an integer.
-MB_API _eString doubleToString(double d);
-MB_API _eString boolToString(bool b);
-MB_API _eString charToString(wchar_t c);
+_eString doubleToString(double d);
+_eString boolToString(bool b);
+_eString charToString(wchar_t c);
 // The elements with `separator` between each two; none at either end.
-MB_API _eString join(const _eSeq<_eString>& list, const _eString& separator);
+_eString join(const _eSeq<_eString>& list, const _eString& separator);
 // False for the empty string.
-MB_API bool isAllDigits(const _eString& s);
+bool isAllDigits(const _eString& s);
 // Digits, optionally after one leading "+" or "-".
-MB_API bool isInteger(const _eString& s);
+bool isInteger(const _eString& s);
 // `text` without the characters of code 32 at both ends; tabs and line ends stay.
 _eString trimSpaces(const _eString& text);
 // `text` holds exactly the units of `word`; compared in place, without making a string of it.
 bool textIs(const _eString& text, std::wstring_view word);
-MB_API bool containsUnit(const _eString& s, wchar_t c);
+bool containsUnit(const _eString& s, wchar_t c);
 // A string as a sequence value: "seq{a,b}".
-MB_API _eString seqText(const _eString& s);
+_eString seqText(const _eString& s);

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
+#include <string>
 
 #include "runtime/Class.h"
 #include "runtime/Enumerations.h"
@@ -32,19 +34,22 @@ public:
 };
 
 // What is thrown for a `_eUrelException`. Not counted itself; it holds a count of the exception.
-class MB_API _aUrelExceptionWrapper {
+class MB_API _aUrelExceptionWrapper : public std::exception {
 public:
     explicit _aUrelExceptionWrapper(_eFrom<_eUrelException> exception) : exception(std::move(exception)) {}
     _aUrelExceptionWrapper(const _aUrelExceptionWrapper&) = default;
 
     virtual _eString message() const { return exception->getMessage(); }
     virtual std::int32_t errorCode() const { return exception->getCode(); }
-    virtual ~_aUrelExceptionWrapper();
+    ~_aUrelExceptionWrapper() override;
+    // The message of the exception in UTF-8.
+    const char* what() const noexcept override;
 
     const _eFrom<_eUrelException>& getException() const { return exception; }
 
 private:
     _eFrom<_eUrelException> exception;
+    mutable std::string whatText;  // filled by `what`
 };
 
 // Raises a stream failure of the given kind.

@@ -41,7 +41,8 @@ multiarch=$(gcc -print-multiarch)
 libdir="$usr/lib/$multiarch"
 for file in bin/modelbridge-gen include/ModelBridge/Generated/XMLImporter.h \
     "lib/$multiarch/cmake/ModelBridge/ModelBridgeConfig.cmake" "lib/$multiarch/pkgconfig/modelbridge.pc" \
-    "lib/$multiarch/libModelBridge.so" share/man/man1/modelbridge-gen.1.gz; do
+    "lib/$multiarch/libModelBridge.so" share/man/man1/modelbridge-gen.1.gz include/modelbridge/modelbridge.hpp \
+    include/modelbridge/modelbridge.h lib/python3/dist-packages/modelbridge/__init__.py; do
     [ -e "$usr/$file" ] || fail "$file is missing"
 done
 soname=$(objdump -p "$libdir/libModelBridge.so.$version" | awk '$1 == "SONAME" { print $2 }')
@@ -52,7 +53,7 @@ MANPAGER=cat MANWIDTH=80 man -l "$usr/share/man/man1/modelbridge-gen.1.gz" 2>/de
 
 # Hosts built against the unpacked tree, and the packaged program, run.
 . "$root/tools/outside-hosts.sh"
-check_outside_hosts "$usr" "$libdir" "$work"
+check_outside_hosts "$usr" "$libdir" "$usr/lib/python3/dist-packages" "$work"
 LD_LIBRARY_PATH="$libdir" "$usr/bin/modelbridge-gen" --version | grep -qx "libModelBridge $version" \
     || fail "the packaged program doesn't find the packaged library's version"
 written=$(LD_LIBRARY_PATH="$libdir" "$usr/bin/modelbridge-gen" "$root/examples/models/bank.xmi" -q -o "$work/out")

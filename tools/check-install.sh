@@ -9,7 +9,7 @@ prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
 cmake --install "$build_dir" --prefix "$prefix" >/dev/null
 . "$root/tools/outside-hosts.sh"
-check_outside_hosts "$prefix" "$prefix/lib" "$prefix"
+check_outside_hosts "$prefix" "$prefix/lib" "$prefix/lib/python3/dist-packages" "$prefix"
 
 # The public header brings a host what it uses and none of the reader, the tree or the writer.
 internal=$(echo '#include "Generated/XMLImporter.h"' | c++ -std=c++20 -x c++ -fsyntax-only -H -I"$prefix/include/ModelBridge" - 2>&1 \
@@ -24,8 +24,16 @@ fi
 symbols=$(nm -D --defined-only -C "$prefix/lib/libModelBridge.so" | awk '{ $1 = ""; $2 = ""; print }')
 echo "$symbols" | grep -q "XMLImporter::attemptParse"
 echo "$symbols" | grep -q "Environment::open"
-if echo "$symbols" | grep -E "XMLLex::advance|Parser::resynchronise|resolvePath|appendUtf8|_GLOBAL__sub" ; then
+if echo "$symbols" | grep -E "XMLLex::advance|Parser::resynchronise|resolvePath|appendUtf8|_GLOBAL__sub|^ *T (intToString|join|startProfiler|seqText)\(" ; then
     echo "internal symbols are exported" >&2
     exit 1
 fi
+# The installed program finds the library beside it.
+"$prefix/bin/modelbridge-gen" --version >/dev/null || { echo "the installed program can't find its library" >&2; exit 1; }
+# A host of the importer built as C++17 is told why it fails.
+if echo '#include "Generated/XMLImporter.h"' | c++ -std=c++17 -x c++ -fsyntax-only -I"$prefix/include/ModelBridge" - 2>"$prefix/cxx17.log"; then
+    echo "the importer's headers compile as C++17" >&2
+    exit 1
+fi
+grep -q "need C++20" "$prefix/cxx17.log" || { echo "no clear error for C++17:" >&2; head -5 "$prefix/cxx17.log" >&2; exit 1; }
 echo "install check passed: CMake and pkg-config hosts run, $(echo "$symbols" | wc -l) symbols exported"

@@ -35,6 +35,14 @@ TEST(ImporterHost, EqualityRaisesEvenOnItself) {
                   return std::wstring(L"no failure");
               }),
               L"raised: runtime-system error\nAbsurd method called");
+    // A host that catches standard exceptions catches it too, with its text on one line.
+    std::string caught;
+    try {
+        (void)(importer == importer);
+    } catch (const std::exception& failure) {
+        caught = failure.what();
+    }
+    EXPECT_EQ(caught, "runtime-system error: Absurd method called");
 }
 
 TEST(ImporterHost, TypeRecordIsAtLevelOne) {
