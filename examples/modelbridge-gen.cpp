@@ -7,18 +7,18 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <cwchar>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "Generated/XMLImporter.h"
+#include "environment/PlatformText.h"
 
 namespace {
 
@@ -55,37 +55,12 @@ const char* const usage =
 
 const char* const program = "modelbridge-gen";
 
-// Command-line text as the library's strings: the locale's multibyte form, else byte by byte.
-_eString toText(const std::string& bytes) {
-    std::vector<wchar_t> wide(bytes.size() + 1);
-    std::size_t n = std::mbstowcs(wide.data(), bytes.c_str(), wide.size());
-    if (n == static_cast<std::size_t>(-1)) {
-        std::wstring units;
-        for (char c : bytes) units.push_back(wchar_t(static_cast<unsigned char>(c)));
-        return _eString(std::wstring_view(units));
-    }
-    return _eString(std::wstring_view(wide.data(), n));
-}
+// Command-line words reach the library byte for byte, as the lexer reads a model, so that
+// `--class Kundé` meets the name the model spells.
+_eString toText(const std::string& bytes) { return fromPlatformText(bytes); }
 
-// The library's strings as UTF-8 for the terminal.
-std::string toUtf8(const _eString& text) {
-    std::string out;
-    std::wstring units = toWString(text);
-    for (wchar_t w : units) {
-        auto c = static_cast<std::uint32_t>(w);
-        if (c < 0x80) {
-            out.push_back(char(c));
-        } else if (c < 0x800) {
-            out.push_back(char(0xC0 | (c >> 6)));
-            out.push_back(char(0x80 | (c & 0x3F)));
-        } else {
-            out.push_back(char(0xE0 | ((c >> 12) & 0x0F)));
-            out.push_back(char(0x80 | ((c >> 6) & 0x3F)));
-            out.push_back(char(0x80 | (c & 0x3F)));
-        }
-    }
-    return out;
-}
+// The library's text for the terminal: bytes that are UTF-8 stay, other characters become UTF-8.
+std::string toUtf8(const _eString& text) { return toPlatformText(text); }
 
 void printLines(const _eSeq<_eString>& lines, std::FILE* to) {
     for (int i = 0; i < lines.size(); ++i) std::fprintf(to, "%s\n", toUtf8(lines.at(i)).c_str());
@@ -269,15 +244,16 @@ void explainNoClass(const Options& options, const Environment* environment) {
 _eSeq<_eString> chosenClasses(const Options& options, const _eSeq<_eString>& all, bool& allFound) {
     allFound = true;
     if (options.classes.empty()) return all;
-    _eSet<_eString> known;
-    for (int i = 0; i < all.size(); ++i) known.add(all.at(i));
+    // Each class by the text the terminal shows for it.
+    std::map<std::string, _eString> known;
+    for (int i = 0; i < all.size(); ++i) known.emplace(toUtf8(all.at(i)), all.at(i));
     _eSeq<_eString> chosen;
     std::set<std::string> seen;
     for (const std::string& name : options.classes) {
         if (!seen.insert(name).second) continue;
-        _eString text = toText(name);
-        if (known.contains(text)) {
-            chosen.pushBack(text);
+        auto found = known.find(name);
+        if (found != known.end()) {
+            chosen.pushBack(found->second);
         } else {
             std::fprintf(stderr, "%s: the model has no class '%s'\n", program, name.c_str());
             allFound = false;
@@ -333,7 +309,6 @@ bool generate(XMLImporter& importer, const Options& options, const _eSeq<_eStrin
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::setlocale(LC_CTYPE, "");
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) {
             std::printf("%s", usage);

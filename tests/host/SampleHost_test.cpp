@@ -150,6 +150,15 @@ TEST_F(SampleHost, FoldersAreMadeAndRunsThatWriteNothingFail) {
     EXPECT_EQ(anywhere.out, dir + "/Alpha.tv\n" + dir + "/Beta.tv\n");
     EXPECT_TRUE(contains(slurp(dir + "/Beta.tv"), "\nclass Beta ^=\ninterface\nend;\n"));
 
+    // A name beyond ASCII is listed, asked for and written as the model spells it.
+    std::ofstream(dir + "/kunde.xmi") << "<XMI><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
+                                         "<UML:Class xmi.id='k' name='Kund\xC3\xA9'></UML:Class>"
+                                         "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n";
+    EXPECT_EQ(run(dir + "/kunde.xmi -q --list").out, "Kund\xC3\xA9\n");
+    HostRun named = run(dir + "/kunde.xmi -q -o " + dir + " --class Kund\xC3\xA9");
+    EXPECT_EQ(named.status, 0) << named.err;
+    EXPECT_EQ(named.out, dir + "/Kund\xC3\xA9.tv\n");
+
     std::ofstream(dir + "/empty.xmi") << "<XMI><XMI.content></XMI.content></XMI>\n";
     for (const char* option : {"", " --anywhere"}) {
         HostRun empty = run(dir + "/empty.xmi -q -o " + dir + option);
