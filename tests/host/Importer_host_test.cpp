@@ -44,13 +44,3 @@ TEST(ImporterHost, EqualityRaisesEvenOnItself) {
     }
     EXPECT_EQ(caught, "runtime-system error: Absurd method called");
 }
-
-TEST(ImporterHost, TypeRecordIsAtLevelOne) {
-    XMLImporter importer;
-    const _eFullTypeInfo* record = importer._aGetFullTypeInfo();
-    ASSERT_NE(record, nullptr);
-    EXPECT_EQ(record->level, 1);
-    EXPECT_EQ(record->parent, nullptr);
-    EXPECT_EQ(toWString(XMLImporter::_aMyTypeInfo()->typeName()), L"XMLImporter");
-    EXPECT_TRUE(importer._aGetMyTypeInfo() == XMLImporter::_aMyTypeInfo());
-}

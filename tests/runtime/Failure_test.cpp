@@ -1,9 +1,10 @@
-// Failure objects and their bounded text writer.
+// Failure objects, their bounded texts, and the language-level exceptions that are thrown.
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "runtime/Failure.h"
+#include "runtime/UrelException.h"
 
 namespace {
 
@@ -18,26 +19,12 @@ std::wstring summaryAndDetail(const _xCeption& failure, unsigned room) {
 
 }  // namespace
 
-TEST(Failure, AppendBoundedStopsAtRoom) {
-    wchar_t buffer[8] = L"xxxxxxx";
-    wchar_t* pos = buffer;
-    unsigned remaining = 0;
-    appendBounded(pos, L"abc", remaining);
-    EXPECT_EQ(pos, buffer);
-    EXPECT_EQ(buffer[0], L'\0');
-
-    remaining = 3;
-    appendBounded(pos, L"abcdef", remaining);
-    EXPECT_EQ(remaining, 0u);
-    EXPECT_EQ(pos, buffer + 3);
-    EXPECT_EQ(std::wstring(buffer), L"abc");
-}
-
-TEST(Failure, TextsOfEachKind) {
+TEST(Failure, TextsOfEachKindWithinTheirRoom) {
     EXPECT_EQ(summaryAndDetail(_xNoChoice(L"Btree_2", 194), 127), L"Choice expression failed to select option\n");
     EXPECT_EQ(summaryAndDetail(_xCannotHappen(L"Wrappers", 55, _xAbsurdMethod), 127),
               L"runtime-system error\nAbsurd method called");
     EXPECT_EQ(summaryAndDetail(_xCannotHappen(L"Wrappers", 55, _xAbsurdMethod), 10), L"runtime-sy");
+    EXPECT_EQ(summaryAndDetail(_xCannotHappen(L"Wrappers", 55, _xAbsurdMethod), 0), L"");
 
     // The detail of a choice failure writes nothing and leaves the room as it was.
     wchar_t buffer[4] = L"abc";
@@ -47,14 +34,34 @@ TEST(Failure, TextsOfEachKind) {
     EXPECT_EQ(pos, buffer);
     EXPECT_EQ(remaining, 3u);
     EXPECT_EQ(std::wstring(buffer), L"abc");
-}
 
-TEST(Failure, RaisedFailuresAreCaughtAtEveryLevel) {
-    EXPECT_THROW(raiseNoChoice(_xPlaces::leafPushBack), _xNoChoice);
-    EXPECT_THROW(raiseNoChoice(_xPlaces::leafPushBack), _xDebug);
     EXPECT_THROW(raiseNoChoice(_xPlaces::leafPushBack), _eFormat);
-    EXPECT_THROW(raiseCannotHappen(_xPlaces::importerEquality), _xCannotHappen);
     EXPECT_THROW(raiseCannotHappen(_xPlaces::importerEquality), _xCeption);
     EXPECT_EQ(_xPlaces::importerEquality.line, 456u);
     EXPECT_EQ(std::wstring(_xPlaces::stackEntryOrder.file), L"Generated/Pstack");
+}
+
+TEST(Failure, StreamFailuresThrowTheWrappedException) {
+    _eHndl<_aStreamException> a(new _aStreamException(L"bad stream", SerialErrorType::corruptStream));
+    EXPECT_TRUE(a->isEqual(_eHndl<_aStreamException>(static_cast<_aStreamException*>(a->clone())).get()));
+    for (auto* other : {new _aStreamException(L"bad stream", SerialErrorType::readError),
+                        new _aStreamException(L"bad Stream", SerialErrorType::corruptStream)})
+        EXPECT_FALSE(a->isEqual(_eHndl<_aStreamException>(other).get()));
+    try {
+        streamFailure(SerialErrorType::missingType, L"unknown type");
+        FAIL() << "streamFailure returned";
+    } catch (const _aUrelExceptionWrapper& thrown) {
+        EXPECT_EQ(toWString(thrown.message()), L"unknown type");
+        EXPECT_EQ(thrown.errorCode(), SerialErrorType::missingType);
+        const _eUrelException* exception = thrown.getException().get();
+        EXPECT_NE(dynamic_cast<const _aStreamException*>(exception), nullptr);
+        // A copy of the wrapper shares the exception and holds a count of its own.
+        std::int32_t counts = exception->countWord();
+        {
+            _aUrelExceptionWrapper copy(thrown);
+            EXPECT_EQ(copy.getException().get(), exception);
+            EXPECT_EQ(exception->countWord(), counts + 1);
+        }
+        EXPECT_EQ(exception->countWord(), counts);
+    }
 }

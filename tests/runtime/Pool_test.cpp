@@ -24,19 +24,6 @@ _ePool freshPool() {
 
 }  // namespace
 
-TEST(Pool, SizeClassesAreSixteenBytesWide) {
-    struct Row {
-        std::size_t size;
-        std::size_t sizeClass;
-    };
-    const Row rows[] = {{1, 0}, {16, 0}, {17, 1}, {32, 1}, {33, 2}, {1008, 62}, {1009, 63}, {1024, 63}};
-    for (std::size_t i = 0; i < std::size(rows); ++i) {
-        SCOPED_TRACE(testing::Message() << "row " << i << " size " << rows[i].size);
-        EXPECT_EQ(_ePool::classOf(rows[i].size), rows[i].sizeClass);
-        EXPECT_EQ(_ePool::roundedSize(rows[i].sizeClass), 16 * (rows[i].sizeClass + 1));
-    }
-}
-
 TEST(Pool, BlocksAreCarvedFromChunksZeroedAndReusedWithinTheirClass) {
     if (MODELBRIDGE_POOL_BYPASS) GTEST_SKIP() << "every block goes to the system allocator in this build";
     constexpr auto chunk = std::int64_t(_ePool::chunkBytes);

@@ -63,111 +63,58 @@ protected:
 
 }  // namespace
 
-TEST_F(Profiling, TheRuntimesOwnRecordAloneIsListed) {
-    const ProfileRecord* own = profilerState().records;
-    ASSERT_NE(own, nullptr);
-    EXPECT_EQ(std::wstring(own->name), L"bld");
-    EXPECT_EQ(own->line, 0u);
-    EXPECT_EQ(own->next, nullptr);
-    EXPECT_EQ(profilerState().activeFrames, nullptr);
-}
-
-TEST_F(Profiling, StartAndStopActOnceEach) {
+TEST_F(Profiling, FramesSplitSelfFromTotalWhileTheProfilerRuns) {
     ProfilerState& state = profilerState();
     ASSERT_FALSE(state.running);
-    std::int64_t before = state.totalTicks;
+    ProfileRecord outer = record(L"outer"), inner = record(L"inner"), twice = record(L"recursive");
+    link(outer);
+    link(inner);
+    link(twice);
+    ProfileFrame outerFrame, innerFrame;
+    // A frame pushed before the start is measured from the start; a second start is ignored.
+    enterProfileFrame(outerFrame, outer);
     env->startProfiler();
     std::uint64_t started = state.startTicks;
     spin();
     startProfiler();
-    EXPECT_TRUE(state.running);
     EXPECT_EQ(state.startTicks, started);
-
-    stopProfiler();
-    std::int64_t after = state.totalTicks;
-    EXPECT_FALSE(state.running);
-    EXPECT_GT(after, before);
-    spin();
-    stopProfiler();
-    EXPECT_EQ(state.totalTicks, after);
-
-    // A later run adds to the total.
-    startProfiler();
-    spin();
-    stopProfiler();
-    EXPECT_GT(state.totalTicks, after);
-}
-
-TEST_F(Profiling, NestedFramesSplitSelfFromTotal) {
-    ProfileRecord outer = record(L"outer"), inner = record(L"inner");
-    link(outer);
-    link(inner);
-    startProfiler();
-    ProfileFrame outerFrame, innerFrame;
-    enterProfileFrame(outerFrame, outer);
-    spin();
     enterProfileFrame(innerFrame, inner);
     spin();
     leaveProfileFrame(innerFrame);
     spin();
     leaveProfileFrame(outerFrame);
-    stopProfiler();
-
     EXPECT_GT(inner.total, 0);
     EXPECT_EQ(inner.self, inner.total);
     EXPECT_GT(outer.total, inner.total);
     EXPECT_EQ(outer.self, outer.total - inner.total);
-    EXPECT_EQ(profilerState().activeFrames, nullptr);
-}
+    EXPECT_EQ(state.activeFrames, nullptr);
 
-TEST_F(Profiling, StopSettlesTheFramesUnderWay) {
-    ProfileRecord outer = record(L"outer"), inner = record(L"inner");
-    link(outer);
-    link(inner);
-    ProfileFrame outerFrame, innerFrame;
-    // Frames pushed before the start are measured from the start.
-    enterProfileFrame(outerFrame, outer);
-    spin();
-    startProfiler();
-    spin();
-    enterProfileFrame(innerFrame, inner);
-    spin();
-    stopProfiler();
-    EXPECT_GT(inner.total, 0);
-    EXPECT_EQ(inner.self, inner.total);
-    EXPECT_GT(outer.total, inner.total);
-    EXPECT_EQ(outer.self, outer.total - inner.total);
-
-    // Leaving while stopped changes nothing; a restart measures afresh from its own start.
-    std::int64_t innerTotal = inner.total, outerTotal = outer.total, outerSelf = outer.self;
-    leaveProfileFrame(innerFrame);
-    EXPECT_EQ(inner.total, innerTotal);
-    startProfiler();
-    EXPECT_EQ(outerFrame.savedTotal, std::uint64_t(outerTotal));
-    EXPECT_EQ(outerFrame.childTime, 0u);
-    spin();
-    leaveProfileFrame(outerFrame);
-    stopProfiler();
-    EXPECT_GT(outer.total, outerTotal);
-    EXPECT_EQ(outer.self - outerSelf, outer.total - outerTotal);
-}
-
-TEST_F(Profiling, ASiteActiveTwiceIsTimedByItsOutermostFrame) {
-    ProfileRecord site = record(L"recursive");
-    link(site);
-    startProfiler();
+    // A site active twice is timed by its outermost frame, not by both.
     ProfileFrame first, second;
-    enterProfileFrame(first, site);
-    spin();
-    enterProfileFrame(second, site);
+    enterProfileFrame(first, twice);
+    enterProfileFrame(second, twice);
     spin();
     leaveProfileFrame(second);
-    std::int64_t innerOnly = site.total;
+    std::int64_t innerOnly = twice.total;
+    spin();
     leaveProfileFrame(first);
+    EXPECT_GT(twice.total, innerOnly);
+    EXPECT_EQ(twice.self, twice.total);
+
+    // A stop settles the frames under way; leaving while stopped changes nothing.
+    enterProfileFrame(outerFrame, outer);
+    std::int64_t outerTotal = outer.total;
+    spin();
     stopProfiler();
-    EXPECT_GT(site.total, innerOnly);
-    // The outer activation's total replaces the inner one's instead of adding to it.
-    EXPECT_EQ(site.self, site.total);
+    std::int64_t total = state.totalTicks;
+    EXPECT_FALSE(state.running);
+    EXPECT_GT(outer.total, outerTotal);
+    outerTotal = outer.total;
+    spin();
+    stopProfiler();
+    leaveProfileFrame(outerFrame);
+    EXPECT_EQ(state.totalTicks, total);
+    EXPECT_EQ(outer.total, outerTotal);
 }
 
 TEST_F(Profiling, ReportLinesShowSharesInHundredths) {
@@ -192,42 +139,6 @@ TEST_F(Profiling, ReportLinesShowSharesInHundredths) {
     EXPECT_EQ(text,
               "a_site_name_that_is_longer_than_ 100.00   5.00  Parser.cpp(404)\n"
               "site                               5.00   0.00  x.cpp(7)\n");
-}
-
-TEST_F(Profiling, ShortOrEmptyRuns) {
-    ProfilerState& state = profilerState();
-    FileError::_eEnum error = FileError::otherError;
-    state.totalTicks = 1234;
-    EXPECT_EQ(report(error), "Unable to profile (total profiling time of 1234 is too low)\n");
-    EXPECT_EQ(error, FileError::success);
-
-    // Enough time, but no site has a share: the report is empty.
-    state.totalTicks = 10000;
-    error = FileError::otherError;
-    EXPECT_EQ(report(error), "");
-    EXPECT_EQ(error, FileError::success);
-}
-
-TEST_F(Profiling, AFailedWriteIsReported) {
-    dir.write("readonly.txt", "");
-    _eHndl<FileRef> file =
-        env->open(fromPlatformText(dir / "readonly.txt"), FileModes(FileModeType::read)).as<FileRef>();
-    ASSERT_FALSE(file.isNull());
-    ProfilerState& state = profilerState();
-    FileError::_eEnum error = FileError::success;
-    state.totalTicks = 5;
-    env->writeProfile(file, error);
-    EXPECT_EQ(error, FileError::writeError);
-
-    ProfileRecord busy = record(L"busy");
-    busy.total = 20000;
-    link(busy);
-    state.totalTicks = 20000;
-    error = FileError::success;
-    env->writeProfile(file, error);
-    EXPECT_EQ(error, FileError::writeError);
-    FileError::_eEnum closed;
-    env->close(file, closed);
 }
 
 TEST_F(Profiling, FailuresRecordTheActiveFrames) {

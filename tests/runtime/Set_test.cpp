@@ -32,11 +32,6 @@ TEST(Comparator, StringsCompareUnitByUnitUnsignedWithPrefixesBelow) {
     EXPECT_EQ(cmp.compare(_eString(wchar_t(0x8000)), L"z"), rankAbove);
     EXPECT_EQ(cmp.compare(_eString(wchar_t(0xFFFF)), _eString(wchar_t(0x7FFF))), rankAbove);
     EXPECT_EQ(_n1_SimpleComparator<wchar_t>::instance().compare(wchar_t(0xFFFF), L'a'), rankAbove);
-    // One comparator object per type, equal to any other of its type.
-    EXPECT_EQ(&StringOrder::instance(), &StringOrder::instance());
-    _eHndl<_eAnyBase> copy(StringOrder::instance().clone());
-    EXPECT_TRUE(copy->isEqual(&StringOrder::instance()));
-    EXPECT_FALSE(copy->isEqual(&_n1_SimpleComparator<int>::instance()));
 }
 
 TEST(Comparator, HandlesPutNullFirstAndPairsCompareFirstThenSecond) {
@@ -72,12 +67,8 @@ TEST(Set, AddKeepsOrderAndLeavesThePresentUntouched) {
     EXPECT_NE(set.elements().rootNode(), root);
     EXPECT_EQ(set.elements(), (_eSeq<int>{1, 3, 4, 5, 9}));
     EXPECT_EQ(shared.elements(), (_eSeq<int>{1, 3, 5, 9}));
-    auto [index, end] = set.lookup(6);
-    EXPECT_EQ(index, end);
-    EXPECT_EQ(end, 4);
+    EXPECT_EQ(set.lookup(6), (std::pair<int, int>{4, 4}));
     EXPECT_EQ(set.lookup(5), (std::pair<int, int>{3, 4}));
-    EXPECT_FALSE(set.contains(2));
-    EXPECT_TRUE(set.contains(1));
 }
 
 TEST(Set, EqualRanksStaySideBySideInArrivalOrder) {
@@ -136,8 +127,6 @@ TEST(Set, EqualityIgnoresTheOrderOfBuilding) {
     _eSet<_eString> a(L"pear", L"apple", L"fig");
     _eSet<_eString> b(L"fig", L"pear", L"apple", L"fig");
     EXPECT_TRUE(a == b);
-    for (int i = 0; i < a.size(); ++i) EXPECT_EQ(a.at(i), b.at(i));
-    EXPECT_EQ(a.at(0), _eString(L"apple"));
     b.add(L"kiwi");
     EXPECT_FALSE(a == b);
     _eSet<_eString> c(L"pear", L"apple", L"plum");
@@ -151,25 +140,4 @@ TEST(Set, EqualityIgnoresTheOrderOfBuilding) {
     y.add(tagged(1, 2));
     y.add(tagged(1, 1));
     EXPECT_TRUE(x == y);
-}
-
-TEST(Map, PutInsertsInKeyOrderAndChangesPresentValues) {
-    _eMap<_eString, int> map;
-    map.put(L"m", 1);
-    map.put(L"c", 2);
-    map.put(L"x", 3);
-    EXPECT_EQ(map.size(), 3);
-    EXPECT_EQ(map.at(0).first, _eString(L"c"));
-    EXPECT_EQ(map.at(2).first, _eString(L"x"));
-    _eMap<_eString, int> before = map;
-    map.put(L"c", 20);
-    EXPECT_EQ(map.size(), 3);
-    EXPECT_EQ(map.get(L"c"), 20);
-    EXPECT_EQ(before.get(L"c"), 2);
-    EXPECT_TRUE(map.containsKey(L"m"));
-    EXPECT_FALSE(map.containsKey(L"n"));
-    EXPECT_EQ(map.lookup(L"n"), (std::pair<int, int>{2, 2}));
-    EXPECT_FALSE(map == before);
-    before.put(L"c", 20);
-    EXPECT_TRUE(map == before);
 }

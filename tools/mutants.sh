@@ -1,0 +1,251 @@
+#!/usr/bin/env bash
+# How many small faults in the core rules the test suite catches. Each mutation below is put
+# into a copy of the tree on its own (one text replaced by another, in one file), the copy is
+# rebuilt and the whole suite run; a mutant is killed when some test fails. The tree itself is
+# never touched. Not part of CI: a run takes about half an hour on two cores.
+#
+#   tools/mutants.sh [WORKDIR] [NUMBER ...]
+#
+# WORKDIR (default: $TMPDIR/modelbridge-mutants) holds the copy and its build; NUMBERs pick
+# mutants from the list (default: all). Uses ccache when it is there, so that undoing a
+# mutation costs little. Exit status: 0 when every mutant was built and judged.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+work=${1:-${TMPDIR:-/tmp}/modelbridge-mutants}
+shift || true
+picked=" $* "
+src="$work/src"
+build="$work/build"
+jobs=$(nproc)
+
+# Each mutant: "@ FILE | WHAT", then "- TEXT" found exactly once in FILE, then "+ TEXT" for it.
+mutations() {
+    cat <<'EOF'
+@ xmi/ClassRenderer.cpp | multiplicity: 0..1 no longer optional when the lower bound is 0
+- if (upper == 1 && lower == 0)
++ if (upper == 1 && lower == 1)
+@ xmi/ClassRenderer.cpp | multiplicity: a lower bound of 1 doesn't constrain the set
+- if (lower > 0)
++ if (lower > 1)
+@ xmi/ClassRenderer.cpp | multiplicity: the digit 9 isn't a digit of a bound
+- if (c < L'0' || c > L'9') return -1;
++ if (c < L'0' || c > L'8') return -1;
+@ xmi/ClassRenderer.cpp | multiplicity: a huge bound isn't capped at the largest 32-bit number
+- value = std::min<std::int64_t>(value * 10 + (c - L'0'), INT32_MAX);
++ value = value * 10 + (c - L'0');
+@ xmi/ClassRenderer.cpp | multiplicity: blanks around a bound aren't trimmed
+- std::int32_t lower = boundValue(trimSpaces(multiplicity.lower));
++ std::int32_t lower = boundValue(multiplicity.lower);
+@ xmi/ClassRenderer.cpp | sections: protected members go to the interface
+- if (textIs(visibility, L"protected")) return Section::confinedPart;
++ if (textIs(visibility, L"protected")) return Section::interfacePart;
+@ xmi/ClassRenderer.cpp | sections: a private member gets an accessor among the state
+- return face == Section::abstractPart ? state : state->merge(*placed(face, accessor));
++ return state->merge(*placed(face, accessor));
+@ xmi/ClassRenderer.cpp | sections: confined before abstract
+- Output body = headed(L"abstract", abstractPart) + headed(L"confined", confinedPart) + interfaceOut
++ Output body = headed(L"confined", confinedPart) + headed(L"abstract", abstractPart) + interfaceOut
+@ xmi/ClassRenderer.cpp | sections: an empty interface is headed when only confined members exist
+- Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty() ?
++ Output interfaceOut = abstractPart->isEmpty() ?
+@ xmi/ClassRenderer.cpp | schema marker: given when any parameter is "in"
+- bool allIn = std::all_of(
++ bool allIn = std::any_of(
+@ xmi/ClassRenderer.cpp | schema marker: given exactly when it shouldn't be
+- (allIn ? tokens({L"!"}) : none())
++ (allIn ? none() : tokens({L"!"}))
+@ xmi/ClassRenderer.cpp | schema: an abstract schema gets a postcondition
+- parameterList(parameters, false) + (abstract ? none() : tokens({L"post", L"?"}));
++ parameterList(parameters, false) + tokens({L"post", L"?"});
+@ xmi/ClassRenderer.cpp | operator forms: one operand read as infix
+- if (parameters.size() == 1) return tokens({L"operator", name})
++ if (parameters.size() == 2) return tokens({L"operator", name})
+@ xmi/ClassRenderer.cpp | operator forms: an infix operator's left operand takes two parameters
+- first(parameters.begin(), parameters.begin() + 1);
++ first(parameters.begin(), parameters.begin() + std::min<std::size_t>(2, parameters.size() - 1));
+@ xmi/ClassRenderer.cpp | operator forms: a name starting with "_" is an operator symbol
+- return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z') || c == L'_';
++ return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z');
+@ xmi/ClassRenderer.cpp | parameter modes: "out" loses its keyword
+- mode = tokens({L"!", L":", L"out"});
++ mode = tokens({L"!", L":"});
+@ xmi/ClassRenderer.cpp | types: "boolean" stays as written
+- if (textIs(text, L"boolean")) return L"bool";
++ if (textIs(text, L"Boolean")) return L"bool";
+@ xmi/ClassRenderer.cpp | literals: a long suffix is kept
+- if ((last == L'L' || last == L'l') && isInteger(value.take(n - 1)))
++ if (last == L'L' && isInteger(value.take(n - 1)))
+@ output/TarvaneElements.cpp | blank lines: one after every closer, however deep
+- else if (closes && indent < 2)
++ else if (closes)
+@ output/TarvaneElements.cpp | blank lines: never written
+- lead = (blankLinePending ? _eString(L"\n\n") : newLine) + indentation;
++ lead = newLine + indentation;
+@ output/TarvaneElements.cpp | layout breaks: a line exactly as wide as allowed is broken
+- column + separator.size() + current.size() > options.getLineWidth()
++ column + separator.size() + current.size() >= options.getLineWidth()
+@ output/TarvaneElements.cpp | layout breaks: a continued line is indented one level too deep
+- _eString indentation = repeated(options.getIndentText(), indent + 1);
++ _eString indentation = repeated(options.getIndentText(), indent + 2);
+@ output/TarvaneElements.cpp | layout breaks: section heads aren't outdented
+- isSectionHead(current) ? indent - 1 : indent;
++ isSectionHead(current) ? indent : indent;
+@ output/TarvaneElements.cpp | layout breaks: comments are cut at the margin, not at a blank
+- return lastBlank > 0 ? lastBlank : room;
++ return room;
+@ output/TarvaneElements.cpp | layout breaks: "end ;" goes on two lines
+- if (blockClosers().contains(previous) && !(current == _eString(L";"))) return L"\n";
++ if (blockClosers().contains(previous)) return L"\n";
+@ output/TarvaneElements.cpp | layout: a blank after "("
+- setOf({L"!", L"(", L".", L"[", L"{"});
++ setOf({L"!", L".", L"[", L"{"});
+@ output/ReservedWords.cpp | reserved words: never escaped
+- return reservedWords().contains(name) ? name + L"_" : name;
++ return name;
+@ output/ReservedWords.cpp | reserved words: "result" isn't one
+- L"redefine", L"ref", L"repeated", L"require", L"result",
++ L"redefine", L"ref", L"repeated", L"require",
+@ xmi/ClassRenderer.cpp | reserved words: names read from elements aren't escaped
+- pieces.pushBack(escape ? escapeReservedWord(trimmed) : trimmed);
++ pieces.pushBack(trimmed);
+@ xmi/XMLDictionary.cpp | dictionary merge: an id on both sides isn't dropped
+- dropped.add(id);
++ (void)id;
+@ xmi/XMLDictionary.cpp | dictionary merge: an id seen twice in one subtree stays
+- if (entries.containsKey(id))
++ if (false && entries.containsKey(id))
+@ xmi/XMLDictionary.cpp | dictionary merge: a dropped id entered again by an ancestor stays
+- if (result->duplicateIds.contains(id)) result->pendingIds.add(id);
++ if (false) result->pendingIds.add(id);
+@ xmi/XMLDictionary.cpp | dictionary merge: the other side's duplicates don't remove an entry
+- if (large.entries.containsKey(smallDuplicates.get(i))) gone.add(smallDuplicates.get(i));
++ if (false) gone.add(smallDuplicates.get(i));
+@ xml/XMLcontent.cpp | id path: two name elements read as one
+- if (children.size() != 1) return missingOrDuplicate(first, children.size());
++ if (children.size() == 0) return missingOrDuplicate(first, children.size());
+@ xml/XMLcontent.cpp | id path: a path stops one step early
+- if (path.size() == 1 || children.isEmpty()) return children;
++ if (path.size() <= 2 || children.isEmpty()) return children;
+@ xml/XMLcontent.cpp | id path: a reference by xmi.idref isn't followed
+- if (candidate->hasAttribute(L"xmi.idref")) return
++ if (false) return
+@ xmi/XMLElement.cpp | id path: a type among several type elements is read
+- if (children.size() != 1) return {};
++ if (children.isEmpty()) return {};
+@ runtime/Btree_2.h | B-tree split: a full leaf spills the wrong element
+- overflow = new _eLeafNode(elements.data[n - 1]);
++ overflow = new _eLeafNode(elements.data[n - 2]);
+@ runtime/Btree_2.h | B-tree concat: the right leaf keeps one element too many
+- rest->dropFront(take);
++ rest->dropFront(take - 1);
+@ runtime/Btree_2.h | B-tree split: a full branch miscounts what it keeps
+- total -= children.data[n - 1]->size();
++ total -= 0;
+@ runtime/Btree_2.h | B-tree: a position on a boundary belongs to the earlier child
+- if (pos < c) break;
++ if (pos <= c) break;
+@ Generated/ParseTables.cpp | table lookup: the largest symbol of a row is lost
+- width = std::max(width, row.get(row.size() - 1).symbol + 1);
++ width = std::max(width, row.get(row.size() - 1).symbol);
+@ Generated/Parser.cpp | table lookup: runs of bytes with different actions are taken as one
+- if (!action || (any && *action != run->semanticAction)) continue;
++ if (!action) continue;
+@ Generated/Parser.cpp | table lookup: known runs are found by state alone
+- if (k.below == below) return k.bytes.get();
++ return k.bytes.get();
+@ Generated/Location.cpp | lexer positions: a tab goes one column past its stop
+- std::int32_t c = column + width - 1;
++ std::int32_t c = column + width;
+@ xml/XMLLex.cpp | lexer positions: a run goes over line ends
+- if (!member[c] || (stopAtLineEnd && c == 10)) {
++ if (!member[c]) {
+@ xml/XMLLex.cpp | lexer: a carriage return isn't white space
+- if (c == 9 || c == 10 || c == 13 || c == 32)
++ if (c == 9 || c == 10 || c == 32)
+@ Generated/Location.cpp | diagnostics order: later lines first
+- if (line != that->line) return line < that->line ? rankBelow : rankAbove;
++ if (line != that->line) return line < that->line ? rankAbove : rankBelow;
+@ Generated/Location.cpp | diagnostics order: errors without a file last
+- return file.isNull() ? rankBelow : rankAbove;
++ return file.isNull() ? rankAbove : rankBelow;
+@ Generated/XMLError.cpp | diagnostics order: errors ordered without their locations
+- return byLocation != rankSame ? byLocation : defaultRank(other);
++ return defaultRank(other);
+@ Generated/XMLImporter.cpp | diagnostics: the first error stands for the most severe
+- if (state->errors.at(i)->severity() == worst) return
++ if (state->errors.at(i)->severity() >= ErrorSeverity::inform) return
+EOF
+}
+
+# Replaces the one occurrence of OLD in FILE by NEW; fails when OLD isn't there exactly once.
+replace_once() {
+    python3 - "$1" "$2" "$3" <<'PY'
+import sys
+path, old, new = sys.argv[1:]
+text = open(path, encoding="utf-8").read()
+count = text.count(old)
+if count != 1:
+    sys.exit(f"{path}: the text to change is there {count} times: {old}")
+open(path, "w", encoding="utf-8").write(text.replace(old, new))
+PY
+}
+
+run_suite() {
+    ctest --test-dir "$build" -j"$jobs" --stop-on-failure --timeout 300 >"$work/ctest.log" 2>&1
+}
+
+build_tree() {
+    cmake --build "$build" -j"$jobs" >"$work/build.log" 2>&1
+}
+
+echo "== copying the tree into $src"
+mkdir -p "$work"
+rm -rf "$src"
+mkdir -p "$src"
+(cd "$root" && git ls-files -z | xargs -0 cp --parents -t "$src")
+ln -sfn "$root/../shared" "$work/shared"
+launcher=()
+if command -v ccache >/dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache); fi
+cmake -S "$src" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo "${launcher[@]}" >"$work/configure.log"
+echo "== building and testing the unchanged tree"
+build_tree || { echo "the unchanged tree doesn't build: $work/build.log"; exit 1; }
+run_suite || { echo "the unchanged tree fails its tests: $work/ctest.log"; exit 1; }
+
+number=0 total=0 killed=0 broken=0
+survivors=()
+file="" what="" old=""
+while IFS= read -r line; do
+    case "$line" in
+        "@ "*) file=${line#@ }; what=${file#* | }; file=${file%% | *} ;;
+        "- "*) old=${line#- } ;;
+        "+ "*)
+            new=${line#+ }
+            number=$((number + 1))
+            if [[ "$picked" != "  " && "$picked" != *" $number "* ]]; then continue; fi
+            total=$((total + 1))
+            cp "$src/$file" "$work/original"
+            if ! replace_once "$src/$file" "$old" "$new"; then
+                broken=$((broken + 1))
+                printf '%3d  NOT APPLIED  %s\n' "$number" "$what"
+                continue
+            fi
+            if ! build_tree; then
+                broken=$((broken + 1))
+                printf '%3d  NOT BUILT    %s (%s)\n' "$number" "$what" "$file"
+                cp "$work/build.log" "$work/build-$number.log"
+            elif run_suite; then
+                survivors+=("$number")
+                printf '%3d  survived     %s (%s)\n' "$number" "$what" "$file"
+            else
+                killed=$((killed + 1))
+                failing=$(grep -m1 -oE '[0-9]+ - [^ ]+ \((Failed|Timeout|SEGFAULT|Subprocess aborted|Exception)' "$work/ctest.log" | sed 's/^[0-9]* - //' || true)
+                printf '%3d  killed       %s (%s) by %s\n' "$number" "$what" "$file" "${failing:-the suite}"
+            fi
+            cp "$work/original" "$src/$file"
+            ;;
+    esac
+done < <(mutations)
+
+build_tree || true
+echo "== $killed of $total mutants killed; ${#survivors[@]} survived${survivors:+ (${survivors[*]})}; $broken not applied or not built"
+[ "$broken" -eq 0 ]
