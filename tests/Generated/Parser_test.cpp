@@ -93,28 +93,6 @@ private:
 
 }  // namespace
 
-TEST(ParserSearch, FlatTableOfRowsOfEveryLength) {
-    auto e = [](int symbol, int parameter) { return ActionTableEntry{symbol, ActionName::shift, parameter}; };
-    ActionTable table{{}, {e(5, 1)}, {e(3, 1), e(7, 2)}, {e(2, 1), e(4, 2), e(6, 3), e(8, 4), e(10, 5)}};
-    FlatActionTable flat(table);
-    const ActionTableEntry none{0, ActionName::error, 0};
-    EXPECT_EQ(flat.find(0, 5), none);
-    EXPECT_EQ(flat.find(1, 5), e(5, 1));
-    EXPECT_EQ(flat.find(1, 4), none);
-    EXPECT_EQ(flat.find(2, 3), e(3, 1));
-    EXPECT_EQ(flat.find(2, 7), e(7, 2));
-    EXPECT_EQ(flat.find(2, 5), none);
-    EXPECT_EQ(flat.find(2, 9), none);
-    for (int s = 2; s <= 10; s += 2) EXPECT_EQ(flat.find(3, s), e(s, s / 2));
-    for (int s : {1, 3, 5, 7, 9, 11}) EXPECT_EQ(flat.find(3, s), none);
-    // The tables are built once and shared.
-    EXPECT_EQ(&XMLParser::tables(), &XMLParser::tables());
-    EXPECT_EQ(XMLParser::tables().terminal.size(), 364);
-    EXPECT_EQ(XMLParser::tables().reductions.size(), 937);
-    EXPECT_TRUE(XMLParser::tables().recovery.isEmpty());
-    EXPECT_EQ(toWString(actionDisplayName(ActionName::sh_red)), L"Shift Reduce");
-}
-
 TEST(ParserSearch, FlatTablesAnswerAsTheRowsDo) {
     for (const ParseTables* tables : {&XMLParser::tables(), &BracketParser::tables()}) {
         for (int state = -1; state <= tables->terminal.size(); ++state) {

@@ -57,9 +57,3 @@ TEST(ParseStack, ChangingACopyLeavesTheOriginal) {
     EXPECT_EQ(copy.peek(0).state, 99);
     EXPECT_EQ(stack.peek(-1).state, 39);
 }
-
-TEST(ParseStack, EntriesHaveNoOrder) {
-    _eSet<StackEntry> set;
-    set.add(entry(0, L'a'));
-    EXPECT_THROW(set.add(entry(1, L'b')), _xCannotHappen);
-}

@@ -165,30 +165,6 @@ TEST(Seq, LeafInFrontOfATallTreeKeepsLeavesLevel) {
     EXPECT_EQ(behind.at(8192 + 40), 0);
 }
 
-TEST(Seq, ChangingACopyClonesExactlyOnePath) {
-    _eSeq<int> original = appendedSeq(0, 3000);  // level 2
-    _eSeq<int> copy = original;
-    EXPECT_EQ(copy.rootNode(), original.rootNode());
-    copy.replaceAt(1234, -1);
-    EXPECT_EQ(original.at(1234), 1234);
-    EXPECT_EQ(copy.at(1234), -1);
-
-    std::vector<const _eBaseNode<int>*> before, after;
-    collectNodes(original.rootNode(), before);
-    collectNodes(copy.rootNode(), after);
-    ASSERT_EQ(before.size(), after.size());
-    std::set<const _eBaseNode<int>*> old(before.begin(), before.end());
-    int fresh = 0;
-    for (const _eBaseNode<int>* node : after)
-        if (old.count(node) == 0) ++fresh;
-    EXPECT_EQ(fresh, original.rootNode()->level() + 1);  // root, one branch, one leaf
-    // An unchanged child of the cloned root is held by both roots; below it nothing changes.
-    const _eBaseNode<int>* sharedBranch = branch(copy.rootNode())->child(0);
-    EXPECT_EQ(sharedBranch, branch(original.rootNode())->child(0));
-    EXPECT_EQ(sharedBranch->countWord(), 2);
-    EXPECT_EQ(branch(sharedBranch)->child(0)->countWord(), 1);
-}
-
 TEST(Seq, RangeRemovalAcrossChildrenKeepsBothEnds) {
     _eSeq<int> s = appendedSeq(0, 200);
     _eSeq<int> keep = s;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <functional>
 #include <vector>
 
 #include "Generated/ErrorEnums.h"
@@ -266,50 +267,36 @@ TEST_F(Storing, DeclarationsOfTemplatesAreReadOnTheWay) {
 }
 
 TEST_F(Storing, FailuresCarryTheirCodesAndMessages) {
-    EXPECT_EQ(failureOf([&] { reader({30})->readCode(); }),
-              failure(SerialErrorType::missingHeap, L"reading CV code from storage-stream"));
-    EXPECT_EQ(failureOf([&] { reader({})->readCode(); }),
-              failure(SerialErrorType::readError, L"reading CV code from storage-stream"));
-    EXPECT_EQ(failureOf([&] {
-                  std::int32_t v;
-                  reader({20})->fillInt(v);
-              }),
-              failure(SerialErrorType::missingInstantiation, L"expected int"));
-    EXPECT_EQ(failureOf([&] {
-                  std::int32_t v;
-                  reader({17, 1})->fillInt(v);
-              }),
-              failure(SerialErrorType::readError, L"reading int from storage-stream"));
-    EXPECT_EQ(failureOf([&] {
-                  bool v;
-                  reader({22, 7})->fillBool(v);
-              }),
-              failure(SerialErrorType::missingInstantiation, L"expected bool"));
-    EXPECT_EQ(failureOf([&] {
-                  std::int32_t v;
-                  reader({15})->fillCollection(v);
-              }),
-              failure(SerialErrorType::missingInstantiation, L"expected a collection"));
-    EXPECT_EQ(failureOf([&] {
-                  std::int32_t v;
-                  reader({12, 16, 3, 9})->fillEnum(L"ErrorSeverity", v);
-              }),
-              failure(SerialErrorType::missingType, L"complete-type index out of range"));
-    EXPECT_EQ(failureOf([&] { reader({28, 15, 15})->readCode(); }),
-              failure(SerialErrorType::missingType, L"invalid template type index"));
-    EXPECT_EQ(failureOf([&] { reader({26, 0xFF, 0xFF})->readCode(); }),
-              failure(SerialErrorType::missingType, L"invalid string length"));
-    EXPECT_EQ(failureOf([&] { reader({26, 3, 0, 'a'})->readCode(); }),
-              failure(SerialErrorType::readError, L"reading system-string from storage-stream"));
-    EXPECT_EQ(failureOf([&] { reader({2, 3})->readCode(); }),
-              failure(SerialErrorType::readError, L"reading CV repeat-count from storage-stream"));
-    EXPECT_EQ(failureOf([&] { reader({2, 3, 0})->readCode(); }),
-              failure(SerialErrorType::readError, L"reading CV repeat-code from storage-stream"));
-    EXPECT_EQ(failureOf([&] {
-                  double v;
-                  reader({29, 1})->fillDouble(v);
-              }),
-              failure(SerialErrorType::missingInstantiation, L"expected real"));
+    std::int32_t number;
+    bool flag;
+    double real;
+    struct Row {
+        Bytes bytes;
+        std::function<void(FillStream&)> read;
+        SerialErrorType::_eEnum code;
+        const wchar_t* message;
+    };
+    auto code = [](FillStream& in) { in.readCode(); };
+    const Row rows[] = {
+        {{30}, code, SerialErrorType::missingHeap, L"reading CV code from storage-stream"},
+        {{}, code, SerialErrorType::readError, L"reading CV code from storage-stream"},
+        {{20}, [&](FillStream& in) { in.fillInt(number); }, SerialErrorType::missingInstantiation, L"expected int"},
+        {{17, 1}, [&](FillStream& in) { in.fillInt(number); }, SerialErrorType::readError,
+         L"reading int from storage-stream"},
+        {{22, 7}, [&](FillStream& in) { in.fillBool(flag); }, SerialErrorType::missingInstantiation, L"expected bool"},
+        {{15}, [&](FillStream& in) { in.fillCollection(number); }, SerialErrorType::missingInstantiation,
+         L"expected a collection"},
+        {{12, 16, 3, 9}, [&](FillStream& in) { in.fillEnum(L"ErrorSeverity", number); }, SerialErrorType::missingType,
+         L"complete-type index out of range"},
+        {{28, 15, 15}, code, SerialErrorType::missingType, L"invalid template type index"},
+        {{26, 0xFF, 0xFF}, code, SerialErrorType::missingType, L"invalid string length"},
+        {{26, 3, 0, 'a'}, code, SerialErrorType::readError, L"reading system-string from storage-stream"},
+        {{2, 3}, code, SerialErrorType::readError, L"reading CV repeat-count from storage-stream"},
+        {{2, 3, 0}, code, SerialErrorType::readError, L"reading CV repeat-code from storage-stream"},
+        {{29, 1}, [&](FillStream& in) { in.fillDouble(real); }, SerialErrorType::missingInstantiation,
+         L"expected real"},
+    };
+    for (const Row& row : rows) EXPECT_EQ(failureOf([&] { row.read(*reader(row.bytes)); }), failure(row.code, row.message));
 
     out->failAfter = 0;
     EXPECT_EQ(failureOf([&] { store->storeInt(1); }),

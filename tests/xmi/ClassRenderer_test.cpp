@@ -120,4 +120,10 @@ TEST(ClassRenderer, ClassDeclarationFromRecords) {
     empty.isAbstract = L"true";
     EXPECT_EQ(joined(ClassRenderer::classDeclaration(empty)),
               L"final class ?[[Missing_Element_'UML:ModelElement.name']] ^= interface end ;");
+    // Members in the confined part alone: no empty interface follows them.
+    FeatureRecord& reset = empty.features.emplace_back();
+    reset.kind = FeatureRecord::operation;
+    reset.operationRecord = {attributeName(L"reset"), L"protected", L"", L"", L"", {}};
+    EXPECT_EQ(joined(ClassRenderer::classDeclaration(empty)),
+              L"final class ?[[Missing_Element_'UML:ModelElement.name']] ^= confined schema ! reset post ? ; end ;");
 }

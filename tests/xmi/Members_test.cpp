@@ -1,6 +1,8 @@
 // Members of classes: attributes, multiplicities, literals, operations, association ends.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "support/ParseRun.h"
 #include "xmi/ClassRenderer.h"
 #include "xml/XMLDocument.h"
@@ -87,34 +89,29 @@ TEST(Members, AttributesAndTheirMultiplicities) {
 }
 
 TEST(Members, OperationsInEveryForm) {
-    std::string area = parameter("r", "return", "int");
-    EXPECT_EQ(Fragment(operation("name='area' visibility='public'", area)).sections(L"UML:Operation"),
-              L" |  | function area : int ^= ? ;");
-    EXPECT_EQ(Fragment(operation("name='area' visibility='public' isAbstract='true'", area)).sections(L"UML:Operation"),
-              L" |  | deferred function area : int ;");
-    EXPECT_EQ(Fragment(operation("name='setX' visibility='public'", parameter("v", "in", "int"))).sections(L"UML:Operation"),
-              L" |  | schema ! setX ( v : int ) post ? ;");
-    EXPECT_EQ(Fragment(operation("name='get' visibility='protected'", parameter("r", "out", "int"))).sections(L"UML:Operation"),
-              L" | schema get ( r ! : out int ) post ? ; | ");
-    EXPECT_EQ(Fragment(operation("name='f' visibility='public'", parameter("r", "return", "v"))).sections(L"UML:Operation"),
-              L" |  | schema ! f post ? ;");
-    EXPECT_EQ(Fragment(operation("name='K'", parameter("a", "in", "int") + parameter("b", "out", "int")))
-                  .sections(L"UML:Operation"),
-              L"build { a : int , b : int } post ? ; |  | ");
-    EXPECT_EQ(Fragment(operation("name='build' visibility='public'", "")).sections(L"UML:Operation"), L" |  | build { } post ? ;");
-    EXPECT_EQ(Fragment(operation("name='s' visibility='public' ownerScope='classifier' isAbstract='true'", area))
-                  .sections(L"UML:Operation"),
-              L" |  | nonmember function s : int ;");
-    EXPECT_EQ(Fragment(operation("name='+' visibility='public'", parameter("a", "in", "int") + parameter("b", "in", "int") + area))
-                  .sections(L"UML:Operation"),
-              L" |  | operator ( a : int ) + ( b : int ) : int ^= ? ;");
-    EXPECT_EQ(Fragment(operation("name='-' visibility='public'", parameter("a", "in", "int") + area)).sections(L"UML:Operation"),
-              L" |  | operator - ( a : int ) : int ^= ? ;");
-    EXPECT_EQ(Fragment(operation("name='*' visibility='public'", area)).sections(L"UML:Operation"),
-              L" |  | operator * : int ^= ? ;");
-    EXPECT_EQ(Fragment(operation("name='two' visibility='public'", area + parameter("s", "return", "int")))
-                  .sections(L"UML:Operation"),
-              L" |  | function two : [[Duplicate return declaration]] ^= ? ;");
+    const std::string area = parameter("r", "return", "int"), a = parameter("a", "in", "int"),
+                      b = parameter("b", "in", "int");
+    const std::tuple<const char*, std::string, const wchar_t*> rows[] = {
+        {"name='area' visibility='public'", area, L" |  | function area : int ^= ? ;"},
+        {"name='area' visibility='public' isAbstract='true'", area, L" |  | deferred function area : int ;"},
+        {"name='_area' visibility='public'", area, L" |  | function _area : int ^= ? ;"},
+        {"name='setX' visibility='public'", parameter("v", "in", "int"), L" |  | schema ! setX ( v : int ) post ? ;"},
+        {"name='get' visibility='protected'", parameter("r", "out", "int"), L" | schema get ( r ! : out int ) post ? ; | "},
+        {"name='f' visibility='public'", parameter("r", "return", "v"), L" |  | schema ! f post ? ;"},
+        {"name='K'", a + parameter("b", "out", "int"), L"build { a : int , b : int } post ? ; |  | "},
+        {"name='build' visibility='public'", "", L" |  | build { } post ? ;"},
+        {"name='s' visibility='public' ownerScope='classifier' isAbstract='true'", area,
+         L" |  | nonmember function s : int ;"},
+        {"name='+' visibility='public'", a + b + area, L" |  | operator ( a : int ) + ( b : int ) : int ^= ? ;"},
+        {"name='+' visibility='public'", a + b + parameter("c", "inout", "int") + area,
+         L" |  | operator ( a : int ) + ( b : int , c ! : int ) : int ^= ? ;"},
+        {"name='-' visibility='public'", a + area, L" |  | operator - ( a : int ) : int ^= ? ;"},
+        {"name='*' visibility='public'", area, L" |  | operator * : int ^= ? ;"},
+        {"name='two' visibility='public'", area + parameter("s", "return", "int"),
+         L" |  | function two : [[Duplicate return declaration]] ^= ? ;"},
+    };
+    for (const auto& [attributes, parameters, expected] : rows)
+        EXPECT_EQ(Fragment(operation(attributes, parameters)).sections(L"UML:Operation"), expected) << attributes;
 }
 
 TEST(Members, AssociationEndsAndClassTypes) {

@@ -8,7 +8,6 @@
 
 #include "support/ParseRun.h"
 #include "xml/XMLDocument.h"
-#include "xml/XMLNames.h"
 
 namespace {
 
@@ -132,53 +131,4 @@ TEST(XMLDictionary, RelationshipsOfAClassFollowLaterAdditions) {
     for (int i = 0; i < all.size(); ++i)
         if (at < ofA.size() && all.at(i).get() == ofA.at(at).get()) ++at;
     EXPECT_EQ(at, ofA.size());
-}
-
-namespace {
-
-int derivations = 0;
-
-_eString markOnce(const _eString& name) {
-    ++derivations;
-    return name + _eString(L"!");
-}
-
-_eString markTwice(const _eString& name) { return name + _eString(L"!!"); }
-
-}  // namespace
-
-TEST(XMLNames, EqualNamesShareOneStringWithinBounds) {
-    _eString first = XMLNames::shared(_eString(L"UML:Class.shared-name-test"));
-    _eString again = XMLNames::shared(_eString(L"UML:Class.shared-name-test"));
-    EXPECT_EQ(first.rootNode(), again.rootNode());
-
-    std::wstring tooLong(XMLNames::longest + 1, L'n');
-    _eString longOne = XMLNames::shared(_eString(std::wstring_view(tooLong)));
-    _eString longAgain = XMLNames::shared(_eString(std::wstring_view(tooLong)));
-    EXPECT_TRUE(longOne == longAgain);
-    EXPECT_NE(longOne.rootNode(), longAgain.rootNode());
-
-    // A derived name is worked out once and then shared; an overlong one every time. Each
-    // derivation keeps its own answers: the same name through another gives that one's.
-    _eString derived = XMLNames::derived<markOnce>(_eString(L"derived-name-test"));
-    EXPECT_EQ(toWString(derived), L"derived-name-test!");
-    EXPECT_EQ(XMLNames::derived<markOnce>(_eString(L"derived-name-test")).rootNode(), derived.rootNode());
-    EXPECT_EQ(derivations, 1);
-    XMLNames::derived<markOnce>(_eString(std::wstring_view(tooLong)));
-    XMLNames::derived<markOnce>(_eString(std::wstring_view(tooLong)));
-    EXPECT_EQ(derivations, 3);
-    // Asked again with the very same string, the answer comes from the recent ones.
-    XMLNames::derived<markOnce>(longOne);
-    XMLNames::derived<markOnce>(longOne);
-    EXPECT_EQ(derivations, 4);
-    EXPECT_EQ(toWString(XMLNames::derived<markTwice>(_eString(L"derived-name-test"))), L"derived-name-test!!");
-    EXPECT_EQ(toWString(XMLNames::derived<markOnce>(_eString(L"derived-name-test"))), L"derived-name-test!");
-
-    // Once the table is full, new names come back as given and equal names stay apart.
-    for (int i = 0; i < XMLNames::capacity; ++i) XMLNames::shared(_eString(std::wstring_view(L"filler" + std::to_wstring(i))));
-    _eString late = XMLNames::shared(_eString(L"late-name"));
-    _eString lateAgain = XMLNames::shared(_eString(L"late-name"));
-    EXPECT_TRUE(late == lateAgain);
-    EXPECT_NE(late.rootNode(), lateAgain.rootNode());
-    EXPECT_EQ(XMLNames::shared(_eString(L"UML:Class.shared-name-test")).rootNode(), first.rootNode());
 }

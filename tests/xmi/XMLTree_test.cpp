@@ -148,6 +148,11 @@ TEST(XMLTree, ContentQueriesAndTheirMessages) {
     _eFrom<XMLElement> twice = rootOf("<a><UML:ModelElement.visibility>public</UML:ModelElement.visibility>"
                                       "<UML:ModelElement.visibility>public</UML:ModelElement.visibility></a>");
     EXPECT_EQ(w(twice->visibility(ctx())), L"?");
+    // Two type elements name no type, even when both lead somewhere.
+    const std::string type = "<UML:StructuralFeature.type><UML:DataType xmi.idref='i'/></UML:StructuralFeature.type>";
+    _eFrom<XMLElement> typed = rootOf("<a>" + type + type + "<UML:DataType xmi.id='i' name='int'/></a>");
+    _eHndl<Context> known(new Context(typed->dictionary()));
+    EXPECT_EQ(typed->readType(L"UML:StructuralFeature.type", known).kind, TypeRecord::unresolved);
 }
 
 TEST(XMLTree, ValuesReferencesAndErrorsOfElements) {

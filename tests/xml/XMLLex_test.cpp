@@ -164,23 +164,3 @@ TEST_F(Lexing, FailuresBecomeErrorRecords) {
     shrunk->closeFile();
     EXPECT_EQ(shrunk->getErrors().size(), 1);
 }
-
-TEST_F(Lexing, DroppedTokensLeaveOneLocationForTheWholeFile) {
-    std::string bytes;
-    for (int line = 0; bytes.size() < (1u << 20); ++line) bytes += "<a b=\"" + std::to_string(line) + "\">x</a>\n";
-    _eHndl<XMLLex> lex = open(bytes);
-    std::set<const Location*> places;
-    std::size_t count = 0;
-    for (_eHndl<Terminal> t;;) {
-        lex->nextToken(t);
-        places.insert(t->getLocation().get());
-        ++count;
-        if (t->getToken() == Token::endOfFile) break;
-        t.reset();
-    }
-    EXPECT_EQ(count, bytes.size());  // the last line feed gives way to the end
-    EXPECT_EQ(places.size(), 1u);
-    EXPECT_EQ(lex->lineNumber(), std::count(bytes.begin(), bytes.end(), '\n'));
-    lex->closeFile();
-    EXPECT_TRUE(lex->getErrors().isEmpty());
-}
