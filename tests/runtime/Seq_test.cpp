@@ -42,13 +42,6 @@ std::vector<int> childSizes(const _eBaseNode<int>* node) {
     return sizes;
 }
 
-// Every node of a tree, for comparing what two versions share.
-void collectNodes(const _eBaseNode<int>* node, std::vector<const _eBaseNode<int>*>& out) {
-    out.push_back(node);
-    if (node->level() == 0) return;
-    for (int i = 0; i < node->asBranch()->childCount(); ++i) collectNodes(node->asBranch()->child(i), out);
-}
-
 // Leaf depths of a tree: all leaves must lie at one depth.
 void leafDepths(const _eBaseNode<int>* node, int depth, std::set<int>& depths) {
     if (node->level() == 0) {
