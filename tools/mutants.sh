@@ -246,6 +246,5 @@ while IFS= read -r line; do
     esac
 done < <(mutations)
 
-build_tree || true
 echo "== $killed of $total mutants killed; ${#survivors[@]} survived${survivors:+ (${survivors[*]})}; $broken not applied or not built"
 [ "$broken" -eq 0 ]
