@@ -3,21 +3,6 @@
 
 #include "support/TestValues.h"
 
-TEST(Handle, SelfAssignmentKeepsCountAndObject) {
-    _eHndl<Probe> p(new Probe(7));
-    _eHndl<Probe>& alias = p;
-    p = alias;
-    EXPECT_EQ(p->countWord(), 1);
-    EXPECT_EQ(p->getValue(), 7);
-    _eHndl<Probe> q(p);
-    EXPECT_EQ(p->countWord(), 2);
-    q = p.get();
-    EXPECT_EQ(p->countWord(), 2);
-    q.reset();
-    EXPECT_EQ(p->countWord(), 1);
-    EXPECT_TRUE(q.isNull());
-}
-
 TEST(Handle, MakeUniqueClonesOnlyWhenShared) {
     _eHndl<Probe> p(new Probe(1));
     Probe* first = p.get();
@@ -107,12 +92,4 @@ TEST(Handle, DefaultRankOrdersClassesByAncestryAndName) {
     EXPECT_EQ(probe.rank(&disc), rankBelow);     // no common ancestor: "Probe" against "Shape"
     EXPECT_EQ(disc._aGetFullTypeInfo()->level, 3);
     EXPECT_EQ(disc._aGetFullTypeInfo()->parent, Circle::_aTypeRecord());
-}
-
-TEST(Handle, DefaultTextAndSelf) {
-    Probe probe;
-    EXPECT_EQ(toWString(probe.toString()), L"No output string defined for this class");
-    EXPECT_EQ(probe.self(), &probe);
-    EXPECT_EQ(toWString(probe._aGetMyTypeInfo()->typeName()), L"Probe");
-    EXPECT_TRUE(probe._aGetMyTypeInfo() == Probe::_aMyTypeInfo());
 }

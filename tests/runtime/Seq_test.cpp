@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <numeric>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -40,15 +39,6 @@ std::vector<int> childSizes(const _eBaseNode<int>* node) {
     const _eBranchNode<int>* b = branch(node);
     for (int i = 0; i < b->childCount(); ++i) sizes.push_back(b->child(i)->size());
     return sizes;
-}
-
-// Leaf depths of a tree: all leaves must lie at one depth.
-void leafDepths(const _eBaseNode<int>* node, int depth, std::set<int>& depths) {
-    if (node->level() == 0) {
-        depths.insert(depth);
-        return;
-    }
-    for (int i = 0; i < node->asBranch()->childCount(); ++i) leafDepths(node->asBranch()->child(i), depth + 1, depths);
 }
 
 }  // namespace
@@ -92,26 +82,6 @@ TEST(Seq, FiveHundredTwelveAppendsFillOneBranchAndTheNextGrowsTheTree) {
     EXPECT_TRUE(bulk.checkTree());
 }
 
-TEST(Seq, InsertIntoFullLeafSpillsTheLastElement) {
-    _eSeq<int> s = appendedSeq(1, 32);
-    s.insertAt(0, 0);
-    EXPECT_EQ(childSizes(s.rootNode()), (std::vector<int>{32, 1}));
-    EXPECT_EQ(branch(s.rootNode())->child(1)->at(0), 32);
-    EXPECT_EQ(contents(s), iota(0, 33));
-}
-
-TEST(Seq, InsertOnABoundaryExtendsTheLeftChild) {
-    std::vector<int> v = iota(0, 40);
-    _eSeq<int> s(40, v.data());  // leaves of 32 and 8
-    _eSeq<int> t = s.concat(s);   // branches of one level merge their children
-    t.removeRange(0, 20);
-    ASSERT_EQ(childSizes(t.rootNode()), (std::vector<int>{12, 8, 32, 8}));
-    t.insertAt(12, -1);  // the boundary between the first two leaves
-    EXPECT_EQ(childSizes(t.rootNode()), (std::vector<int>{13, 8, 32, 8}));
-    EXPECT_EQ(t.at(12), -1);
-    EXPECT_TRUE(t.checkTree());
-}
-
 TEST(Seq, BranchesMergeOnlyBelowSixteenChildren) {
     _eSeq<int> seven = appendedSeq(0, 7 * 32);
     _eSeq<int> eight = appendedSeq(1000, 8 * 32);
@@ -124,65 +94,6 @@ TEST(Seq, BranchesMergeOnlyBelowSixteenChildren) {
     EXPECT_EQ(childSizes(notMerged.rootNode()), (std::vector<int>{256, 256}));
     EXPECT_EQ(branch(notMerged.rootNode())->child(0), eight.rootNode());
     EXPECT_EQ(contents(merged).size(), 15u * 32u);
-}
-
-TEST(Seq, LeafConcatFillsTheLeftLeafFirst) {
-    _eSeq<int> a = appendedSeq(0, 20);
-    _eSeq<int> b = appendedSeq(20, 20);
-    _eSeq<int> c = a.concat(b);
-    EXPECT_EQ(childSizes(c.rootNode()), (std::vector<int>{32, 8}));
-    EXPECT_EQ(contents(c), iota(0, 40));
-    EXPECT_EQ(contents(a), iota(0, 20));  // operands keep their values
-    EXPECT_EQ(contents(b), iota(20, 20));
-
-    _eSeq<int> small = a.concat(appendedSeq(20, 12));
-    EXPECT_EQ(small.rootNode()->level(), 0);
-    EXPECT_EQ(contents(small), iota(0, 32));
-}
-
-TEST(Seq, LeafInFrontOfATallTreeKeepsLeavesLevel) {
-    _eSeq<int> tall = appendedSeq(1, 8192 + 40);
-    ASSERT_EQ(tall.rootNode()->level(), 3);
-    _eSeq<int> one(0);
-    _eSeq<int> joined = one.concat(tall);
-    std::set<int> depths;
-    leafDepths(joined.rootNode(), 0, depths);
-    EXPECT_EQ(depths.size(), 1u);
-    EXPECT_TRUE(joined.checkTree());
-    EXPECT_EQ(contents(joined), iota(0, 8192 + 41));
-
-    _eSeq<int> behind = tall.concat(one);
-    depths.clear();
-    leafDepths(behind.rootNode(), 0, depths);
-    EXPECT_EQ(depths.size(), 1u);
-    EXPECT_EQ(behind.at(8192 + 40), 0);
-}
-
-TEST(Seq, RangeRemovalAcrossChildrenKeepsBothEnds) {
-    _eSeq<int> s = appendedSeq(0, 200);
-    _eSeq<int> keep = s;
-    s.removeRange(20, 100);  // from the first leaf into the middle of the fourth
-    std::vector<int> expected = iota(0, 20);
-    std::vector<int> tail = iota(120, 80);
-    expected.insert(expected.end(), tail.begin(), tail.end());
-    EXPECT_EQ(contents(s), expected);
-    EXPECT_TRUE(s.checkTree());
-    EXPECT_EQ(contents(keep), iota(0, 200));
-
-    s.removeRange(0, s.size());
-    EXPECT_EQ(s.rootNode(), _eSeq<int>().rootNode());
-}
-
-TEST(Seq, RemovalsNormaliseToTheSharedEmptyLeaf) {
-    const _eBaseNode<int>* empty = _eSeq<int>().rootNode();
-    _eSeq<int> s = appendedSeq(0, 40);
-    EXPECT_EQ(s.take(0).rootNode(), empty);
-    EXPECT_EQ(s.drop(40).rootNode(), empty);
-    EXPECT_EQ(s.take(10).rootNode()->level(), 0);  // the branch collapses
-    EXPECT_EQ(contents(s.take(10)), iota(0, 10));
-    EXPECT_EQ(contents(s.drop(35)), iota(35, 5));
-    while (!s.isEmpty()) s.removeLast();
-    EXPECT_EQ(s.rootNode(), empty);
 }
 
 TEST(Seq, HandleElementsAreCountedAndReleased) {

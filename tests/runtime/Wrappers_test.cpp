@@ -68,36 +68,6 @@ TEST(Wrappers, TextsOfValuesAndLabels) {
         {text(*wrap<_eSeparatorId::_eWrapper>(_eSeparatorId::RightArrow)), L"RightArrow"},
     };
     for (const auto& [value, expected] : rows) EXPECT_EQ(value, expected);
-    // An enumeration is stored under its storage name, declared by the name of its type.
-    EXPECT_EQ(std::wstring(FileError::_eWrapper::storageName), L"_FileError");
-    EXPECT_EQ(std::wstring(ErrorSeverity::_eWrapper::storageName), L"ErrorSeverity");
-    EXPECT_EQ(toWString(FileError::_eWrapper::_aMyTypeInfo()->typeName()), L"FileError");
-}
-
-TEST(Wrappers, LiveOutsideThePoolAndRefuseToStoreFields) {
-    std::int64_t pooled = _ePool::shared.pooledBytes();
-    std::int64_t free = _ePool::shared.freeListBytes();
-    {
-        auto w = wrap<IntWrapper>(1);
-        _eHndl<_eAnyBase> copy(w->clone());
-        EXPECT_TRUE(copy->isEqual(w.get()));
-    }
-    EXPECT_EQ(_ePool::shared.pooledBytes(), pooled);
-    EXPECT_EQ(_ePool::shared.freeListBytes(), free);
-
-    auto w = wrap<IntWrapper>(1);
-    // The member raises before it could touch the stream, so any storage stands in for one.
-    alignas(std::max_align_t) unsigned char stream[256] = {};
-    try {
-        w->storeFields(*reinterpret_cast<StoreStream*>(stream));
-        FAIL() << "storeFields returned";
-    } catch (const _xCannotHappen& failure) {
-        wchar_t buffer[200];
-        wchar_t* pos = buffer;
-        unsigned remaining = 200;
-        failure.writeDetail(pos, remaining);
-        EXPECT_EQ(std::wstring(buffer), L"Absurd method called");
-    }
 }
 
 TEST(Union, TellsItsAlternativeByClass) {
