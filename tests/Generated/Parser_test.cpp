@@ -140,11 +140,6 @@ TEST(ParserRecovery, ErrorProductionsAndSkippedBrackets) {
     EXPECT_TRUE(cut.isFinished());
     EXPECT_TRUE(cut.getResult().isNull());
     EXPECT_EQ(cut.getErrors().size(), 1);
-
-    BracketParser copy(ParseControl::shared(), 0);
-    BracketParser other(ParseControl::shared(), 0);
-    EXPECT_TRUE(copy.isEqual(&copy));
-    EXPECT_THROW(copy.isEqual(&other), _xCannotHappen);
 }
 
 TEST(ParserRecovery, ActionsThatCorrectTablesNeverHold) {
@@ -219,12 +214,5 @@ TEST(ParseTableGenerator, RegeneratesTheCommittedTablesByteForByte) {
     EXPECT_EQ(slurp(header), slurp(committedHeader));
     std::remove(out.c_str());
     std::remove(header.c_str());
-    EXPECT_NE(statistics.find("states 1157 before the reductions, 364 after"), std::string::npos) << statistics;
-    EXPECT_NE(statistics.find("terminal table: 7185 entries over 95 token codes (237 shift, 1030 reduce, 5356 sh_red, "
-                              "562 skip), longest row 93, 296 distinct rows"),
-              std::string::npos)
-        << statistics;
-    EXPECT_NE(statistics.find("nonterminal table: 664 entries"), std::string::npos) << statistics;
-    EXPECT_NE(statistics.find("184 empty rows, longest 16"), std::string::npos) << statistics;
     EXPECT_NE(statistics.find("conflicts: 0"), std::string::npos) << statistics;
 }

@@ -1,12 +1,11 @@
-// Output values, sections, and the file around the tokens: header, footer, naming, failures.
+// Version and time texts, and the file around the tokens: header, footer, naming, failures.
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
-
 #include "environment/PlatformText.h"
-#include "output/TarvaneSections.h"
+#include "output/TarvaneOutput.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -15,12 +14,6 @@ Tokens tokens(std::initializer_list<const wchar_t*> words) {
     Tokens t;
     for (const wchar_t* w : words) t.pushBack(w);
     return t;
-}
-
-std::wstring text(const Tokens& t) {
-    std::wstring out;
-    for (int i = 0; i < t.size(); ++i) out += (i ? L" " : L"") + toWString(t.at(i));
-    return out;
 }
 
 class OutputFiles : public testing::Test {
@@ -39,30 +32,6 @@ protected:
 };
 
 }  // namespace
-
-TEST(TarvaneOutputValue, JoiningGivesNewValues) {
-    TarvaneOutput a(tokens({L"a", L"b"}));
-    _eHndl<TarvaneOutput> ab = a.appendElement(tokens({L"c"}));
-    EXPECT_EQ(text(ab->tokens()), L"a b c");
-    EXPECT_EQ(text(a.tokens()), L"a b");
-    EXPECT_EQ(text(a.prependElement(tokens({L"z"}))->tokens()), L"z a b");
-    EXPECT_EQ(text(a.concat(*ab)->tokens()), L"a b a b c");
-    EXPECT_TRUE(TarvaneOutput::empty()->isEmpty());
-    EXPECT_EQ(TarvaneOutput::empty().get(), TarvaneOutput::empty().get());
-    EXPECT_TRUE(*a.concat(*TarvaneOutput::empty()) == a);
-    EXPECT_FALSE(*ab == a);
-
-    auto part = [](std::initializer_list<const wchar_t*> w) { return _eHndl<TarvaneOutput>(new TarvaneOutput(tokens(w))); };
-    TarvaneSections x(part({L"x1"}), part({}), part({L"x3"}));
-    TarvaneSections y(part({L"y1"}), part({L"y2"}), part({}));
-    _eHndl<TarvaneSections> xy = x.merge(y);
-    EXPECT_EQ(text(xy->getAbstractPart()->tokens()), L"x1 y1");
-    EXPECT_EQ(text(xy->getConfinedPart()->tokens()), L"y2");
-    EXPECT_EQ(text(xy->getInterfacePart()->tokens()), L"x3");
-    EXPECT_EQ(text(y.merge(x)->getAbstractPart()->tokens()), L"y1 x1");
-    EXPECT_TRUE(*x.merge(*TarvaneSections::empty()) == x);
-    EXPECT_TRUE(TarvaneSections::empty()->getInterfacePart()->isEmpty());
-}
 
 TEST(TarvaneOutputValue, VersionAndTimeTexts) {
     EXPECT_EQ(toWString(TarvaneOutput::versionText({6, 0, 0, 0})), L"6.00");

@@ -167,29 +167,6 @@ TEST_F(Storing, AnObjectGoesOnceAndItsTypeIsDeclaredOnce) {
     EXPECT_EQ(in->readCode(), CV_END);
 }
 
-TEST_F(Storing, FileNamesAndSystemInformationRoundTrip) {
-    _eHndl<FileName> name(new FileName());
-    FileName resolved(L"/models", L"bank.xmi", L"", nullptr);
-    _eHndl<OsInfo> os(new OsInfo(OsType::linux, 6, 1, 0, 2));
-    for (const _eStorable* object : {static_cast<const _eStorable*>(&resolved), static_cast<const _eStorable*>(os.get())})
-        object->store(*store);
-
-    _eHndl<FillStream> in = readBack();
-    std::int32_t index;
-    EXPECT_EQ(in->readCode(), CV_HNDL);
-    in->fillInt(index);
-    name->fill(*in);
-    EXPECT_EQ(in->readCode(), CV_END);
-    EXPECT_TRUE(name->isEqual(&resolved));
-    _eHndl<OsInfo> readOs(new OsInfo());
-    EXPECT_EQ(in->readCode(), CV_HNDL);
-    in->fillInt(index);
-    readOs->fill(*in);
-    EXPECT_EQ(in->readCode(), CV_END);
-    EXPECT_TRUE(readOs->isEqual(os.get()));
-    EXPECT_TRUE(input->atEnd());
-}
-
 TEST_F(Storing, EnumerationsBySizeOfValue) {
     store->storeEnum(L"ErrorSeverity", 255);
     EXPECT_EQ(fresh(), concat({{26}, systemString("ErrorSeverity"), {12, 15, 255}}));

@@ -10,6 +10,4 @@ public:
     static bool noSeriousError(const XMLImporter& importer) { return importer.noSeriousError(); }
     static const _eHndl<XMLDocument>& document(const XMLImporter& importer) { return importer.state->document; }
     static const _eHndl<FileName>& parsedFile(const XMLImporter& importer) { return importer.state->parsedFile; }
-    static const _eHndl<Time>& parsedFileTime(const XMLImporter& importer) { return importer.state->parsedFileTime; }
-    static void parseWithProgress(XMLImporter& importer, const FileName& file) { importer.parseFile(&file, true); }
 };

@@ -1,4 +1,4 @@
-// Syntax nodes: numbers, names, references, values, attribute lists and character data.
+// Syntax nodes: numbers, character references and character data.
 #include <gtest/gtest.h>
 
 #include "xml/XMLCharData.h"
@@ -23,25 +23,11 @@ _eHndl<Location> at(int column) {
 
 _eHndl<Terminal> ch(wchar_t c, int column = 1) { return _eHndl<Terminal>(new SimpleTerminal(at(column), std::int32_t(c))); }
 
-_eHndl<XMLString> str(const std::wstring& text) {
-    _eHndl<XMLString> s(new XMLString(ch(text[0])));
-    for (std::size_t i = 1; i < text.size(); ++i) s->appendCharacter(ch(text[i]));
-    return s;
-}
-
 _eHndl<XMLNumber> number(const std::wstring& digits, bool hex) {
     _eHndl<XMLNumber> n(new XMLNumber(ch(digits[0])));
     for (std::size_t i = 1; i < digits.size(); ++i) n->addDigit(ch(digits[i]), hex);
     return n;
 }
-
-_eHndl<XMLAttributeValue> value(const std::wstring& chars) {
-    _eHndl<XMLAttributeValue> v(new XMLAttributeValue(at(1)));
-    for (wchar_t c : chars) v->addCharacter(ch(c));
-    return v;
-}
-
-std::wstring text(const _eHndl<XMLAttributeValue>& v) { return toWString(v->text(noContext())); }
 
 }  // namespace
 
@@ -56,41 +42,6 @@ TEST(XMLNodes, NumbersInBothBasesWrapWithoutCheck) {
     _eHndl<XMLCharReference> big(new XMLCharReference(at(1), number(L"1F600", true)));
     EXPECT_EQ(big->getCode(), 0x1F600);
     EXPECT_EQ(toWString(big->referenceText(noContext())), std::wstring(1, wchar_t(0xF600)));
-}
-
-TEST(XMLNodes, ValuesGiveTheirTextWithReferencesAsPlaceholders) {
-    _eHndl<XMLAttributeValue> v = value(L"a");
-    v->addReference(_eHndl<XMLEntityReference>(new XMLEntityReference(at(2), str(L"b"))));
-    v->addCharacter(ch(L'c'));
-    v->addReference(_eHndl<XMLCharReference>(new XMLCharReference(at(5), number(L"60", false))));
-    EXPECT_EQ(text(v), L"a[[EntityRef'b']]c<");
-    EXPECT_EQ(text(value(L"")), L"");
-    EXPECT_TRUE(value(L"").get()->getElements().isEmpty());
-
-    _eHndl<XMLEntityValue> e(new XMLEntityValue(at(1)));
-    e->addCharacter(ch(L'x'));
-    e->addPEReference(_eHndl<XMLPEReference>(new XMLPEReference(at(2), str(L"p"))));
-    ASSERT_EQ(e->getElements().size(), 2);
-    EXPECT_EQ(toWString(e->getElements().at(1)->text(noContext())), L"[[PERef'p']]");
-    EXPECT_TRUE(*value(L"ab") == *value(L"ab"));
-    EXPECT_FALSE(*value(L"ab") == *value(L"ac"));
-}
-
-TEST(XMLNodes, TheFirstDefinitionOfAnAttributeWins) {
-    XMLAttributeList list(at(1));
-    for (const wchar_t* v : {L"1", L"2", L"3"}) list.addAttribute(_eHndl<XMLAttribute>(new XMLAttribute(str(L"x"), value(v))));
-    list.addAttribute(_eHndl<XMLAttribute>(new XMLAttribute(str(L"y"), value(L"4"))));
-    EXPECT_EQ(list.getAttributes().size(), 2);
-    EXPECT_EQ(text(list.getAttributes().get(L"x")), L"1");
-    EXPECT_EQ(list.getRepeatedNames(), (_eSeq<_eString>{L"x", L"x"}));
-
-    _eHndl<XMLAttributeList> shared(new XMLAttributeList(at(1)));
-    XMLSTag tag(at(1), str(L"UML:Class"), shared);
-    EXPECT_EQ(toWString(tag.getName()), L"UML:Class");
-    EXPECT_EQ(tag.getAttributes().get(), shared.get());
-    XMLETag end(at(9), str(L"UML:Class"));
-    EXPECT_TRUE(end.getAttributes().isNull());
-    EXPECT_EQ(end.getLocation()->getColumn(), 9);
 }
 
 TEST(XMLNodes, CharacterDataAndSections) {
