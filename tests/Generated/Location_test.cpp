@@ -1,7 +1,6 @@
-// Positions in input files: their text, their movement and their order.
+// Positions in input files: their text and their order.
 #include <gtest/gtest.h>
 
-#include "Generated/ImportOptions.h"
 #include "Generated/Location.h"
 #include "environment/Environment.h"
 
@@ -34,26 +33,6 @@ TEST_F(Locations, TextWithAndWithoutAFile) {
     EXPECT_EQ(text(Location(file(L"/m/x.xmi")).positionText()), L"(0,0)");
 }
 
-TEST_F(Locations, LinesColumnsAndTabStops) {
-    Location l;
-    l.nextLine();
-    EXPECT_EQ(l.getLine(), 1);
-    EXPECT_EQ(l.getColumn(), 1);
-    l.nextTabStop(4);
-    EXPECT_EQ(l.getColumn(), 5);
-    l.nextTabStop(4);
-    EXPECT_EQ(l.getColumn(), 9);
-    l.nextLine();
-    for (int i = 0; i < 3; ++i) l.nextColumn();
-    EXPECT_EQ(l.getColumn(), 4);
-    l.nextTabStop(4);
-    EXPECT_EQ(l.getColumn(), 5);
-    l.nextColumn();
-    l.nextTabStop(8);
-    EXPECT_EQ(l.getColumn(), 9);
-    EXPECT_EQ(l.getLine(), 2);
-}
-
 TEST_F(Locations, OrderByFileThenLineThenColumn) {
     _eHndl<FileName> a = file(L"/m/a.xmi");
     _eHndl<FileName> b = file(L"/m/b.xmi");
@@ -68,14 +47,4 @@ TEST_F(Locations, OrderByFileThenLineThenColumn) {
     EXPECT_TRUE(*at(a, 3, 2) == *at(file(L"/m/a.xmi"), 3, 2));
     EXPECT_FALSE(*at(a, 3, 2) == *at(b, 3, 2));
     EXPECT_FALSE(*at(a, 3, 2) == *none);
-}
-
-TEST(ImportOptions, OneSharedInstanceWithTheDefaults) {
-    const ImportOptions& options = ImportOptions::defaults();
-    EXPECT_EQ(&options, &ImportOptions::defaults());
-    EXPECT_EQ(options.getLineWidth(), 100);
-    EXPECT_EQ(toWString(options.getIndentText()), L"\t");
-    EXPECT_EQ(toWString(options.getCommentPrefix()), L"//");
-    EXPECT_TRUE(options.getFilePrefix().isEmpty());
-    EXPECT_TRUE(options == ImportOptions());
 }

@@ -55,21 +55,6 @@ protected:
 
 }  // namespace
 
-TEST(EnvironmentModes, TheModeTextOfEveryModeSet) {
-    struct Row {
-        Modes modes;
-        bool exists;
-        const char* text;
-    };
-    const Row rows[] = {
-        {Modes(), false, "rb"},          {Modes(Read, Text), false, "rt"},        {Modes(Create), false, "wb"},
-        {Modes(Create, Read), false, "wb+"}, {Modes(Create, Text, Read), false, "wt+"}, {Modes(Append), false, "wb"},
-        {Modes(Append, Text), false, "wt"}, {Modes(Append), true, "rb+"},      {Modes(Append, Text), true, "rt+"},
-        {Modes(Append, Create), true, "wb"},
-    };
-    for (const Row& row : rows) EXPECT_STREQ(Environment::modeText(row.modes, row.exists), row.text);
-}
-
 TEST_F(EnvironmentFiles, CreateTruncatesAndAppendKeepsAndExtends) {
     dir.write("a.txt", "old content");
     auto file = openOk("a.txt", Modes(Create));

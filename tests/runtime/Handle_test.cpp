@@ -30,16 +30,6 @@ TEST(Handle, ChangeAfterCopyNeverShowsThroughAtAnyDepth) {
     EXPECT_EQ(outer->getInner()->countWord(), 1);
 }
 
-TEST(Handle, HandleOnFrozenObjectIsSnapshot) {
-    _eHndl<Probe> p(new Probe(1));
-    _eHndl<Probe> snapshot = p->changeAndCapture(5);
-    EXPECT_NE(snapshot.get(), p.get());
-    EXPECT_EQ(snapshot->getValue(), 5);
-    EXPECT_EQ(snapshot->countWord(), 1);
-    EXPECT_EQ(p->getValue(), 6);
-    EXPECT_EQ(p->countWord(), 1);  // thawed, and not counted by the snapshot
-}
-
 TEST(Handle, FreezeBracketNestsAndThawsOnUnwind) {
     _eHndl<Probe> p(new Probe(1));
     {

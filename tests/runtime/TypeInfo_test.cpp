@@ -20,20 +20,8 @@ namespace {
 using Type = _eHndl<_eInstblTypeInfo>;
 
 Type builtIn(int row) { return Type(new _eInstblTypeInfo(row, false)); }
-Type fileNameType() { return FileName::_aMyTypeInfo(); }
-std::wstring text(const Type& type) { return toWString(type->toString()); }
 
 }  // namespace
-
-TEST(TypeInfo, TextsOfFlagsAndArguments) {
-    EXPECT_EQ(text(builtIn(11)->instantiate({builtIn(0), builtIn(1), builtIn(2)})), L"triple of (int, bool, char)");
-    EXPECT_EQ(text(Type(new _eInstblTypeInfo(21, true))), L"ref FileRef");
-    Type flagged(new _eInstblTypeInfo(*fileNameType()));
-    flagged->setFlags(true, true);
-    Type seqOfFrom = builtIn(6)->instantiate({flagged});
-    EXPECT_EQ(text(seqOfFrom), L"seq of ref from FileName");
-    EXPECT_EQ(text(seqOfFrom->withoutArguments()), L"seq");
-}
 
 TEST(TypeInfo, EqualityWeighsArgumentsThatTheOrderIgnores) {
     Type seqOfChar = builtIn(6)->instantiate({builtIn(2)});

@@ -1,4 +1,4 @@
-// Wrappers of plain values and enumerations, and the union that holds them.
+// Wrappers of plain values and enumerations.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,7 +7,6 @@
 #include "Generated/ErrorEnums.h"
 #include "environment/EnvironmentEnums.h"
 #include "runtime/Enumerations.h"
-#include "runtime/Union.h"
 #include "support/TestValues.h"
 
 namespace {
@@ -68,19 +67,4 @@ TEST(Wrappers, TextsOfValuesAndLabels) {
         {text(*wrap<_eSeparatorId::_eWrapper>(_eSeparatorId::RightArrow)), L"RightArrow"},
     };
     for (const auto& [value, expected] : rows) EXPECT_EQ(value, expected);
-}
-
-TEST(Union, TellsItsAlternativeByClass) {
-    _eUnion ok(_eHndl<Probe>(new Probe(3)));
-    _eUnion failed(wrap<FileError::_eWrapper>(FileError::fileNotFound));
-    EXPECT_TRUE(ok.holds<Probe>());
-    EXPECT_FALSE(ok.holds<FileError::_eWrapper>());
-    EXPECT_EQ(ok.as<Probe>()->getValue(), 3);
-    EXPECT_TRUE(ok.as<FileError::_eWrapper>().isNull());
-    ASSERT_TRUE(failed.holds<FileError::_eWrapper>());
-    EXPECT_EQ(failed.as<FileError::_eWrapper>()->get(), FileError::fileNotFound);
-    EXPECT_TRUE(failed == _eUnion(wrap<FileError::_eWrapper>(FileError::fileNotFound)));
-    EXPECT_FALSE(failed == ok);
-    EXPECT_TRUE(_eUnion().isNull());
-    EXPECT_TRUE(_eUnion() == _eUnion());
 }
