@@ -179,17 +179,11 @@ TEST_F(EnvironmentFiles, StatsOfFilesDirectoriesAndMissingPaths) {
     EXPECT_TRUE(stats->getAttributes().contains(FileAttribute::write));
     EXPECT_FALSE(stats->getAttributes().contains(FileAttribute::directory));
     EXPECT_GE(stats->getLastModified()->getYear(), 2020);
-    std::wstring text = toWString(stats->toString());
-    EXPECT_EQ(text.rfind(L"FileStats object represents a file of size 5 bytes, Created: Year=", 0), 0u) << text;
-    EXPECT_TRUE(text.ends_with(L"Sec=" + std::to_wstring(stats->getLastAccessed()->getSecond()) +
-                               L", With attributes: write;read"))
-        << text;
 
     _eUnion d = env->stats(fromPlatformText(dir.path() + "/"));
     ASSERT_TRUE(d.holds<FileStats>());
     EXPECT_EQ(d.as<FileStats>()->getSize(), 0);
     EXPECT_TRUE(d.as<FileStats>()->getAttributes().contains(FileAttribute::directory));
-    EXPECT_EQ(toWString(d.as<FileStats>()->toString()).rfind(L"FileStats object represents a directory, ", 0), 0u);
     EXPECT_TRUE(env->stats(L"/").holds<FileStats>());
 
     _eUnion trailing = env->stats(path("f.txt/"));

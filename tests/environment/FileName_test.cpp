@@ -112,17 +112,6 @@ TEST_F(FileNames, TakeTheFileSystemsSpellingWhereItIsClear) {
     EXPECT_EQ(text(correctCase(L"/")), L"/");
 }
 
-TEST_F(FileNames, RankByDirectoryThenNameThenExtension) {
-    EXPECT_EQ(rankOf(named(L"a.z"), named(L"b.a")), rankBelow);
-    EXPECT_EQ(rankOf(named(L"a.z"), named(L"a.a")), rankAbove);
-    EXPECT_EQ(rankOf(named(L"z/a.a"), named(L"b.a")), rankAbove);
-    EXPECT_TRUE(named(L"a.b") == named(L"a.b"));
-    EXPECT_FALSE(named(L"a.b") == named(L"a.c"));
-    FileName none;
-    EXPECT_FALSE(none.isValid());
-    EXPECT_EQ(text(none.fullPathText()), L"");
-}
-
 TEST_F(FileNames, TimesOfAFileAreBrokenDownInUtc) {
     dir.write("old.txt", "x");
     utimbuf times{1325376000, 1325376000};  // 1 January 2012, 00:00:00 UTC, a Sunday

@@ -120,22 +120,8 @@ TEST_F(Storing, StringsGoAsCollectionsWithRunsOfCharacters) {
     EXPECT_TRUE(skipped == longText);
 }
 
-TEST_F(Storing, ARunOfThreeCharactersIsReadWithOneCode) {
-    _eHndl<FillStream> in = reader({2, 3, 0, 21, 'x', 0, 'y', 0, 'z', 0, 22, 1});
-    std::wstring read;
-    for (int i = 0; i < 3; ++i) {
-        wchar_t unit = 0;
-        in->fillChar(unit);
-        read.push_back(unit);
-    }
-    EXPECT_EQ(read, L"xyz");
-    EXPECT_EQ(in->getRepeatCount(), 0);
-    bool flag = false;
-    in->fillBool(flag);
-    EXPECT_TRUE(flag);
-    EXPECT_TRUE(input->atEnd());
-
-    // Before version 2 a character is a single byte.
+// Before version 2 a character is a single byte.
+TEST_F(Storing, OldStreamsHoldCharactersOfOneByte) {
     _eHndl<FillStream> old = reader({21, 'q'}, 1);
     wchar_t unit = 0;
     old->fillChar(unit);

@@ -72,11 +72,6 @@ TEST(TypeInfo, LookupByNameTakesTheNewestModule) {
               std::make_pair(int(SerialErrorType::streamError), std::wstring(L"NoSuchType")));
     EXPECT_EQ(failureOf([&] { _eInstblTypeInfo(L"dict", 2, arrow, false, false); }),
               std::make_pair(int(SerialErrorType::streamError), std::wstring(L"dict of (T1RightArrowT2)")));
-
-    _eHndl<_eCandidateMDAnode> found = _eTemplateTypeMatcher::shared().match({L"Location", 0, {}});
-    ASSERT_FALSE(found.isNull());
-    EXPECT_EQ(moduleAt(found->getModuleIndex()), &_aModule7);
-    EXPECT_EQ(found->getIndexes(), _eSeq<int>{0});
 }
 
 TEST(TypeInfo, UnrelatedClassesOrderByTheirNames) {

@@ -1,9 +1,6 @@
 // The language that the XML parser accepts, and where it refuses the rest.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "support/ParseRun.h"
 
@@ -83,23 +80,6 @@ TEST(XMLGrammar, DoctypeDeclarations) {
             "  <!NOTATION n PUBLIC 'n'>\n"
             "  %p;\n"
             "]>\n<a/>");
-}
-
-TEST(XMLGrammar, EveryFileOfTheCorpusIsAccepted) {
-    std::filesystem::path corpus = MODELBRIDGE_CORPUS_DIR;
-    if (!std::filesystem::exists(corpus)) GTEST_SKIP() << "no corpus at " << corpus;
-    int files = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(corpus)) {
-        if (entry.path().extension() != ".xmi") continue;
-        std::ifstream in(entry.path(), std::ios::binary);
-        std::ostringstream bytes;
-        bytes << in.rdbuf();
-        ParseOutcome o = parseText(bytes.str());
-        EXPECT_TRUE(o.accepted) << entry.path();
-        EXPECT_TRUE(o.errors.empty()) << entry.path();
-        ++files;
-    }
-    EXPECT_GE(files, 8);
 }
 
 namespace {

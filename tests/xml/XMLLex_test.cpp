@@ -3,7 +3,6 @@
 
 #include <unistd.h>
 
-#include <set>
 #include <string>
 #include <vector>
 
@@ -101,14 +100,6 @@ TEST_F(Lexing, ClassesOfBytes) {
     EXPECT_EQ(XMLLex::tokenCode(0), Token::illegalChar);
     EXPECT_EQ(XMLLex::tokenCode(31), Token::illegalChar);
     EXPECT_EQ(XMLLex::tokenCode(127), Token::otherChar);
-    int punctuation = 0, other = 0;
-    for (int c = 33; c < 127; ++c) {
-        bool alnum = std::isalnum(c) != 0;
-        if (!alnum && XMLLex::tokenCode(static_cast<unsigned char>(c)) == c) ++punctuation;
-        if (XMLLex::tokenCode(static_cast<unsigned char>(c)) == Token::otherChar) ++other;
-    }
-    EXPECT_EQ(punctuation, 25);
-    EXPECT_EQ(other, 7);  // + \ ^ ` { } ~
 
     // Tokens of the classes carry their byte; the others are plain.
     EXPECT_EQ(tokens("a +\xB7\xD7"),
@@ -128,8 +119,6 @@ TEST_F(Lexing, TerminalTexts) {
     EXPECT_EQ(toWString(SimpleTerminal(here, std::int32_t(31)).getText()), L"character(31)");
     EXPECT_EQ(toWString(ComplexTerminal(here, Token::otherChar, L'+').getText()), L"+");
     EXPECT_EQ(SimpleTerminal(here, Token::endOfFile).getCharacter(), wchar_t(256));
-    EXPECT_TRUE(SimpleTerminal(here, L'a') == SimpleTerminal(here, L'a'));
-    EXPECT_FALSE(ComplexTerminal(here, 264, L'+').isEqual(_eHndl<ComplexTerminal>(new ComplexTerminal(here, 264, L'~')).get()));
 }
 
 TEST_F(Lexing, FailuresBecomeErrorRecords) {
