@@ -41,16 +41,6 @@ const char* goodModel = "<XMI><XMI.content><UML:Model name='m'></UML:Model></XMI
 
 }  // namespace
 
-TEST_F(Parsing, AGoodFileIsAnalysedAndKept) {
-    dir.write("good.xmi", std::string("<?xml version='1.0'?>\n") + goodModel);
-    XMLImporter importer(env.get());
-    EXPECT_TRUE(parse(importer, "good.xmi"));
-    EXPECT_EQ(diagnostics(importer), L"Parsed 2 lines from file 'good.xmi' in 0 seconds\n");
-    ASSERT_FALSE(XMLImporterInspector::parsedFile(importer).isNull());
-    EXPECT_EQ(toWString(XMLImporterInspector::parsedFile(importer)->fileNameText()), L"good.xmi");
-    EXPECT_TRUE(importer.getErrorList(true).isEmpty());
-}
-
 TEST_F(Parsing, AMissingFileFailsAndItsErrorStays) {
     dir.write("good.xmi", goodModel);
     XMLImporter importer(env.get());
@@ -77,16 +67,6 @@ TEST_F(Parsing, ADirectoryIsRefusedAndTheParseEnds) {
     EXPECT_FALSE(parse(importer, "folder.xmi"));
     EXPECT_EQ(importer.numErrors(), 1);
     EXPECT_NE(diagnostics(importer).find(toWString(path("folder.xmi"))), std::wstring::npos);
-}
-
-TEST_F(Parsing, ASyntaxErrorStopsTheParseAtItsLine) {
-    dir.write("bad.xmi", "<XMI>\n<a>\n<b x=1/>\n</a>\n</XMI>\n");
-    XMLImporter importer(env.get());
-    EXPECT_FALSE(parse(importer, "bad.xmi"));
-    EXPECT_EQ(diagnostics(importer), L"Parsed 3 lines from file 'bad.xmi' in 0 seconds\n");
-    EXPECT_EQ(importer.numErrors(), 1);
-    EXPECT_EQ(toWString(importer.getMostSevereErrorMsg()), L"bad.xmi (3,6): Fatal error! Syntax error at ''1''.");
-    EXPECT_TRUE(XMLImporterInspector::document(importer).isNull());
 }
 
 TEST_F(Parsing, AProfileRequestWritesProfileTextAndChangesNothingElse) {

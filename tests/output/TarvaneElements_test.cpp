@@ -39,32 +39,6 @@ std::vector<std::wstring> split(const std::wstring& text) {
 
 }  // namespace
 
-TEST(TarvaneLayout, TheSmallClassLineByLine) {
-    std::string text = layout(split(
-        L"class Account ^= inherits Base abstract var balance : int ; const limit ^= 100 ; confined schema ! reset "
-        L"post ? ; interface selector balance ; function limit ; build { amount : int } post ? ; function total ( "
-        L"rate : int ) : int ^= ? ; end ; final class Leaf ^= interface end ;"));
-    EXPECT_EQ(text,
-              "class Account ^= inherits Base\n"
-              "abstract\n"
-              "\tvar balance: int;\n"
-              "\tconst limit ^= 100;\n"
-              "confined\n"
-              "\tschema !reset post ?;\n"
-              "interface\n"
-              "\tselector balance;\n"
-              "\tfunction limit;\n"
-              "\tbuild {amount: int} post ?;\n"
-              "\tfunction total (rate: int): int ^= ?;\n"
-              "end;\n"
-              "\n"
-              "final class Leaf ^=\n"
-              "interface\n"
-              "end;\n");
-    EXPECT_EQ(layout(split(L"class A ^= interface end ;")), "class A ^=\ninterface\nend;\n");
-    EXPECT_EQ(layout({}), "\n");
-}
-
 TEST(TarvaneLayout, BlankLinesOnlyBehindOuterBlocks) {
     std::string text = layout(split(
         L"class A ^= interface function f begin if x then y fi ; z ; end ; function g ; end ;"));

@@ -56,17 +56,6 @@ TEST(Handle, FreezeBracketNestsAndThawsOnUnwind) {
     EXPECT_EQ(p->countWord(), 1);
 }
 
-TEST(Handle, FromComparesDynamicClassThenFields) {
-    _eFrom<Shape> circle(new Circle());
-    _eFrom<Shape> square(new Square());
-    _eFrom<Shape> otherCircle(_eHndl<Circle>(new Circle()));
-    _eFrom<Shape> none;
-    EXPECT_TRUE(circle == otherCircle);
-    EXPECT_FALSE(circle == square);
-    EXPECT_FALSE(circle == none);
-    EXPECT_TRUE(none == _eFrom<Shape>());
-}
-
 TEST(Handle, DefaultRankOrdersClassesByAncestryAndName) {
     Circle circle;
     Square square;

@@ -50,13 +50,3 @@ TEST(Golden, EveryModelGivesItsExpectedText) {
     }
     EXPECT_EQ(models, 8);
 }
-
-TEST(Golden, GenerationWithoutADocumentIsReported) {
-    _eHndl<Environment> env(new Environment());
-    XMLImporter importer(env.get());
-    bool success = true;
-    importer.generateClassFile(L"/tmp/", L"A", success);
-    EXPECT_FALSE(success);
-    EXPECT_EQ(toWString(importer.getMostSevereErrorMsg()), L"<no file>: Fatal error! Not an XMI document.");
-    EXPECT_TRUE(importer.getClassList().isEmpty());
-}

@@ -89,18 +89,6 @@ TEST(XMLTree, BothTagFormsGiveTheSameClasses) {
     EXPECT_NE(dynamic_cast<const UnrecognisedElement*>(types.get(0).get()), nullptr);
 }
 
-TEST(XMLTree, TagNamesCanonicalForm) {
-    EXPECT_EQ(w(XMLElement::canonicalTagName(L"Foundation.Core.Generalization.parent")), L"UML:Generalization.parent");
-    EXPECT_EQ(w(XMLElement::canonicalTagName(L"Foundation.Data_Types.MultiplicityRange.lower")),
-              L"UML:MultiplicityRange.lower");
-    EXPECT_EQ(w(XMLElement::canonicalTagName(L"Model_Management.Package")), L"UML:Package");
-    EXPECT_EQ(w(XMLElement::canonicalTagName(L"foo.Foundation.Core.Class")), L"foo.Foundation.Core.Class");
-    EXPECT_NE(dynamic_cast<const FCClassElement*>(rootOf("<Foundation.Core.Class></Foundation.Core.Class>").get()), nullptr);
-    EXPECT_NE(dynamic_cast<const UnrecognisedElement*>(rootOf("<foo.Foundation.Core.Class></foo.Foundation.Core.Class>").get()),
-              nullptr);
-    EXPECT_NE(dynamic_cast<const FCOperationElement*>(rootOf("<UML:Operation></UML:Operation>").get()), nullptr);
-}
-
 TEST(XMLTree, ContentQueriesAndTheirMessages) {
     _eFrom<XMLElement> e = rootOf(
         "<e><UML:ModelElement.name>class</UML:ModelElement.name>"
@@ -206,29 +194,4 @@ TEST(XMLTree, GenerationNeedsAnXMIRoot) {
                             ImportOptions::defaults());
     EXPECT_TRUE(xmi->getErrors().isEmpty());
     EXPECT_TRUE(dir.read("all.tv").ends_with("\n\n\n\n\n// End of file.\n"));
-}
-
-TEST(XMLTree, AssociationsAndGeneralizationsOfAClass) {
-    _eFrom<XMLElement> root = rootOf(R"(<r>
-<UML:Association xmi.id='as'><UML:Association.connection>
-  <UML:AssociationEnd><UML:AssociationEnd.type><UML:Class xmi.idref='A'/></UML:AssociationEnd.type></UML:AssociationEnd>
-  <UML:AssociationEnd type='B'></UML:AssociationEnd>
-  <UML:AssociationEnd><UML:AssociationEnd.type><UML:Class xmi.idref='C'/></UML:AssociationEnd.type></UML:AssociationEnd>
-</UML:Association.connection></UML:Association>
-<UML:Generalization xmi.id='g'>
-  <UML:Generalization.child><UML:Class xmi.idref='C'/></UML:Generalization.child>
-  <UML:Generalization.parent><UML:GeneralizableElement xmi.idref='A'/></UML:Generalization.parent>
-</UML:Generalization>
-<UML:Generalization xmi.id='g2'><UML:Generalization.subtype><UML:Class xmi.idref='A'/></UML:Generalization.subtype>
-</UML:Generalization></r>)");
-    _eHndl<XMLDictionary> d = root->dictionary();
-    _eHndl<Context> context(new Context(d));
-    EXPECT_EQ(d->associationsOf(L"A", context).size(), 1);
-    EXPECT_EQ(d->associationsOf(L"C", context).size(), 1);
-    EXPECT_EQ(d->associationsOf(L"B", context).size(), 0);  // an end that names its type by an attribute isn't one
-    EXPECT_EQ(d->getAssociations().at(0)->ends().size(), 2);
-    ASSERT_EQ(d->generalizationsOf(L"C", context).size(), 1);
-    EXPECT_EQ(w(d->generalizationsOf(L"C", context).at(0)->attributeText(L"xmi.id", context)), L"g");
-    ASSERT_EQ(d->generalizationsOf(L"A", context).size(), 1);
-    EXPECT_EQ(w(d->generalizationsOf(L"A", context).at(0)->attributeText(L"xmi.id", context)), L"g2");
 }
