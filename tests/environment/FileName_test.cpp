@@ -3,7 +3,6 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utime.h>
 
 #include "environment/Environment.h"
 #include "environment/FileName.h"
@@ -110,18 +109,4 @@ TEST_F(FileNames, TakeTheFileSystemsSpellingWhereItIsClear) {
     EXPECT_EQ(text(named(L"Ab").fullPathText()), full("/Ab"));
     EXPECT_EQ(text(named(L"AB").fullPathText()), full("/AB"));
     EXPECT_EQ(text(correctCase(L"/")), L"/");
-}
-
-TEST_F(FileNames, TimesOfAFileAreBrokenDownInUtc) {
-    dir.write("old.txt", "x");
-    utimbuf times{1325376000, 1325376000};  // 1 January 2012, 00:00:00 UTC, a Sunday
-    ASSERT_EQ(utime((dir / "old.txt").c_str(), &times), 0);
-    _eUnion result = env->stats(fromPlatformText(dir / "old.txt"));
-    ASSERT_TRUE(result.holds<FileStats>());
-    _eHndl<Time> modified = result.as<FileStats>()->getLastModified();
-    EXPECT_EQ(text(modified->toString()), L"Year=2012;Month=1;Date=1;Day=0;Hour=0;Min=0;Sec=0");
-    EXPECT_TRUE(*modified == Time(0, 0, 0, 0, 1, 1, 2012));
-    EXPECT_EQ(modified->rank(result.as<FileStats>()->getLastAccessed().get()), rankSame);
-    EXPECT_EQ(rankOf(Time(59, 59, 23, 6, 31, 12, 2011), *modified), rankBelow);
-    EXPECT_EQ(rankOf(Time(1, 0, 0, 0, 1, 1, 2012), *modified), rankAbove);
 }

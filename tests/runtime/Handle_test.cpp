@@ -3,21 +3,6 @@
 
 #include "support/TestValues.h"
 
-TEST(Handle, MakeUniqueClonesOnlyWhenShared) {
-    _eHndl<Probe> p(new Probe(1));
-    Probe* first = p.get();
-    p.makeUnique();
-    EXPECT_EQ(p.get(), first);
-    EXPECT_EQ(first->countWord(), 1);
-
-    _eHndl<Probe> q(p);
-    q.makeUnique();
-    EXPECT_NE(q.get(), first);
-    EXPECT_EQ(first->countWord(), 1);
-    EXPECT_EQ(q->countWord(), 1);
-    EXPECT_TRUE(q == p);  // equal by content
-}
-
 TEST(Handle, ChangeAfterCopyNeverShowsThroughAtAnyDepth) {
     _eHndl<Probe> outer(new Probe(1));
     outer->setInner(new Probe(2));

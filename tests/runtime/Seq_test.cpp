@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "runtime/Seq.h"
-#include "support/TestValues.h"
 
 namespace {
 
@@ -89,24 +88,6 @@ TEST(Seq, BranchesMergeOnlyBelowSixteenChildren) {
     EXPECT_EQ(childSizes(notMerged.rootNode()), (std::vector<int>{256, 256}));
     EXPECT_EQ(branch(notMerged.rootNode())->child(0), eight.rootNode());
     EXPECT_EQ(contents(merged).size(), 15u * 32u);
-}
-
-TEST(Seq, HandleElementsAreCountedAndReleased) {
-    _eHndl<Probe> p(new Probe(3));
-    {
-        _eSeq<_eHndl<Probe>> s;
-        for (int i = 0; i < 40; ++i) s.pushBack(p);
-        EXPECT_EQ(p->countWord(), 41);
-        _eSeq<_eHndl<Probe>> copy = s;
-        copy.replaceAt(0, _eHndl<Probe>(new Probe(4)));
-        EXPECT_EQ(p->countWord(), 41 + 31);  // the cloned leaf holds its own counts
-        EXPECT_EQ(s.find(_eHndl<Probe>(new Probe(3))), 0);  // found by value, across leaves
-        EXPECT_EQ(copy.find(_eHndl<Probe>(new Probe(3))), 1);
-        EXPECT_EQ(copy.find(_eHndl<Probe>(new Probe(3)), 35, 40), 35);
-        s.removeRange(5, 30);
-        EXPECT_EQ(copy.size(), 40);
-    }
-    EXPECT_EQ(p->countWord(), 1);
 }
 
 TEST(Seq, AppendedRangesFillTheLastLeafAndLeaveCopiesAlone) {

@@ -10,13 +10,23 @@ namespace {
 
 using StringOrder = _n1_SimpleComparator<_eString>;
 
-std::vector<int> tags(const _eSet<_eHndl<Tagged>>& set) {
+using TaggedSet = _eSet<_eHndl<Tagged>>;
+
+// The elements of a set of tagged values, each as key * 100 + tag.
+std::vector<int> tags(const TaggedSet& set) {
     std::vector<int> out;
     for (int i = 0; i < set.size(); ++i) out.push_back(set.at(i)->getKey() * 100 + set.at(i)->getTag());
     return out;
 }
 
 _eHndl<Tagged> tagged(int key, int tag) { return _eHndl<Tagged>(new Tagged(key, tag)); }
+
+// A set of tagged values added in the order given, each written key * 100 + tag.
+TaggedSet setOf(std::initializer_list<int> values) {
+    TaggedSet set;
+    for (int value : values) set.add(tagged(value / 100, value % 100));
+    return set;
+}
 
 }  // namespace
 
@@ -42,7 +52,7 @@ TEST(Comparator, HandlesPutNullFirst) {
     EXPECT_EQ(HandleOrder::order(tagged(1, 0), tagged(2, 0)), rankBelow);
     EXPECT_EQ(HandleOrder::order(tagged(1, 5), tagged(1, 0)), rankSame);
 
-    _eSet<_eHndl<Tagged>> set;
+    TaggedSet set;
     set.add(tagged(3, 0));
     set.add({});
     set.add(tagged(1, 0));
@@ -51,13 +61,7 @@ TEST(Comparator, HandlesPutNullFirst) {
 }
 
 TEST(Set, EqualRanksStaySideBySideInArrivalOrder) {
-    _eSet<_eHndl<Tagged>> set;
-    set.add(tagged(2, 1));
-    set.add(tagged(1, 1));
-    set.add(tagged(2, 2));
-    set.add(tagged(3, 1));
-    set.add(tagged(2, 3));
-    set.add(tagged(2, 2));  // equal to one present: no change
+    TaggedSet set = setOf({201, 101, 202, 301, 203, 202});  // the last is equal to one present: no change
     EXPECT_EQ(tags(set), (std::vector<int>{101, 201, 202, 203, 301}));
     EXPECT_TRUE(set.contains(tagged(2, 3)));
     EXPECT_FALSE(set.contains(tagged(2, 4)));
@@ -67,33 +71,24 @@ TEST(Set, EqualRanksStaySideBySideInArrivalOrder) {
 }
 
 TEST(Set, AddAllPutsTheSmallerIntoTheLarger) {
-    _eSet<_eHndl<Tagged>> small;
-    small.add(tagged(1, 9));
-    small.add(tagged(5, 9));
-    _eSet<_eHndl<Tagged>> large;
-    large.add(tagged(1, 1));
-    large.add(tagged(2, 1));
-    large.add(tagged(5, 1));
-
-    // The smaller one's elements come behind the larger one's of the same rank, either way round.
-    _eSet<_eHndl<Tagged>> a = large;
-    a.addAll(small);
-    EXPECT_EQ(tags(a), (std::vector<int>{101, 109, 201, 501, 509}));
-    _eSet<_eHndl<Tagged>> b = small;
-    b.addAll(large);
-    EXPECT_EQ(tags(b), (std::vector<int>{101, 109, 201, 501, 509}));
-
-    // With equal sizes the argument's elements come first.
-    _eSet<_eHndl<Tagged>> c;
-    c.add(tagged(1, 7));
-    c.add(tagged(6, 7));
-    _eSet<_eHndl<Tagged>> d = small;
-    d.addAll(c);
-    EXPECT_EQ(tags(d), (std::vector<int>{107, 109, 509, 607}));
-    _eSet<_eHndl<Tagged>> e = c;
-    e.addAll(small);
-    EXPECT_EQ(tags(e), (std::vector<int>{109, 107, 509, 607}));
-
+    const TaggedSet small = setOf({109, 509}), large = setOf({101, 201, 501}), other = setOf({107, 607});
+    // The smaller one's elements come behind the larger one's of the same rank, either way round;
+    // with equal sizes the argument's elements come first.
+    const struct {
+        TaggedSet into;
+        TaggedSet added;
+        std::vector<int> expected;
+    } rows[] = {
+        {large, small, {101, 109, 201, 501, 509}},
+        {small, large, {101, 109, 201, 501, 509}},
+        {small, other, {107, 109, 509, 607}},
+        {other, small, {109, 107, 509, 607}},
+    };
+    for (const auto& row : rows) {
+        TaggedSet joined = row.into;
+        joined.addAll(row.added);
+        EXPECT_EQ(tags(joined), row.expected);
+    }
 }
 
 TEST(Set, EqualityIgnoresTheOrderOfBuilding) {
@@ -106,11 +101,5 @@ TEST(Set, EqualityIgnoresTheOrderOfBuilding) {
     EXPECT_FALSE(a == c);
 
     // Rank ties apart, different arrival orders still make equal sets.
-    _eSet<_eHndl<Tagged>> x;
-    x.add(tagged(1, 1));
-    x.add(tagged(1, 2));
-    _eSet<_eHndl<Tagged>> y;
-    y.add(tagged(1, 2));
-    y.add(tagged(1, 1));
-    EXPECT_TRUE(x == y);
+    EXPECT_TRUE(setOf({101, 102}) == setOf({102, 101}));
 }

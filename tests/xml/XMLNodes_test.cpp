@@ -1,4 +1,4 @@
-// Syntax nodes: numbers, character references and character data.
+// Syntax nodes: numbers and character references.
 #include <gtest/gtest.h>
 
 #include "xml/XMLCharData.h"
@@ -42,23 +42,4 @@ TEST(XMLNodes, NumbersInBothBasesWrapWithoutCheck) {
     _eHndl<XMLCharReference> big(new XMLCharReference(at(1), number(L"1F600", true)));
     EXPECT_EQ(big->getCode(), 0x1F600);
     EXPECT_EQ(toWString(big->referenceText(noContext())), std::wstring(1, wchar_t(0xF600)));
-}
-
-TEST(XMLNodes, CharacterDataAndSections) {
-    _eHndl<XMLCharData> data(new XMLCharData(ch(L'a', 4)));
-    for (wchar_t c : std::wstring(L"]]b]]")) data->appendCharacter(ch(c));
-    EXPECT_EQ(toWString(data->getText()), L"a]]b]]");
-    EXPECT_EQ(data->getLocation()->getColumn(), 4);
-    EXPECT_EQ(toWString(XMLCDSect(at(1), data).getText()), L"a]]b");
-    _eHndl<XMLCharData> closing(new XMLCharData(at(1)));
-    closing->appendCharacter(ch(L']'));
-    closing->appendCharacter(ch(L']'));
-    EXPECT_EQ(toWString(XMLCDSect(at(1), closing).getText()), L"");
-    EXPECT_EQ(toWString(XMLCDSect(at(1), _eHndl<XMLCharData>(new XMLCharData(at(1)))).getText()), L"");
-
-    XMLNode node(at(1));
-    _eHndl<XMLError> e(new XMLError(at(1), XMLErrorType::notXMI));
-    node.addError(e);
-    node.addError(_eHndl<XMLError>(new XMLError(at(1), XMLErrorType::notXMI)));
-    EXPECT_EQ(node.getErrors().size(), 1);
 }
