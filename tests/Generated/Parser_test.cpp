@@ -154,42 +154,6 @@ TEST(ParserRecovery, ActionsThatCorrectTablesNeverHold) {
     EXPECT_EQ(texts(noItem.getErrors())[0], L"<no file>: Fatal error! Illegal nonterminal action 'Error' in state '0'.");
 }
 
-TEST(XMLParserDriver, SkipReduceAndTheEnd) {
-    XMLParser p(ParseControl::shared(), 0);
-    p.offerToken(token(Token::whiteSpace, 1));
-    std::int32_t state = p.getState();
-    int depth = p.getStack().entryCount();
-    p.offerToken(token(Token::whiteSpace, 2));  // white space after white space: skipped
-    EXPECT_EQ(p.getState(), state);
-    EXPECT_EQ(p.getStack().entryCount(), depth);
-    p.offerToken(token('<', 3));  // reduces the white space first, then takes "<"
-    EXPECT_EQ(p.getStack().entryCount(), depth + 1);
-    auto top = p.getStack().peek(-1).value;
-    ASSERT_NE(dynamic_cast<const Terminal*>(top.get()), nullptr);
-    EXPECT_EQ(static_cast<const Terminal*>(top.get())->getToken(), '<');
-    p.offerToken(token('a', 4));
-    p.offerToken(token('/', 5));
-    p.offerToken(token('>', 6));
-    EXPECT_FALSE(p.isFinished());
-    p.offerToken(token(Token::endOfFile, 7));  // reduces all the way to the start symbol
-    EXPECT_TRUE(p.isFinished());
-    EXPECT_FALSE(p.getResult().isNull());
-    EXPECT_TRUE(p.getErrors().isEmpty());
-
-    // The end where it can't stand; the first token refused with an empty stack.
-    XMLParser early(ParseControl::shared(), 0);
-    early.offerToken(token('<', 1));
-    early.offerToken(token(Token::endOfFile, 2));
-    EXPECT_TRUE(early.isFinished());
-    EXPECT_EQ(texts(early.getErrors()), std::vector<std::wstring>{L"<no file>: Fatal error! Syntax error at 'character(256)'."});
-    XMLParser first(ParseControl::shared(), 0);
-    first.offerToken(token('x', 1));
-    EXPECT_TRUE(first.isFinished());
-    EXPECT_TRUE(first.getResult().isNull());
-    EXPECT_TRUE(first.getStack().isEmpty());
-    EXPECT_EQ(first.getErrors().size(), 1);
-}
-
 TEST(ParseTableGenerator, RegeneratesTheCommittedTablesByteForByte) {
     std::string dir = testing::TempDir();
     std::string out = dir + "/GrcParse.cpp";

@@ -30,14 +30,6 @@ public:
         _eFreeze freeze(this);
         inner.uniquePointer()->setValue(v);
     }
-    // Reads `this` as a value while it is being changed: a handle taken now is a snapshot.
-    _eHndl<Probe> changeAndCapture(int v) {
-        _eFreeze freeze(this);
-        value = v;
-        _eHndl<Probe> snapshot(this);
-        value = v + 1;
-        return snapshot;
-    }
 
 private:
     int value;              // a plain field

@@ -153,27 +153,6 @@ TEST(XMLTree, ValuesReferencesAndErrorsOfElements) {
     EXPECT_EQ(w(e->getContent()->text()), L"t");
 }
 
-TEST(XMLTree, DictionariesDropIdsThatSiblingsShare) {
-    _eFrom<XMLElement> root = rootOf(
-        "<r><p><x xmi.id='dup' name='one'></x><x xmi.id='a'></x></p><q><x xmi.id='dup' name='two'></x></q>"
-        "<UML:Association xmi.id='as1'></UML:Association><s><UML:Association xmi.id='as2'></UML:Association></s>"
-        "<UML:Generalization xmi.id='g1'></UML:Generalization><UML:Association></UML:Association></r>");
-    _eHndl<XMLDictionary> d = root->dictionary();
-    EXPECT_TRUE(d->lookup(L"dup").isNull());
-    EXPECT_TRUE(d->getDuplicateIds().contains(L"dup"));
-    EXPECT_FALSE(d->lookup(L"a").isNull());
-    ASSERT_EQ(d->getAssociations().size(), 2);
-    // Sibling subtrees of one size each: the later one's association comes first.
-    EXPECT_EQ(w(d->getAssociations().at(0)->attributeText(L"xmi.id", ctx())), L"as2");
-    EXPECT_EQ(d->getGeneralizations().size(), 1);
-
-    // An element whose id one of its descendants repeats keeps its own entry.
-    _eHndl<XMLDictionary> nested = rootOf("<x xmi.id='i' name='outer'><y xmi.id='i' name='inner'></y></x>")->dictionary();
-    ASSERT_FALSE(nested->lookup(L"i").isNull());
-    EXPECT_EQ(nameOf(*nested->lookup(L"i"), false), L"inner");
-    EXPECT_TRUE(nested->getDuplicateIds().contains(L"i"));
-}
-
 TEST(XMLTree, GenerationNeedsAnXMIRoot) {
     TempDir dir;
     _eHndl<const Environment> env(new Environment());
