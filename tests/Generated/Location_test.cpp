@@ -1,12 +1,10 @@
-// Positions in input files: their text and their order.
+// Positions in input files: their order, by file, then line, then column.
 #include <gtest/gtest.h>
 
 #include "Generated/Location.h"
 #include "environment/Environment.h"
 
 namespace {
-
-std::wstring text(const _eString& s) { return toWString(s); }
 
 class Locations : public testing::Test {
 protected:
@@ -21,17 +19,6 @@ protected:
 };
 
 }  // namespace
-
-TEST_F(Locations, TextWithAndWithoutAFile) {
-    EXPECT_EQ(text(Location::nowhere()->text(true)), L"<no file>");
-    EXPECT_EQ(text(Location::nowhere()->text(false)), L"<no file>");
-    EXPECT_EQ(Location::nowhere().get(), Location::nowhere().get());
-    _eHndl<Location> l = at(file(L"/models/one/bank.xmi"), 12, 5);
-    EXPECT_EQ(text(l->text(true)), L"bank.xmi (12,5)");
-    EXPECT_EQ(text(l->text(false)), L"/models/one/bank.xmi (12,5)");
-    EXPECT_EQ(text(l->positionText()), L"(12,5)");
-    EXPECT_EQ(text(Location(file(L"/m/x.xmi")).positionText()), L"(0,0)");
-}
 
 TEST_F(Locations, OrderByFileThenLineThenColumn) {
     _eHndl<FileName> a = file(L"/m/a.xmi");

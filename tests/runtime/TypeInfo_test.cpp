@@ -65,13 +65,3 @@ TEST(TypeInfo, LookupByNameTakesTheNewestModule) {
     EXPECT_EQ(failureOf([&] { _eInstblTypeInfo(L"dict", 2, arrow, false, false); }),
               std::make_pair(int(SerialErrorType::streamError), std::wstring(L"dict of (T1RightArrowT2)")));
 }
-
-TEST(TypeInfo, UnrelatedClassesOrderByTheirNames) {
-    // Unrelated classes are ordered by the names of the module tables.
-    FileError::_eWrapper error(FileError::success);
-    FileModeType::_eWrapper mode(FileModeType::read);
-    _eSeparatorId::_eWrapper separator(_eSeparatorId::Comma);
-    EXPECT_EQ(error.rank(&mode), rankBelow);      // "FileError" against "FileModeType"
-    EXPECT_EQ(separator.rank(&mode), rankAbove);  // "_" (95) against "F" (70)
-    EXPECT_EQ(mode.rank(&error), rankAbove);
-}

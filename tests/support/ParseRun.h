@@ -15,15 +15,13 @@ struct ParseOutcome {
     _eHndl<StackValue> result;
 };
 
-// `unprefixedUml` has the parser read unprefixed UML 1.x tags as the importer's search for
-// classes anywhere does. Without `runs` every byte is offered as a token of its own.
-inline ParseOutcome parseFile(const std::string& path, bool unprefixedUml = false, bool runs = true) {
+// Without `runs` every byte is offered as a token of its own.
+inline ParseOutcome parseFile(const std::string& path, bool runs = true) {
     _eHndl<Environment> env(new Environment());
     _eHndl<XMLLex> lex(new XMLLex(env.get(), 4));
     bool ok = false;
     lex->openFile(_eHndl<FileName>(new FileName(fromPlatformText(path), env.get())), ok);
     _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
-    if (unprefixedUml) parser->readUnprefixedUmlTags();
     while (!parser->isFinished()) {
         _eHndl<Terminal> token;
         lex->nextToken(token);
@@ -40,7 +38,7 @@ inline ParseOutcome parseFile(const std::string& path, bool unprefixedUml = fals
     return outcome;
 }
 
-inline ParseOutcome parseText(const std::string& bytes, bool unprefixedUml = false, bool runs = true) {
+inline ParseOutcome parseText(const std::string& bytes) {
     TempDir dir;
-    return parseFile(dir.write("in.xml", bytes), unprefixedUml, runs);
+    return parseFile(dir.write("in.xml", bytes));
 }

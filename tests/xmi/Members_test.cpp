@@ -64,17 +64,22 @@ std::string parameter(const std::string& name, const std::string& kind, const st
 }  // namespace
 
 TEST(Members, AttributesAndTheirMultiplicities) {
-    EXPECT_EQ(Fragment(attribute("", "")).sections(L"UML:Attribute"), L"var x : T ; |  | selector x ;");
-    EXPECT_EQ(Fragment(attribute("", range("0", "1"))).sections(L"UML:Attribute"), L"var x : T || void ; |  | selector x ;");
-    EXPECT_EQ(Fragment(attribute("", range("1", "*"))).sections(L"UML:Attribute"),
-              L"var x : those x : set of T :- # x >= 1 ; |  | selector x ;");
-    EXPECT_EQ(Fragment(attribute("", range("0", "*"))).sections(L"UML:Attribute"), L"var x : set of T ; |  | selector x ;");
-    EXPECT_EQ(Fragment(attribute("", range("2", "1"))).sections(L"UML:Attribute"), L"var x : T ; |  | selector x ;");
-    EXPECT_EQ(Fragment(attribute("", range(" 2 ", "5"))).sections(L"UML:Attribute"),
-              L"var x : those x : set of T :- # x >= 2 ; |  | selector x ;");
-    EXPECT_EQ(Fragment(attribute("", range("\t2", "5"))).sections(L"UML:Attribute"), L"var x : set of T ; |  | selector x ;");
-    EXPECT_EQ(Fragment(attribute("", range("0", "1") + range("0", "1"))).sections(L"UML:Attribute"),
-              L"var x : T ; |  | selector x ;");
+    // The type that each multiplicity gives the attribute.
+    const std::pair<std::string, const wchar_t*> multiplicities[] = {
+        {"", L"T"},
+        {range("0", "1"), L"T || void"},
+        {range("1", "*"), L"those x : set of T :- # x >= 1"},
+        {range("0", "*"), L"set of T"},
+        {range("2", "1"), L"T"},
+        {range(" 2 ", "5"), L"those x : set of T :- # x >= 2"},
+        {range("\t2", "5"), L"set of T"},
+        {range("0", "1") + range("0", "1"), L"T"},
+    };
+    for (const auto& [ranges, type] : multiplicities) {
+        EXPECT_EQ(Fragment(attribute("", ranges)).sections(L"UML:Attribute"),
+                  L"var x : " + std::wstring(type) + L" ; |  | selector x ;")
+            << ranges;
+    }
     EXPECT_EQ(Fragment("<UML:Attribute name='value' visibility='protected' changeability='frozen'><UML:Attribute.initialValue>"
                        "<UML:Expression body='100L'/></UML:Attribute.initialValue></UML:Attribute>")
                   .sections(L"UML:Attribute"),

@@ -144,8 +144,8 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
         SCOPED_TRACE(text);
         TempDir dir;
         std::string path = dir.write("in.xml", text);
-        ParseOutcome oneByOne = parseFile(path, false, false);
-        ParseOutcome inRuns = parseFile(path, false, true);
+        ParseOutcome oneByOne = parseFile(path, false);
+        ParseOutcome inRuns = parseFile(path, true);
         EXPECT_EQ(inRuns.accepted, oneByOne.accepted);
         EXPECT_EQ(inRuns.errors, oneByOne.errors);
         if (oneByOne.accepted) {

@@ -87,19 +87,12 @@ TEST_F(Lexing, PositionsFromTheFirstByteToTheRepeatedEnd) {
 }
 
 TEST_F(Lexing, ClassesOfBytes) {
-    EXPECT_EQ(XMLLex::tokenCode('a'), 'a');
-    EXPECT_EQ(XMLLex::tokenCode('Z'), 'Z');
-    EXPECT_EQ(XMLLex::tokenCode('7'), '7');
-    EXPECT_EQ(XMLLex::tokenCode(' '), Token::whiteSpace);
-    EXPECT_EQ(XMLLex::tokenCode('+'), Token::otherChar);
-    EXPECT_EQ(XMLLex::tokenCode(183), Token::extender);
-    EXPECT_EQ(XMLLex::tokenCode(215), Token::otherChar);
-    EXPECT_EQ(XMLLex::tokenCode(247), Token::otherChar);
-    EXPECT_EQ(XMLLex::tokenCode(192), Token::baseChar);
-    EXPECT_EQ(XMLLex::tokenCode(255), Token::baseChar);
-    EXPECT_EQ(XMLLex::tokenCode(0), Token::illegalChar);
-    EXPECT_EQ(XMLLex::tokenCode(31), Token::illegalChar);
-    EXPECT_EQ(XMLLex::tokenCode(127), Token::otherChar);
+    const std::pair<unsigned char, std::int32_t> codes[] = {
+        {'a', 'a'}, {'Z', 'Z'}, {'7', '7'}, {' ', Token::whiteSpace}, {'+', Token::otherChar},
+        {183, Token::extender}, {215, Token::otherChar}, {247, Token::otherChar}, {192, Token::baseChar},
+        {255, Token::baseChar}, {0, Token::illegalChar}, {31, Token::illegalChar}, {127, Token::otherChar},
+    };
+    for (const auto& [byte, code] : codes) EXPECT_EQ(XMLLex::tokenCode(byte), code) << int(byte);
 
     // Tokens of the classes carry their byte; the others are plain.
     EXPECT_EQ(tokens("a +\xB7\xD7"),
