@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "modelbridge/modelbridge.hpp"
+#include "support/TempDir.h"
 
 namespace fs = std::filesystem;
 using modelbridge::Model;
@@ -31,17 +32,10 @@ std::string body(const std::string& file) {
 
 class Facade : public testing::Test {
 protected:
-    void SetUp() override {
-        char pattern[] = "/tmp/modelbridge-facade-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        dir = pattern;
-    }
-    void TearDown() override { fs::remove_all(dir); }
-    fs::path write(const std::string& name, const std::string& text) const {
-        std::ofstream(dir / name, std::ios::binary) << text;
-        return dir / name;
-    }
-    fs::path dir;
+    fs::path write(const std::string& name, const std::string& text) const { return temp.write(name, text); }
+
+    TempDir temp;
+    const fs::path dir = temp.path();
 };
 
 const fs::path bank = fs::path(MODELBRIDGE_MODELS_DIR) / "bank.xmi";

@@ -12,6 +12,8 @@
 #include <sstream>
 #include <string>
 
+#include "support/TempDir.h"
+
 namespace {
 
 std::string slurp(const std::string& path) {
@@ -31,12 +33,6 @@ struct HostRun {
 
 class SampleHost : public testing::Test {
 protected:
-    void SetUp() override {
-        char pattern[] = "/tmp/modelbridge-gen-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        dir = pattern;
-    }
-    void TearDown() override { std::system(("rm -rf " + dir).c_str()); }
 
     // Runs the host with the two streams caught apart (in files beside the test's folder).
     HostRun run(const std::string& arguments) const {
@@ -49,7 +45,8 @@ protected:
         return result;
     }
 
-    std::string dir;
+    TempDir temp;
+    const std::string dir = temp.path();
 };
 
 bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }

@@ -77,13 +77,7 @@ TEST_F(OutputFiles, AFileIsHeaderTokensAndFooter) {
 }
 
 TEST_F(OutputFiles, FailuresAreErrorsWithoutALocation) {
-    // A directory stands where the file should go: it can't be opened for writing.
-    mkdir((dir / "Blocked.tv").c_str(), 0755);
-    XMLErrors errors = write(TarvaneOutput(tokens({L"x"})), named("Blocked"));
-    ASSERT_EQ(errors.size(), 1);
-    EXPECT_EQ(toWString(errors.at(0)->text(false)),
-              L"<no file>: Fatal error! Unable to open file '" + toWString(fromPlatformText(dir.path())) +
-                  L"/Blocked.tv' for 'write' access.");
+    XMLErrors errors;
     if (geteuid() != 0) {
         dir.write("Locked.tv", "old");
         chmod((dir / "Locked.tv").c_str(), 0444);

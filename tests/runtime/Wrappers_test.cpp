@@ -1,9 +1,8 @@
-// Wrappers of plain values and enumerations.
+// Wrappers of plain values and enumerations: equality and order.
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "Generated/ActionName.h"
 #include "Generated/ErrorEnums.h"
 #include "environment/EnvironmentEnums.h"
 #include "runtime/Enumerations.h"
@@ -20,8 +19,6 @@ template <class W, class V>
 _eHndl<W> wrap(V v) {
     return _eHndl<W>(new W(v));
 }
-
-std::wstring text(const _eAny& a) { return toWString(a.toString()); }
 
 }  // namespace
 
@@ -53,18 +50,4 @@ TEST(Wrappers, EqualityAndRankWithinAndAcrossClasses) {
     EXPECT_EQ(notFound->rank(wrap<FileError::_eWrapper>(FileError::endOfFile).get()), rankAbove);
     _eHndl<_eAnyBase> copy(notFound->clone());
     EXPECT_TRUE(notFound->isEqual(copy.get()));
-}
-
-TEST(Wrappers, TextsOfValuesAndLabels) {
-    const std::pair<std::wstring, const wchar_t*> rows[] = {
-        {text(*wrap<IntWrapper>(-12)), L"-12"},
-        {text(*wrap<RealWrapper>(2.0)), L"2.0"},
-        {text(*wrap<BoolWrapper>(true)), L"true"},
-        {text(*wrap<_eBasicTypeWrapper<unsigned char>>(255)), L"255"},
-        {text(*wrap<StringWrapper>(_eString(L"ab"))), L"seq{a,b}"},
-        {text(*wrap<FileError::_eWrapper>(FileError::otherError)), L"otherError"},
-        {text(*wrap<ActionName::_eWrapper>(ActionName::sh_red)), L"sh_red"},
-        {text(*wrap<_eSeparatorId::_eWrapper>(_eSeparatorId::RightArrow)), L"RightArrow"},
-    };
-    for (const auto& [value, expected] : rows) EXPECT_EQ(value, expected);
 }

@@ -152,25 +152,3 @@ TEST(XMLTree, ValuesReferencesAndErrorsOfElements) {
     EXPECT_EQ(w(dynamic_cast<const XMLCDSect*>(items.get(2).get())->getText()), L"a]]b");
     EXPECT_EQ(w(e->getContent()->text()), L"t");
 }
-
-TEST(XMLTree, GenerationNeedsAnXMIRoot) {
-    TempDir dir;
-    _eHndl<const Environment> env(new Environment());
-    FileName source(L"/models/m.xmi", env.get());
-    _eHndl<XMLDocument> other = parsed("<Foundation.Core.Class></Foundation.Core.Class>");
-    other->analyse();
-    EXPECT_TRUE(other->getClasses().isEmpty());
-    other->generateClassFile(L"A", fromPlatformText(dir.path() + "/"), source, env, ImportOptions::defaults());
-    other->generateSingleFile(FileName(fromPlatformText(dir / "all.tv"), env.get()), Names(), source, env,
-                              ImportOptions::defaults());
-    ASSERT_EQ(other->getErrors().size(), 1);
-    EXPECT_EQ(w(other->getErrors().at(0)->text(true)), L"in.xml (1,1): Fatal error! Not an XMI document.");
-    EXPECT_TRUE(dir.read("all.tv").empty());
-
-    _eHndl<XMLDocument> xmi = parsed("<XMI></XMI>");
-    xmi->analyse();
-    xmi->generateSingleFile(FileName(fromPlatformText(dir / "all.tv"), env.get()), Names(), source, env,
-                            ImportOptions::defaults());
-    EXPECT_TRUE(xmi->getErrors().isEmpty());
-    EXPECT_TRUE(dir.read("all.tv").ends_with("\n\n\n\n\n// End of file.\n"));
-}
