@@ -1,6 +1,7 @@
 // XMI text parsed into a tree, and the queries that elements ask of their content.
 #include <gtest/gtest.h>
 
+#include "support/CorpusScan.h"
 #include "support/ParseRun.h"
 #include "xmi/ClassRenderer.h"
 #include "xml/XMLCharData.h"
@@ -25,30 +26,9 @@ std::wstring nameOf(const XMLElement& e, bool escape) { return toWString(ClassRe
 bool hasName(const XMLElement& e) { return ClassRenderer::hasName(e.readName()); }
 std::wstring typeNameOf(const XMLElement& e) { return toWString(ClassRenderer::typeName(e.readName())); }
 
-const char* model(bool longTags) {
-    return longTags ? R"(<?xml version="1.0"?>
-<XMI xmi.version="1.0"><XMI.content>
-<Model_Management.Model xmi.id="m"><Foundation.Core.ModelElement.name>Bank</Foundation.Core.ModelElement.name>
-<Foundation.Core.Namespace.ownedElement>
-  <Foundation.Core.Class xmi.id="c1"><Foundation.Core.ModelElement.name> first name, second </Foundation.Core.ModelElement.name>
-    <Foundation.Core.ModelElement.visibility xmi.value="public"/>
-  </Foundation.Core.Class>
-  <Foundation.Core.DataType xmi.id="d1"><Foundation.Core.ModelElement.name>boolean</Foundation.Core.ModelElement.name></Foundation.Core.DataType>
-</Foundation.Core.Namespace.ownedElement>
-</Model_Management.Model>
-</XMI.content></XMI>
-)"
-                    : R"(<?xml version="1.0"?>
-<XMI xmi.version="1.1"><XMI.content>
-<UML:Model xmi.id="m" name="Bank"><UML:Namespace.ownedElement>
-  <UML:Class xmi.id="c1" name=" first name, second " visibility="public" isAbstract="true">
-    <UML:ModelElement.visibility xmi.value="private"/>
-  </UML:Class>
-  <UML:DataType xmi.id="d1" name="boolean"/>
-  <UML:Class xmi.idref="c1"></UML:Class>
-</UML:Namespace.ownedElement></UML:Model>
-</XMI.content></XMI>
-)";
+// A model in UML 1.x's long or short tags (two files under tests/data/tags).
+std::string model(bool longTags) {
+    return readFile(std::string(MODELBRIDGE_TEST_DATA_DIR) + "/tags/" + (longTags ? "long" : "short") + ".xmi");
 }
 
 }  // namespace
