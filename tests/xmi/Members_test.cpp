@@ -1,4 +1,4 @@
-// Members of classes: attributes, multiplicities, literals, operations, association ends.
+// Members of classes: attributes, multiplicities, literals and operations.
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -19,7 +19,7 @@ std::wstring joined(const _eHndl<TarvaneOutput>& out) {
 struct Fragment {
     explicit Fragment(const std::string& inner) {
         ParseOutcome o = parseText("<r>" + inner + "<UML:DataType xmi.id='int' name='int'/><UML:DataType xmi.id='v' name='void'/>"
-                                   "<UML:Class xmi.id='T' name='T' isLeaf='true'></UML:Class><UML:Class xmi.id='N' name='N'></UML:Class></r>");
+                                   "<UML:Class xmi.id='T' name='T' isLeaf='true'></UML:Class></r>");
         EXPECT_TRUE(o.accepted) << inner;
         root = static_cast<XMLDocument*>(o.result.get())->getRoot();
         context = new Context(root->dictionary());
@@ -117,27 +117,4 @@ TEST(Members, OperationsInEveryForm) {
     };
     for (const auto& [attributes, parameters, expected] : rows)
         EXPECT_EQ(Fragment(operation(attributes, parameters)).sections(L"UML:Operation"), expected) << attributes;
-}
-
-TEST(Members, AssociationEndsAndClassTypes) {
-    std::string association =
-        "<UML:Association xmi.id='as'><UML:Association.connection>"
-        "<UML:AssociationEnd isNavigable='false' aggregation='composite'><UML:AssociationEnd.type><UML:Class xmi.idref='N'/>"
-        "</UML:AssociationEnd.type></UML:AssociationEnd>"
-        "<UML:AssociationEnd isNavigable='true' visibility='public'><UML:AssociationEnd.multiplicity><UML:Multiplicity>"
-        "<UML:Multiplicity.range><UML:MultiplicityRange lower='0' upper='*'/></UML:Multiplicity.range></UML:Multiplicity>"
-        "</UML:AssociationEnd.multiplicity><UML:AssociationEnd.type><UML:Class xmi.idref='T'/></UML:AssociationEnd.type>"
-        "</UML:AssociationEnd></UML:Association.connection></UML:Association>";
-    Fragment f(association);
-    auto sections = f.first(L"UML:Association").get();
-    auto* as = dynamic_cast<const FCAssociationElement*>(sections);
-    ASSERT_NE(as, nullptr);
-    _eHndl<TarvaneSections> forN = ClassRenderer::associationSections(as->read(f.context), L"N");
-    // The whole of a composition on an end that can't be navigated holds its part by value.
-    EXPECT_EQ(joined(forN->getAbstractPart()), L"var myT : set of T ;");
-    EXPECT_EQ(joined(forN->getInterfacePart()), L"selector myT ;");
-    EXPECT_TRUE(ClassRenderer::associationSections(as->read(f.context), L"T")->getAbstractPart()->isEmpty());
-    // A class that isn't a leaf is written with "from".
-    EXPECT_EQ(joined(ClassRenderer::typeTokens(f.context->lookup(L"N")->typeRecord(f.context))), L"from N");
-    EXPECT_EQ(joined(ClassRenderer::typeTokens(f.context->lookup(L"T")->typeRecord(f.context))), L"T");
 }
