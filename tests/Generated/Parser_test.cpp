@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Generated/XMLParser.h"
+#include "support/TempDir.h"
 #include "support/TestModule.h"
 
 extern const ParseTableData bracketParseTables;
@@ -164,18 +165,11 @@ TEST(ParseTableGenerator, RegeneratesTheCommittedTablesByteForByte) {
     char buffer[512];
     while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) statistics += buffer;
     ASSERT_EQ(pclose(pipe), 0);
-    auto slurp = [](const std::string& path) {
-        FILE* f = std::fopen(path.c_str(), "rb");
-        std::string s;
-        for (int c; f != nullptr && (c = std::fgetc(f)) != EOF;) s.push_back(char(c));
-        if (f != nullptr) std::fclose(f);
-        return s;
-    };
-    EXPECT_EQ(slurp(out), slurp(XML_TABLES_PATH));
+    EXPECT_EQ(readFile(out), readFile(XML_TABLES_PATH));
     std::string header = dir + "/GrcParse.h";
     std::string committedHeader = std::string(XML_TABLES_PATH);
     committedHeader.replace(committedHeader.size() - 3, 3, "h");
-    EXPECT_EQ(slurp(header), slurp(committedHeader));
+    EXPECT_EQ(readFile(header), readFile(committedHeader));
     std::remove(out.c_str());
     std::remove(header.c_str());
     EXPECT_NE(statistics.find("conflicts: 0"), std::string::npos) << statistics;

@@ -4,8 +4,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 #include "modelbridge/modelbridge.hpp"
@@ -15,13 +13,6 @@ namespace fs = std::filesystem;
 using modelbridge::Model;
 
 namespace {
-
-std::string slurp(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
 
 // The text after the header's seven lines.
 std::string body(const std::string& file) {
@@ -53,7 +44,7 @@ TEST_F(Facade, ParsesListsWritesAndRendersWithResultsOfEachCall) {
     modelbridge::Result written = model.writeClass("Account", dir);
     EXPECT_TRUE(written);
     EXPECT_TRUE(written.diagnostics.empty());
-    std::string account = slurp(dir / "Account.tv");
+    std::string account = readFile(dir / "Account.tv");
     EXPECT_NE(account.find("//* File: '" + (dir / "Account.tv").string() + "'\n"), std::string::npos) << account;
     EXPECT_EQ(body(model.renderClass("Account")), body(account));
     EXPECT_EQ(model.renderClass("Nobody"), "");
@@ -70,10 +61,10 @@ TEST_F(Facade, ParsesListsWritesAndRendersWithResultsOfEachCall) {
     EXPECT_FALSE(fs::exists(dir / "some.tv"));
 
     EXPECT_TRUE(model.writeClasses({"SavingsAccount", "Account"}, dir / "pair"));
-    std::string pair = body(slurp(dir / "pair.tv"));
+    std::string pair = body(readFile(dir / "pair.tv"));
     EXPECT_LT(pair.find("class Account ^="), pair.find("final class SavingsAccount ^="));
     EXPECT_TRUE(model.writeClasses({}, dir / "every.tv"));
-    EXPECT_NE(slurp(dir / "every.tv").find("class Customer ^="), std::string::npos);
+    EXPECT_NE(readFile(dir / "every.tv").find("class Customer ^="), std::string::npos);
 
     // A failed write fails alone; the next good one succeeds.
     modelbridge::Result failed = model.writeClass("Account", dir / "missing" / "deeper");

@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
@@ -15,13 +14,6 @@
 #include "support/TempDir.h"
 
 namespace {
-
-std::string slurp(const std::string& path) {
-    std::ifstream in(path);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
 
 std::string models(const std::string& name) { return std::string(MODELBRIDGE_MODELS_DIR) + "/" + name; }
 
@@ -39,7 +31,7 @@ protected:
         std::string out = dir + ".out", err = dir + ".err";
         std::string command = std::string(MODELBRIDGE_GEN_PATH) + " " + arguments + " >" + out + " 2>" + err;
         int status = std::system(command.c_str());
-        HostRun result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, slurp(out), slurp(err)};
+        HostRun result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err)};
         std::remove(out.c_str());
         std::remove(err.c_str());
         return result;
@@ -60,9 +52,9 @@ TEST_F(SampleHost, DataOnStandardOutputTheReportAndErrorsOnStandardError) {
     EXPECT_EQ(bank.status, 0) << bank.err;
     EXPECT_EQ(bank.out, dir + "/Account.tv\n" + dir + "/Customer.tv\n" + dir + "/SavingsAccount.tv\n");
     EXPECT_EQ(bank.err.rfind("Parsed 116 lines from file 'bank.xmi' in ", 0), 0u) << bank.err;
-    std::string savings = slurp(dir + "/SavingsAccount.tv");
+    std::string savings = readFile(dir + "/SavingsAccount.tv");
     EXPECT_TRUE(contains(savings, "final class SavingsAccount ^= inherits Account\n")) << savings;
-    std::string customer = slurp(dir + "/Customer.tv");
+    std::string customer = readFile(dir + "/Customer.tv");
     EXPECT_TRUE(contains(customer, "\tvar accounts: those x: set of ref from Account :- # x >= 1;\n")) << customer;
 
     HostRun list = run(models("ledger-long.xmi") + " --list");
@@ -78,7 +70,7 @@ TEST_F(SampleHost, DataOnStandardOutputTheReportAndErrorsOnStandardError) {
     HostRun single = run(models("ledger-long.xmi") + " -o " + dir + " --single ledger --class Journal --quiet");
     EXPECT_EQ(single.status, 0) << single.err;
     EXPECT_EQ(single.out, dir + "/ledger.tv\n");
-    std::string ledger = slurp(dir + "/ledger.tv");
+    std::string ledger = readFile(dir + "/ledger.tv");
     EXPECT_TRUE(contains(ledger, "class Journal ^=\nabstract\n\tvar entries: set of Entry;\nconfined\n")) << ledger;
     EXPECT_FALSE(contains(ledger, "class Entry"));
 
@@ -86,10 +78,9 @@ TEST_F(SampleHost, DataOnStandardOutputTheReportAndErrorsOnStandardError) {
     HostRun uml2 = run(std::string(MODELBRIDGE_PROJECT_DIR) + "/tests/data/xmi2/shop-papyrus.uml -q -o " + dir);
     EXPECT_EQ(uml2.status, 0) << uml2.err;
     EXPECT_TRUE(contains(uml2.out, dir + "/Special.tv\n")) << uml2.out;
-    EXPECT_TRUE(contains(slurp(dir + "/Book.tv"), "\nfinal class Book ^= inherits Item\n"));
+    EXPECT_TRUE(contains(readFile(dir + "/Book.tv"), "\nfinal class Book ^= inherits Item\n"));
 
-    std::ofstream(dir + "/bad.xmi") << "<XMI>\n<a b=c/>\n</XMI>\n";
-    HostRun bad = run(dir + "/bad.xmi -q -o " + dir);
+    HostRun bad = run(temp.write("bad.xmi", "<XMI>\n<a b=c/>\n</XMI>\n") + " -q -o " + dir);
     EXPECT_EQ(bad.status, 1);
     EXPECT_EQ(bad.out, "");
     EXPECT_EQ(bad.err, "bad.xmi (2,6): Fatal error! Syntax error at ''c''.\n");
@@ -104,9 +95,9 @@ TEST_F(SampleHost, FoldersAreMadeAndRunsThatWriteNothingFail) {
     HostRun nested = run(models("bank.xmi") + " -q -o " + dir + "/new/deep --class Account");
     EXPECT_EQ(nested.status, 0) << nested.err;
     EXPECT_EQ(nested.out, dir + "/new/deep/Account.tv\n");
-    EXPECT_TRUE(contains(slurp(dir + "/new/deep/Account.tv"), "// End of file.\n"));
+    EXPECT_TRUE(contains(readFile(dir + "/new/deep/Account.tv"), "// End of file.\n"));
 
-    std::ofstream(dir + "/plain") << "a file\n";
+    temp.write("plain", "a file\n");
     HostRun blocked = run(models("bank.xmi") + " -q -o " + dir + "/plain/sub");
     EXPECT_EQ(blocked.status, 1);
     EXPECT_EQ(blocked.out, "");
@@ -141,15 +132,14 @@ TEST_F(SampleHost, FoldersAreMadeAndRunsThatWriteNothingFail) {
     EXPECT_EQ(anywhere.out, dir + "/Inner.tv\n" + dir + "/Outer.tv\n");
 
     // A name beyond ASCII is listed, asked for and written as the model spells it.
-    std::ofstream(dir + "/kunde.xmi") << "<XMI><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
-                                         "<UML:Class xmi.id='k' name='Kund\xC3\xA9'></UML:Class>"
-                                         "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n";
+    temp.write("kunde.xmi", "<XMI><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
+                            "<UML:Class xmi.id='k' name='Kund\xC3\xA9'></UML:Class>"
+                            "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n");
     HostRun named = run(dir + "/kunde.xmi -q -o " + dir + " --class Kund\xC3\xA9");
     EXPECT_EQ(named.status, 0) << named.err;
     EXPECT_EQ(named.out, dir + "/Kund\xC3\xA9.tv\n");
 
-    std::ofstream(dir + "/empty.xmi") << "<XMI><XMI.content></XMI.content></XMI>\n";
-    HostRun empty = run(dir + "/empty.xmi -q --anywhere -o " + dir);
+    HostRun empty = run(temp.write("empty.xmi", "<XMI><XMI.content></XMI.content></XMI>\n") + " -q --anywhere -o " + dir);
     EXPECT_EQ(empty.status, 1);
     EXPECT_EQ(empty.err, "modelbridge-gen: the model holds no class\nmodelbridge-gen: nothing to generate\n");
 }
@@ -161,7 +151,7 @@ TEST_F(SampleHost, FormattingOptionsAndRefusedValues) {
                           " --class Customer --line-width 30 --indent '\\t.' --file-prefix tv_");
     EXPECT_EQ(laidOut.status, 0) << laidOut.err;
     EXPECT_EQ(laidOut.out, dir + "/tv_Customer.tv\n");
-    std::string customer = slurp(dir + "/tv_Customer.tv");
+    std::string customer = readFile(dir + "/tv_Customer.tv");
     EXPECT_TRUE(contains(customer, "\n\t.var accounts: those x: set\n\t.\t.of ref from Account :- # x\n\t.\t.>= 1;\n"))
         << customer;
 
@@ -200,7 +190,7 @@ TEST_F(SampleHost, VersionsOfTheHostTheLibraryAndItsFiles) {
     ASSERT_EQ(run(models("bank.xmi") + " -q -o " + dir + " --class Account").status, 0);
     std::string stamp = "\n//* Generated by Tarvane Studio Model Bridge version " + std::to_string(major) + "." +
                         (minor < 10 ? "0" : "") + std::to_string(minor);
-    EXPECT_TRUE(contains(slurp(dir + "/Account.tv"), stamp)) << stamp;
+    EXPECT_TRUE(contains(readFile(dir + "/Account.tv"), stamp)) << stamp;
 }
 
 namespace {
@@ -235,7 +225,7 @@ TEST_F(SampleHost, HelpManualAndReadmeAgree) {
     EXPECT_EQ(help.status, 0);
     std::set<std::string> named = optionsAndCodes(help.out);
     EXPECT_EQ(named.size(), 14u + 3u);
-    EXPECT_EQ(named, optionsAndCodes(slurp(std::string(MODELBRIDGE_PROJECT_DIR) + "/examples/modelbridge-gen.1.in")));
-    std::set<std::string> codes = optionsAndCodes(slurp(std::string(MODELBRIDGE_PROJECT_DIR) + "/README.md"));
+    EXPECT_EQ(named, optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/examples/modelbridge-gen.1.in")));
+    std::set<std::string> codes = optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/README.md"));
     for (const char* code : {"0", "1", "2"}) EXPECT_EQ(codes.count(code), 1u) << code;
 }

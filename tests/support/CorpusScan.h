@@ -3,14 +3,10 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <string>
 
-inline std::string readFile(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
+#include "support/TempDir.h"
 
 // The value of the attribute `attribute` in the text of a start tag, blanks allowed around "=".
 inline bool attributeValue(const std::string& tag, const std::string& attribute, std::string& value) {

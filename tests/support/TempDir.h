@@ -6,6 +6,12 @@
 #include <fstream>
 #include <string>
 
+// A whole file's bytes; empty when it can't be read.
+inline std::string readFile(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
 class TempDir {
 public:
     TempDir() {
@@ -31,10 +37,7 @@ public:
         std::ofstream(full, std::ios::binary) << bytes;
         return full;
     }
-    std::string read(const std::string& name) const {
-        std::ifstream in(*this / name, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
+    std::string read(const std::string& name) const { return readFile(*this / name); }
 
 private:
     std::string root;
