@@ -5,10 +5,14 @@
 # never touched. Not part of CI: a run takes about half an hour on two cores.
 #
 #   tools/mutants.sh [WORKDIR] [NUMBER ...]
+#   tools/mutants.sh --check
 #
 # WORKDIR (default: $TMPDIR/modelbridge-mutants) holds the copy and its build; NUMBERs pick
 # mutants from the list (default: all). Uses ccache when it is there, so that undoing a
 # mutation costs little. Exit status: 0 when every mutant was built and judged.
+#
+# --check builds nothing: it only makes sure that every mutation still finds its text exactly
+# once in the tree as it is, so that the list keeps up with the code it mutates (CI runs it).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 work=${1:-${TMPDIR:-/tmp}/modelbridge-mutants}
@@ -198,6 +202,36 @@ build_tree() {
     cmake --build "$build" -j"$jobs" >"$work/build.log" 2>&1
 }
 
+# Reads the list and calls EACH with the number, file, description, old and new text of every
+# mutation.
+each_mutation() {
+    local each=$1 line number=0 file="" what="" old=""
+    while IFS= read -r line; do
+        case "$line" in
+            "@ "*) file=${line#@ }; what=${file#* | }; file=${file%% | *} ;;
+            "- "*) old=${line#- } ;;
+            "+ "*) number=$((number + 1)); "$each" "$number" "$file" "$what" "$old" "${line#+ }" ;;
+        esac
+    done < <(mutations)
+}
+
+if [ "$work" = --check ]; then
+    stale=0
+    check_one() {
+        local found
+        found=$(python3 -c 'import sys; print(open(sys.argv[1], encoding="utf-8").read().count(sys.argv[2]))' \
+            "$root/$2" "$4" 2>/dev/null || echo "no file")
+        if [ "$found" != 1 ]; then
+            printf '%3d  found %s times in %s: %s\n' "$1" "$found" "$2" "$3"
+            stale=$((stale + 1))
+        fi
+    }
+    each_mutation check_one
+    echo "== mutation list: $stale of the mutations no longer find their text exactly once"
+    [ "$stale" -eq 0 ]
+    exit
+fi
+
 echo "== copying the tree into $src"
 mkdir -p "$work"
 rm -rf "$src"
@@ -211,40 +245,33 @@ echo "== building and testing the unchanged tree"
 build_tree || { echo "the unchanged tree doesn't build: $work/build.log"; exit 1; }
 run_suite || { echo "the unchanged tree fails its tests: $work/ctest.log"; exit 1; }
 
-number=0 total=0 killed=0 broken=0
+total=0 killed=0 broken=0
 survivors=()
-file="" what="" old=""
-while IFS= read -r line; do
-    case "$line" in
-        "@ "*) file=${line#@ }; what=${file#* | }; file=${file%% | *} ;;
-        "- "*) old=${line#- } ;;
-        "+ "*)
-            new=${line#+ }
-            number=$((number + 1))
-            if [[ "$picked" != "  " && "$picked" != *" $number "* ]]; then continue; fi
-            total=$((total + 1))
-            cp "$src/$file" "$work/original"
-            if ! replace_once "$src/$file" "$old" "$new"; then
-                broken=$((broken + 1))
-                printf '%3d  NOT APPLIED  %s\n' "$number" "$what"
-                continue
-            fi
-            if ! build_tree; then
-                broken=$((broken + 1))
-                printf '%3d  NOT BUILT    %s (%s)\n' "$number" "$what" "$file"
-                cp "$work/build.log" "$work/build-$number.log"
-            elif run_suite; then
-                survivors+=("$number")
-                printf '%3d  survived     %s (%s)\n' "$number" "$what" "$file"
-            else
-                killed=$((killed + 1))
-                failing=$(grep -m1 -oE '[0-9]+ - [^ ]+ \((Failed|Timeout|SEGFAULT|Subprocess aborted|Exception)' "$work/ctest.log" | sed 's/^[0-9]* - //' || true)
-                printf '%3d  killed       %s (%s) by %s\n' "$number" "$what" "$file" "${failing:-the suite}"
-            fi
-            cp "$work/original" "$src/$file"
-            ;;
-    esac
-done < <(mutations)
+try_one() {
+    local number=$1 file=$2 what=$3 old=$4 new=$5 failing
+    if [[ "$picked" != "  " && "$picked" != *" $number "* ]]; then return; fi
+    total=$((total + 1))
+    cp "$src/$file" "$work/original"
+    if ! replace_once "$src/$file" "$old" "$new"; then
+        broken=$((broken + 1))
+        printf '%3d  NOT APPLIED  %s\n' "$number" "$what"
+        return
+    fi
+    if ! build_tree; then
+        broken=$((broken + 1))
+        printf '%3d  NOT BUILT    %s (%s)\n' "$number" "$what" "$file"
+        cp "$work/build.log" "$work/build-$number.log"
+    elif run_suite; then
+        survivors+=("$number")
+        printf '%3d  survived     %s (%s)\n' "$number" "$what" "$file"
+    else
+        killed=$((killed + 1))
+        failing=$(grep -m1 -oE '[0-9]+ - [^ ]+ \((Failed|Timeout|SEGFAULT|Subprocess aborted|Exception)' "$work/ctest.log" | sed 's/^[0-9]* - //; s/$/)/' || true)
+        printf '%3d  killed       %s (%s) by %s\n' "$number" "$what" "$file" "${failing:-the suite}"
+    fi
+    cp "$work/original" "$src/$file"
+}
+each_mutation try_one
 
 echo "== $killed of $total mutants killed; ${#survivors[@]} survived${survivors:+ (${survivors[*]})}; $broken not applied or not built"
 [ "$broken" -eq 0 ]
