@@ -182,15 +182,19 @@ EOF
 }
 
 # Replaces the one occurrence of OLD in FILE by NEW; fails when OLD isn't there exactly once.
+# Without NEW it only makes sure that OLD is there exactly once.
 replace_once() {
-    python3 - "$1" "$2" "$3" <<'PY'
-import sys
-path, old, new = sys.argv[1:]
+    python3 - "$@" <<'PY'
+import os, sys
+path, old, *new = sys.argv[1:]
+if not os.path.isfile(path):
+    sys.exit(f"{path}: no such file")
 text = open(path, encoding="utf-8").read()
 count = text.count(old)
 if count != 1:
     sys.exit(f"{path}: the text to change is there {count} times: {old}")
-open(path, "w", encoding="utf-8").write(text.replace(old, new))
+if new:
+    open(path, "w", encoding="utf-8").write(text.replace(old, new[0]))
 PY
 }
 
@@ -218,11 +222,9 @@ each_mutation() {
 if [ "$work" = --check ]; then
     stale=0
     check_one() {
-        local found
-        found=$(python3 -c 'import sys; print(open(sys.argv[1], encoding="utf-8").read().count(sys.argv[2]))' \
-            "$root/$2" "$4" 2>/dev/null || echo "no file")
-        if [ "$found" != 1 ]; then
-            printf '%3d  found %s times in %s: %s\n' "$1" "$found" "$2" "$3"
+        local reason
+        if ! reason=$(replace_once "$root/$2" "$4" 2>&1); then
+            printf '%3d  %s\n     %s\n' "$1" "$3" "$reason"
             stale=$((stale + 1))
         fi
     }
