@@ -16,8 +16,7 @@ struct XMLImporter::State {
     _eHndl<const Environment> environment;      // taken at construction
     std::int32_t tabWidth = 4;                  // column step of a tab in the lexer
     _eString parseDiagnostics;                  // report of the last parse
-    bool classesAnywhere = false;               // the extension that finds classes off the path
-    bool xmi2Models = false;                    // the extension that reads XMI 2 documents
+    ImportExtensions extensions;                // what the host chose beyond the specified behaviour
     _eHndl<ImportOptions> importOptions;        // a host's settings of generated text; null: the defaults
     ProgressSink progressSink = nullptr;        // a host's display of progress; null: none
     void* progressContext = nullptr;            // handed back to the sink

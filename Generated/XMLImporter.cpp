@@ -2,9 +2,12 @@
 
 #include "Generated/ImporterState.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "runtime/Failure.h"
 #include "runtime/StringUtils.h"
-#include "xmi/Xmi2Search.h"
+#include "xmi/ModelReader.h"
 
 XMLImporter::XMLImporter(const Environment* environment) : state(new State) {
     state->environment = environment;
@@ -24,9 +27,21 @@ XMLImporter::~XMLImporter() = default;
 
 bool XMLImporter::operator==(const XMLImporter&) const { raiseCannotHappen(_xPlaces::importerEquality); }
 
-void XMLImporter::findClassesAnywhere(bool anywhere) { state->classesAnywhere = anywhere; }
+// A host's value is read as far as its size reaches; the fields its header didn't have yet keep
+// their defaults.
+void XMLImporter::chooseExtensions(const ImportExtensions& extensions) {
+    ImportExtensions chosen;
+    std::size_t known = std::min<std::size_t>(extensions.size, sizeof(ImportExtensions));
+    std::memcpy(static_cast<void*>(&chosen), &extensions, known);
+    chosen.size = sizeof(ImportExtensions);
+    state->extensions = chosen;
+}
 
-void XMLImporter::readXmi2Models(bool xmi2) { state->xmi2Models = xmi2; }
+const ImportExtensions& XMLImporter::extensions() const { return state->extensions; }
+
+void XMLImporter::findClassesAnywhere(bool anywhere) { state->extensions.anywhere = anywhere; }
+
+void XMLImporter::readXmi2Models(bool xmi2) { state->extensions.xmi2 = xmi2; }
 
 _eString XMLImporter::getParseDiagnostics() const { return state->parseDiagnostics; }
 
@@ -170,7 +185,7 @@ void XMLImporter::attemptParse(_eString fileName, _eString profileRequest, bool&
 void XMLImporter::parseFile(const FileName* file, bool showProgress) {
     state->parseDiagnostics = {};
     _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
-    if (state->classesAnywhere) parser->readUnprefixedUmlTags();
+    if (state->extensions.anywhere) parser->readUnprefixedUmlTags();
     _eHndl<XMLLex> lexer(new XMLLex(state->environment.get(), state->tabWidth));
     bool opened = false;
     lexer->openFile(_eHndl<FileName>(new FileName(*file)), opened);
@@ -184,22 +199,14 @@ void XMLImporter::parseFile(const FileName* file, bool showProgress) {
         state->linesParsed += lexer->lineNumber();
         state->document = dynamic_cast<XMLDocument*>(parser->getResult().get());
         if (!state->document.isNull())
-            state->document.uniquePointer()->chooseSearch(searchFor(*state->document->getRoot()));
+            state->document.uniquePointer()->chooseReader(
+                ModelReader::choose(*state->document->getRoot(), state->extensions));
         lexer->closeFile();
         addErrors(parser->getErrors());
     } else {
         state->parseDiagnostics = _eString(L"Failed to open '") + file->fullPathText() + L"' for parsing!";
     }
     addErrors(lexer->getErrors());
-}
-
-// An XMI 2 document is read as one when that is asked for; any other goes along the path, or
-// anywhere when that is asked for.
-std::shared_ptr<const ClassSearch> XMLImporter::searchFor(const XMLElement& root) const {
-    if (state->xmi2Models)
-        if (std::shared_ptr<const ClassSearch> xmi2 = Xmi2Search::recognise(root)) return xmi2;
-    if (state->classesAnywhere) return AnywhereSearch::instance();
-    return PathSearch::instance();
 }
 
 void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress) {

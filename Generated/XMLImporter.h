@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "Generated/ErrorEnums.h"
+#include "Generated/ImportExtensions.h"
 #include "environment/Environment.h"
 
 class FileName;
@@ -18,7 +19,6 @@ class XMLError;
 class XMLLex;
 class XMLParser;
 class XMLElement;
-class ClassSearch;
 struct _eFullTypeInfo;
 class _eInstblTypeInfo;
 using XMLErrors = _eSet<_eHndl<XMLError>>;
@@ -50,19 +50,15 @@ public:
     // Where a file of that name goes: in `directory`, with the extension "tv".
     static _eString genFullFileNameString(_eString directory, _eString name, const Environment* environment);
 
-    // An extension beyond the specified behaviour, off unless a host turns it on: the parses
-    // that follow find classes wherever UML tools put them, not only along the one specified
-    // path. A class is then every "UML:Class" with an "xmi.id" and no "xmi.idref" below
-    // "XMI.content": in nested models, packages, subsystems and other classes, and written as an
-    // empty-element tag too (a class without members). In a document whose root is "XMI", the
-    // unprefixed UML 1.x tags that some exporters write ("Class", "Attribute") read as their
-    // "UML:" forms. Everything else of the generated text is as without it.
+    // The extensions beyond the specified behaviour that the parses and generations that follow
+    // take (Generated/ImportExtensions.h, where each is described); all are off until a host
+    // chooses them.
+    void chooseExtensions(const ImportExtensions& extensions);
+    const ImportExtensions& extensions() const;
+    // One extension each, as `chooseExtensions` with that field changed: classes wherever UML
+    // tools put them (`ImportExtensions::anywhere`), and UML 2 models saved as XMI 2.x
+    // (`ImportExtensions::xmi2`).
     void findClassesAnywhere(bool anywhere);
-    // An extension beyond the specified behaviour, off unless a host turns it on: the parses
-    // that follow read UML 2 models saved as XMI 2.x (root "xmi:XMI" in an XMI 2 namespace, or
-    // a UML root such as "uml:Model" with an "xmi:version"). Their classes are listed and
-    // generated as the same model saved as XMI 1.2 would be. XMI 1.x documents are read as
-    // without it, along the path or anywhere as chosen.
     void readXmi2Models(bool xmi2);
 
     // An extension beyond the specified behaviour, for hosts that choose how generated text is
@@ -120,8 +116,6 @@ private:
     // but the member and its argument belong to the importer's fixed list of members.
     void parseFile(const FileName* file, bool showProgress);
     void processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress);
-    // How the classes of the parsed document of root `root` are found and read.
-    std::shared_ptr<const ClassSearch> searchFor(const XMLElement& root) const;
     static const _eSet<_eString>& classesToIgnore();
     // The settings of generated text: the host's, else the shared defaults.
     const ImportOptions& importOptions() const;

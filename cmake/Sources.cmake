@@ -43,11 +43,12 @@ set(MODELBRIDGE_SOURCES
   xml/XMLValues.cpp
   xml/XMLNames.cpp
   xmi/ClassRenderer.cpp
-  xmi/ClassSearch.cpp
   xmi/Context.cpp
+  xmi/ModelReader.cpp
   xmi/XMLDictionary.cpp
   xmi/XMLElement.cpp
   xmi/Xmi1Reader.cpp
-  xmi/Xmi2Search.cpp
+  xmi/Xmi2Reader.cpp
+  xmi/XmiHelpers.cpp
 )
 list(TRANSFORM MODELBRIDGE_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)

@@ -1,80 +1,101 @@
-// What a class of the model is, as a reader found it: plain records of already-read texts,
-// with nothing decided about how they read in the target language. A property that the model
-// leaves out is held as the reader's placeholder ("?", or a message such as
-// "?[[Missing Attribute 'xmi.idref']]"), which the renderer then carries into the text.
-// Readers of each XMI dialect fill these; `ClassRenderer` alone turns them into tokens.
+// What a class of the model is, as a reader found it: plain records of what the model says,
+// with nothing decided about how it reads in the target language. Properties with a fixed set
+// of meanings are enumerations, flags are `bool`, and each kind of absence has a value of its
+// own, so the renderer can tell a name the model lacks from a type it can't resolve. Readers of
+// each XMI dialect fill these; `ClassRenderer` alone turns them into tokens.
+//
+// Each record of a model element carries the element's id (empty where the model gives none),
+// and a class its documentation and the names of the packages it stands in.
 #pragma once
 
+#include <optional>
+#include <variant>
 #include <vector>
 
 #include "runtime/Seq.h"
 
-// A name as the model writes it: an XML attribute, or the text of a name element (which the
-// renderer splits at commas and whose inner blanks it replaces).
+enum class Visibility { public_, protected_, private_, package, unknown };
+enum class Changeability { changeable, frozen, addOnly, unknown };
+enum class Scope { instance, classifier, unknown };
+enum class Direction { in, out, inout, result, unknown };
+enum class Aggregation { none, shared, composite, unknown };
+
+// A name as the model gives it, or why there is none.
 struct NameRecord {
-    _eString text;              // as read; the missing-element message when there is no name at all
-    bool fromElement = false;   // the text of a name element rather than an attribute
-    bool given = false;         // an attribute, or exactly one name element, holds it
+    enum Form {
+        attribute,  // a plain text (an XML attribute, or a property element read as one)
+        element,    // the text of a name element, a list that the renderer splits at commas
+        missing,    // the model has no name element: `text` names the element looked for
+        repeated,   // the model has more than one: `text` names the element
+        absent,     // the model gives no name in any form
+    };
+    Form form = absent;
+    _eString text;
+
+    static NameRecord plain(const _eString& text) { return {attribute, text}; }
 };
 
 // What a type reference leads to.
 struct TypeRecord {
     enum Kind {
-        unresolved,  // nothing, or an id that names nothing: reads "?"
+        none,        // the model gives no reference
+        unresolved,  // a reference that leads nowhere, or more than one where one belongs
         named,       // a data type or any other element: reads as its name
         classType,   // a class: its name, behind "from" unless the class is a leaf
+        library,     // a type of a library outside the document, by its name there
     };
-    Kind kind = unresolved;
-    NameRecord name;      // of the element found
-    bool leaf = false;    // for a class: its "isLeaf" is "true"
+    Kind kind = none;
+    NameRecord name;    // of the element found
+    bool leaf = false;  // for a class: it is a leaf
+
+    bool resolved() const { return kind == named || kind == classType || kind == library; }
 };
 
 // The one multiplicity range of a feature, if it has exactly one.
 struct MultiplicityRecord {
-    bool single = false;  // exactly one range was found; otherwise the type stands plain
-    _eString lower;       // the bounds as read, blanks included
-    _eString upper;
+    bool single = false;                 // exactly one range was found; otherwise the type stands plain
+    std::optional<_eString> lower;      // the bounds as written, blanks included; none when left out
+    std::optional<_eString> upper;
 };
 
 struct AttributeRecord {
+    _eString id;
     NameRecord name;
-    _eString visibility;
-    _eString changeability;  // "frozen" makes a constant
-    _eString initialValue;   // the body of the initial value, "?" if there is none
+    Visibility visibility = Visibility::unknown;
+    Changeability changeability = Changeability::unknown;
+    std::optional<_eString> initialValue;  // the body of the initial value, if there is one
     TypeRecord type;
     MultiplicityRecord multiplicity;
 };
 
 struct ParameterRecord {
+    _eString id;
     NameRecord name;
-    _eString kind;            // "in", "out", "inout", "return", or whatever the model says
+    Direction direction = Direction::unknown;
     TypeRecord type;
-    bool voidReturn = false;  // of the kind "return", with no type or the type "void"
+    bool voidResult = false;  // a result with no type, or a type that stands for nothing
 };
 
 struct OperationRecord {
+    _eString id;
     NameRecord name;
-    _eString visibility;
-    _eString isAbstract;
-    _eString isLeaf;
-    _eString ownerScope;
+    Visibility visibility = Visibility::unknown;
+    bool isAbstract = false;
+    bool isLeaf = false;
+    Scope scope = Scope::unknown;
     std::vector<ParameterRecord> parameters;  // in order, results among them
 };
 
 // One member of a class, in the order the renderer places them.
-struct FeatureRecord {
-    enum Kind { attribute, operation };
-    Kind kind = attribute;
-    AttributeRecord attributeRecord;  // for an attribute
-    OperationRecord operationRecord;  // for an operation
-};
+using FeatureRecord = std::variant<AttributeRecord, OperationRecord>;
 
 struct AssociationEndRecord {
+    _eString id;
     NameRecord name;
-    _eString visibility;
-    _eString isNavigable;
-    _eString aggregation;
-    _eString typeId;           // the id the end's type refers to
+    Visibility visibility = Visibility::unknown;
+    bool isNavigable = false;
+    Aggregation aggregation = Aggregation::unknown;
+    _eString typeId;          // the id the end's type refers to, as written
     bool singleType = false;   // exactly one type element names it
     TypeRecord type;           // what the end's type reads as
     TypeRecord roleType;       // what names an unnamed end: the element of `typeId`
@@ -82,15 +103,23 @@ struct AssociationEndRecord {
 };
 
 struct AssociationRecord {
+    _eString id;
     std::vector<AssociationEndRecord> ends;  // in document order
 };
 
+struct GeneralizationRecord {
+    _eString id;
+    TypeRecord parent;
+};
+
 struct ClassRecord {
-    NameRecord name;
-    _eString isLeaf;
-    _eString isAbstract;
     _eString id;                                   // empty when the class has no id
-    std::vector<FeatureRecord> features;           // in the order they are placed
-    std::vector<AssociationRecord> associations;   // those that involve the class, in order
-    std::vector<TypeRecord> parents;               // the generalizations whose child it is
+    NameRecord name;
+    bool isLeaf = false;
+    bool isAbstract = false;
+    std::vector<FeatureRecord> features;            // in the order they are placed
+    std::vector<AssociationRecord> associations;    // those that involve the class, in order
+    std::vector<GeneralizationRecord> parents;      // the generalizations whose child it is
+    std::optional<_eString> documentation;         // the text the model documents the class with
+    std::vector<NameRecord> packagePath;           // the packages it stands in, outermost first
 };

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdint>
 #include <initializer_list>
+#include <type_traits>
 
 #include "output/ReservedWords.h"
 #include "runtime/StringUtils.h"
@@ -23,9 +24,9 @@ const Output& none() { return TarvaneOutput::empty(); }
 // the public face, the protected face, and everything else with the state.
 enum class Section { abstractPart, confinedPart, interfacePart };
 
-Section sectionFor(const _eString& visibility) {
-    if (textIs(visibility, L"public")) return Section::interfacePart;
-    if (textIs(visibility, L"protected")) return Section::confinedPart;
+Section sectionFor(Visibility visibility) {
+    if (visibility == Visibility::public_) return Section::interfacePart;
+    if (visibility == Visibility::protected_) return Section::confinedPart;
     return Section::abstractPart;
 }
 
@@ -38,7 +39,7 @@ Sections placed(Section section, const Output& run) {
 // A declaration of state with its accessor: the declaration always among the state, the
 // accessor in the face the visibility gives, and none for a member that is neither public
 // nor protected.
-Sections stateWithAccessor(const _eString& visibility, const Output& declaration, const Output& accessor) {
+Sections stateWithAccessor(Visibility visibility, const Output& declaration, const Output& accessor) {
     Section face = sectionFor(visibility);
     Sections state = placed(Section::abstractPart, declaration);
     return face == Section::abstractPart ? state : state->merge(*placed(face, accessor));
@@ -46,7 +47,9 @@ Sections stateWithAccessor(const _eString& visibility, const Output& declaration
 
 // The value of a bound written in digits alone; -1 for anything else. A bound beyond the
 // largest 32-bit number counts as that number.
-std::int32_t boundValue(const _eString& text) {
+std::int32_t boundValue(const std::optional<_eString>& bound) {
+    if (!bound) return -1;
+    _eString text = trimSpaces(*bound);
     if (text.isEmpty()) return -1;
     std::int64_t value = 0;
     for (int i = 0, n = text.size(); i < n; ++i) {
@@ -57,9 +60,23 @@ std::int32_t boundValue(const _eString& text) {
     return std::int32_t(value);
 }
 
+// The standard primitive types of UML libraries as the names of the language's own.
+_eString libraryTypeName(const _eString& name) {
+    if (textIs(name, L"Integer")) return L"int";
+    if (textIs(name, L"Boolean")) return L"bool";
+    if (textIs(name, L"Real")) return L"real";
+    return name;
+}
+
+// The name that what a type reference leads to is known by.
+_eString resolvedName(const TypeRecord& type) {
+    if (type.kind != TypeRecord::library) return ClassRenderer::typeName(type.name);
+    return ClassRenderer::typeName({type.name.form, libraryTypeName(type.name.text)});
+}
+
 // How a reference reads where only a name can stand: the name of what it leads to, else "?".
 _eString referenceName(const TypeRecord& reference) {
-    return reference.kind == TypeRecord::unresolved ? _eString(L"?") : ClassRenderer::typeName(reference.name);
+    return reference.resolved() ? resolvedName(reference) : _eString(L"?");
 }
 
 bool startsLikeAName(const _eString& name) {
@@ -77,8 +94,8 @@ Output parameterList(const std::vector<const ParameterRecord*>& list, bool isCon
         const ParameterRecord& p = *list[i];
         _eString separator = i != 0 ? L"," : isConstructor ? L"{" : L"(";
         Output mode = tokens({L":"});
-        if (!isConstructor && textIs(p.kind, L"inout")) mode = tokens({L"!", L":"});
-        if (!isConstructor && textIs(p.kind, L"out")) mode = tokens({L"!", L":", L"out"});
+        if (!isConstructor && p.direction == Direction::inout) mode = tokens({L"!", L":"});
+        if (!isConstructor && p.direction == Direction::out) mode = tokens({L"!", L":", L"out"});
         out = out + tokens({separator, ClassRenderer::nameOrUnknown(p.name, true)}) + mode +
               ClassRenderer::typeTokens(p.type);
     }
@@ -101,10 +118,11 @@ Output functionHead(const _eString& name, const std::vector<const ParameterRecor
 // What the class at `own` gets for the far end of a two-ended association: a member when it
 // is the class of `classId` and the far end can be navigated to.
 Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord& far, const _eString& classId) {
-    if (!own.singleType || !(own.typeId == classId) || !textIs(far.isNavigable, L"true")) return TarvaneSections::empty();
+    if (!own.singleType || !(own.typeId == classId) || !far.isNavigable) return TarvaneSections::empty();
     // The whole of an aggregation or composition on an end that can't be navigated holds its
     // part by value; every other member refers to its object.
-    bool isRef = textIs(own.isNavigable, L"true") || !(textIs(own.aggregation, L"aggregate") || textIs(own.aggregation, L"composite"));
+    bool isRef = own.isNavigable ||
+                 !(own.aggregation == Aggregation::shared || own.aggregation == Aggregation::composite);
     _eString name = ClassRenderer::hasName(far.name) ? ClassRenderer::nameOrUnknown(far.name, true)
                                                       : _eString(ClassRenderer::rolePrefix) + referenceName(far.roleType);
     Output declaration =
@@ -117,12 +135,24 @@ Output headed(const wchar_t* keyword, const Output& part) { return part->isEmpty
 
 }  // namespace
 
+// What stands for a name the model lacks: a message naming the element looked for.
+_eString ClassRenderer::absentNameText(const NameRecord& name) {
+    switch (name.form) {
+        case NameRecord::missing: return _eString(L"?[[Missing Element '") + name.text + L"']]";
+        case NameRecord::repeated: return _eString(L"?[[Duplicate Element '") + name.text + L"']]";
+        default: return {};
+    }
+}
+
 _eString ClassRenderer::nameText(const NameRecord& name, bool escape) {
     auto finish = [escape](const _eString& piece) {
         _eString trimmed = trimSpaces(piece);
         return escape ? escapeReservedWord(trimmed) : trimmed;
     };
-    if (!name.fromElement) return finish(name.text);
+    if (name.form == NameRecord::attribute) return finish(name.text);
+    if (name.form == NameRecord::absent) return {};
+    // A name element, or the message for one that isn't there, is split at commas.
+    _eString text = name.form == NameRecord::element ? name.text : absentNameText(name);
     _eSeq<_eString> pieces;
     _eString piece;
     auto endPiece = [&] {
@@ -132,11 +162,11 @@ _eString ClassRenderer::nameText(const NameRecord& name, bool escape) {
         pieces.pushBack(escape ? escapeReservedWord(trimmed) : trimmed);
         piece = {};
     };
-    for (int i = 0, n = name.text.size(); i < n; ++i) {
-        if (name.text.get(i) == L',')
+    for (int i = 0, n = text.size(); i < n; ++i) {
+        if (text.get(i) == L',')
             endPiece();
         else
-            piece.pushBack(name.text.get(i));
+            piece.pushBack(text.get(i));
     }
     endPiece();
     return join(pieces, L", ");
@@ -147,7 +177,9 @@ _eString ClassRenderer::nameOrUnknown(const NameRecord& name, bool escape) {
     return text.isEmpty() ? _eString(L"?") : text;
 }
 
-bool ClassRenderer::hasName(const NameRecord& name) { return name.given && !nameText(name, false).isEmpty(); }
+bool ClassRenderer::hasName(const NameRecord& name) {
+    return (name.form == NameRecord::attribute || name.form == NameRecord::element) && !nameText(name, false).isEmpty();
+}
 
 _eString ClassRenderer::typeName(const NameRecord& name) {
     _eString text = nameOrUnknown(name, false);
@@ -158,9 +190,11 @@ _eString ClassRenderer::typeName(const NameRecord& name) {
 
 _eHndl<TarvaneOutput> ClassRenderer::typeTokens(const TypeRecord& type) {
     switch (type.kind) {
+        case TypeRecord::none:
         case TypeRecord::unresolved: return tokens({L"?"});
-        case TypeRecord::named: return tokens({typeName(type.name)});
-        case TypeRecord::classType: return type.leaf ? tokens({typeName(type.name)}) : tokens({L"from", typeName(type.name)});
+        case TypeRecord::named:
+        case TypeRecord::library: return tokens({resolvedName(type)});
+        case TypeRecord::classType: return type.leaf ? tokens({resolvedName(type)}) : tokens({L"from", resolvedName(type)});
     }
     return tokens({L"?"});
 }
@@ -171,8 +205,8 @@ _eHndl<TarvaneOutput> ClassRenderer::multiplicityType(const MultiplicityRecord& 
                                                       bool isRef) {
     Output typeRun = typeTokens(type);
     if (!multiplicity.single) return typeRun;
-    std::int32_t lower = boundValue(trimSpaces(multiplicity.lower));
-    std::int32_t upper = boundValue(trimSpaces(multiplicity.upper));
+    std::int32_t lower = boundValue(multiplicity.lower);
+    std::int32_t upper = boundValue(multiplicity.upper);
     Output ref = isRef ? tokens({L"ref"}) : none();
     if (upper == 1 && lower == 0) return ref + typeRun + tokens({L"||", L"void"});
     if (upper == 1) return ref + typeRun;
@@ -183,7 +217,7 @@ _eHndl<TarvaneOutput> ClassRenderer::multiplicityType(const MultiplicityRecord& 
 }
 
 bool ClassRenderer::readsVoid(const TypeRecord& type) {
-    return type.kind != TypeRecord::unresolved && textIs(typeName(type.name), L"void");
+    return type.resolved() && textIs(resolvedName(type), L"void");
 }
 
 _eString ClassRenderer::literalText(const _eString& value) {
@@ -199,9 +233,9 @@ _eString ClassRenderer::literalText(const _eString& value) {
 // type and multiplicity with a selector.
 _eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& attribute) {
     _eString name = nameOrUnknown(attribute.name, true);
-    if (textIs(attribute.changeability, L"frozen"))
+    if (attribute.changeability == Changeability::frozen)
         return stateWithAccessor(attribute.visibility,
-                                 tokens({L"const", name, L"^=", literalText(attribute.initialValue), L";"}),
+                                 tokens({L"const", name, L"^=", attribute.initialValue ? literalText(*attribute.initialValue) : L"?", L";"}),
                                  tokens({L"function", name, L";"}));
     return stateWithAccessor(attribute.visibility,
                              tokens({L"var", name, L":"}) +
@@ -212,15 +246,15 @@ _eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& 
 // A constructor when the operation is named "build" or as its class; otherwise a schema when
 // nothing non-void is returned, else a function or an operator. Modifiers and bodies follow.
 _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& operation, const _eString& className) {
-    bool abstract = textIs(operation.isAbstract, L"true");
+    bool abstract = operation.isAbstract;
     _eString name = nameOrUnknown(operation.name, true);
     bool isConstructor = textIs(nameOrUnknown(operation.name, false), L"build") || name == className;
     std::vector<const ParameterRecord*> parameters;
     std::vector<const ParameterRecord*> returns;
     for (const ParameterRecord& p : operation.parameters) {
-        if (!textIs(p.kind, L"return"))
+        if (p.direction != Direction::result)
             parameters.push_back(&p);
-        else if (!p.voidReturn)
+        else if (!p.voidResult)
             returns.push_back(&p);
     }
     Output body;
@@ -228,15 +262,15 @@ _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& 
     if (isConstructor) {
         body = tokens({L"build"}) + parameterList(parameters, true) + tokens({L"post", L"?"});
     } else {
-        if (textIs(operation.ownerScope, L"classifier"))
+        if (operation.scope == Scope::classifier)
             prefix = tokens({L"nonmember"});
         else if (abstract)
             prefix = tokens({L"deferred"});
-        else if (textIs(operation.isLeaf, L"true"))
+        else if (operation.isLeaf)
             prefix = tokens({L"final"});
         if (returns.empty()) {
             bool allIn = std::all_of(parameters.begin(), parameters.end(),
-                                     [](const ParameterRecord* p) { return textIs(p->kind, L"in"); });
+                                     [](const ParameterRecord* p) { return p->direction == Direction::in; });
             body = tokens({L"schema"}) + (allIn ? tokens({L"!"}) : none()) + tokens({name}) +
                    parameterList(parameters, false) + (abstract ? none() : tokens({L"post", L"?"}));
         } else {
@@ -263,9 +297,14 @@ _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record)
     _eString name = typeName(record.name);
     Sections sections = TarvaneSections::empty();
     for (const FeatureRecord& feature : record.features)
-        sections = sections->merge(*(feature.kind == FeatureRecord::attribute
-                                         ? attributeSections(feature.attributeRecord)
-                                         : operationSections(feature.operationRecord, name)));
+        sections = sections->merge(*std::visit(
+            [&](const auto& member) -> Sections {
+                if constexpr (std::is_same_v<std::decay_t<decltype(member)>, AttributeRecord>)
+                    return attributeSections(member);
+                else
+                    return operationSections(member, name);
+            },
+            feature));
     for (const AssociationRecord& association : record.associations)
         sections = sections->merge(*associationSections(association, record.id));
     const Output& abstractPart = sections->getAbstractPart();
@@ -273,10 +312,10 @@ _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record)
     const Output& interfacePart = sections->getInterfacePart();
     Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty() ? tokens({L"interface"}) + interfacePart
                                                                               : headed(L"interface", interfacePart);
-    Output prefix = textIs(record.isLeaf, L"true") ? tokens({L"final"}) : textIs(record.isAbstract, L"true") ? tokens({L"deferred"}) : none();
+    Output prefix = record.isLeaf ? tokens({L"final"}) : record.isAbstract ? tokens({L"deferred"}) : none();
     Output inherits = none();
     for (std::size_t i = 0; i < record.parents.size(); ++i)
-        inherits = inherits + tokens({i == 0 ? L"inherits" : L",", referenceName(record.parents[i])});
+        inherits = inherits + tokens({i == 0 ? L"inherits" : L",", referenceName(record.parents[i].parent)});
     Output body = headed(L"abstract", abstractPart) + headed(L"confined", confinedPart) + interfaceOut + tokens({L"end", L";"});
     return prefix + tokens({L"class", name, L"^="}) + inherits + body;
 }

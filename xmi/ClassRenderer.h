@@ -23,6 +23,8 @@ public:
     // commas, each piece trimmed and its blanks made "_", joined by ", ". `escape` marks each
     // reserved word.
     static _eString nameText(const NameRecord& name, bool escape);
+    // The message that stands for a name the model lacks; empty for a name it gives.
+    static _eString absentNameText(const NameRecord& name);
     // `nameText`, or "?" where that is empty.
     static _eString nameOrUnknown(const NameRecord& name, bool escape);
     // The model gives a name, and it isn't empty.

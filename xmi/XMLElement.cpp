@@ -4,6 +4,7 @@
 
 #include "runtime/StringUtils.h"
 #include "xmi/XMLDictionary.h"
+#include "xmi/XmiHelpers.h"
 
 namespace {
 
@@ -49,13 +50,20 @@ XMLErrors XMLElement::getErrors() const {
 
 TypeRecord XMLElement::typeRecord(const _eHndl<Context>&) const { return {TypeRecord::named, readName(), false}; }
 
+namespace {
+
+const TypeRecord unresolvedType{TypeRecord::unresolved, {}, false};
+
+}  // namespace
+
 TypeRecord XMLElement::readType(const _eString& elementName, const _eHndl<Context>& context) const {
     if (hasAttribute(L"type")) {
         _eFrom<XMLElement> found = context->lookup(attributeText(L"type", context));
-        return found.isNull() ? TypeRecord() : found->typeRecord(context);
+        return found.isNull() ? unresolvedType : found->typeRecord(context);
     }
     ElementSeq children = content->childrenNamed(elementName);
-    if (children.size() != 1) return {};
+    if (children.isEmpty()) return {};
+    if (children.size() != 1) return unresolvedType;
     return children.get(0)->referencedType(context);
 }
 
@@ -63,7 +71,7 @@ TypeRecord XMLElement::readType(const _eString& elementName, const _eHndl<Contex
 // `referencedId` gave: it reads "?".
 TypeRecord XMLElement::referencedType(const _eHndl<Context>& context) const {
     _eFrom<XMLElement> found = context->lookup(content->referencedId(context));
-    return found.isNull() ? TypeRecord() : found->typeRecord(context);
+    return found.isNull() ? unresolvedType : found->typeRecord(context);
 }
 
 MultiplicityRecord XMLElement::readMultiplicity(const _eString& multiplicityElement,
@@ -72,8 +80,8 @@ MultiplicityRecord XMLElement::readMultiplicity(const _eString& multiplicityElem
         {multiplicityElement, L"UML:Multiplicity", L"UML:Multiplicity.range", L"UML:MultiplicityRange"});
     if (ranges.size() != 1) return {};
     const XMLElement& range = *ranges.get(0);
-    return {true, range.attributeOrSubElement(L"lower", L"UML:MultiplicityRange.lower", context),
-            range.attributeOrSubElement(L"upper", L"UML:MultiplicityRange.upper", context)};
+    return {true, range.propertyText(L"lower", L"UML:MultiplicityRange.lower", context),
+            range.propertyText(L"upper", L"UML:MultiplicityRange.upper", context)};
 }
 
 bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedElement*>(this) == nullptr; }
@@ -82,43 +90,44 @@ bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedEl
 // recursion, so that the nesting of the input doesn't decide the depth of the machine stack.
 // Each element folds its children's dictionaries from the left, then enters its own id.
 _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute) const {
-    struct Frame {
-        const XMLElement* element;
-        ElementSeq children;
-        int next;
-        _eHndl<XMLDictionary> folded;  // of the children done so far
-    };
-    std::vector<Frame> frames;
-    frames.push_back({this, content->childElements(), 0, {}});
-    while (true) {
-        Frame& top = frames.back();
-        if (top.next < top.children.size()) {
-            const XMLElement* child = top.children.get(top.next++).get();
-            frames.push_back({child, child->content->childElements(), 0, {}});
-            continue;
-        }
-        _eHndl<XMLDictionary> done = top.folded.isNull() ? XMLDictionary::empty() : top.folded;
-        if (top.element->hasAttribute(idAttribute))
-            done = done->add(top.element->attributeText(idAttribute, Context::shared()), const_cast<XMLElement*>(top.element));
-        frames.pop_back();
-        if (frames.empty()) return done;
-        Frame& parent = frames.back();
-        parent.folded = parent.folded.isNull() ? done : parent.folded->merge(*done);
-    }
+    std::vector<_eHndl<XMLDictionary>> folded;  // of the children done so far, per element entered
+    _eHndl<XMLDictionary> result;
+    walkTree(
+        *this,
+        [&](const XMLElement& element) {
+            folded.emplace_back();
+            return element.content->childElements();
+        },
+        [&](const XMLElement& element) {
+            _eHndl<XMLDictionary> done = folded.back().isNull() ? XMLDictionary::empty() : folded.back();
+            folded.pop_back();
+            if (element.hasAttribute(idAttribute))
+                done = done->add(element.attributeText(idAttribute, Context::shared()), const_cast<XMLElement*>(&element));
+            if (folded.empty())
+                result = done;
+            else
+                folded.back() = folded.back().isNull() ? done : folded.back()->merge(*done);
+        });
+    return result;
 }
 
 _eString XMLElement::attributeText(const _eString& attribute, const _eHndl<Context>& context) const {
     return attributes.get(attribute)->text(context);
 }
 
-_eString XMLElement::attributeOrSubElement(const _eString& attribute, const _eString& subElement,
-                                           const _eHndl<Context>& context) const {
+std::optional<_eString> XMLElement::propertyText(const _eString& attribute, const _eString& subElement,
+                                                const _eHndl<Context>& context) const {
     if (hasAttribute(attribute)) return attributeText(attribute, context);
     ElementSeq children = content->childrenNamed(subElement);
-    if (children.size() != 1) return L"?";
+    if (children.size() != 1) return std::nullopt;
     const _eFrom<XMLElement>& child = children.get(0);
     if (child->hasAttribute(L"xmi.value")) return child->attributeText(L"xmi.value", context);
     return child->getContent()->text();
+}
+
+_eString XMLElement::attributeOrSubElement(const _eString& attribute, const _eString& subElement,
+                                           const _eHndl<Context>& context) const {
+    return propertyText(attribute, subElement, context).value_or(_eString(L"?"));
 }
 
 _eString XMLElement::requiredAttribute(const _eString& attribute, const _eHndl<Context>& context) const {
@@ -129,8 +138,12 @@ _eString XMLElement::requiredAttribute(const _eString& attribute, const _eHndl<C
 // The text of an attribute is read with the shared context, as everywhere that no other is at
 // hand: the values' text is asked for with a context, though no value reads it.
 NameRecord XMLElement::readName() const {
-    if (hasAttribute(L"name")) return {attributeText(L"name", Context::shared()), false, true};
-    return {content->textAtPath({L"UML:ModelElement.name"}), true, content->hasSingleNameElement()};
+    if (hasAttribute(L"name")) return NameRecord::plain(attributeText(L"name", Context::shared()));
+    const _eString tag = L"UML:ModelElement.name";
+    ElementSeq written = content->childrenNamed(tag);
+    if (written.isEmpty()) return {NameRecord::missing, tag};
+    if (written.size() > 1) return {NameRecord::repeated, tag};
+    return {NameRecord::element, written.get(0)->getContent()->text()};
 }
 
 _eString XMLElement::visibility(const _eHndl<Context>& context) const {

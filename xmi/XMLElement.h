@@ -2,6 +2,7 @@
 // and the readings of model properties from either form in which XMI writes them.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "xmi/ClassRecords.h"
@@ -32,7 +33,11 @@ public:
 
     // The elements of the subtree by the ids in their attribute `idAttribute`.
     _eHndl<XMLDictionary> dictionary(const _eString& idAttribute = L"xmi.id") const;
-    // The attribute's text if it is there, else the child element's "xmi.value" or text; "?" if neither.
+    // The attribute's text if it is there, else the one child element's "xmi.value" or text;
+    // none if neither.
+    std::optional<_eString> propertyText(const _eString& attribute, const _eString& subElement,
+                                         const _eHndl<Context>& context) const;
+    // `propertyText`, "?" where there is none.
     _eString attributeOrSubElement(const _eString& attribute, const _eString& subElement,
                                    const _eHndl<Context>& context) const;
     _eString requiredAttribute(const _eString& attribute, const _eHndl<Context>& context) const;

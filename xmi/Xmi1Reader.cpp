@@ -1,8 +1,12 @@
-// The XMI 1.x reader: what the element classes of a UML 1.x model read into the records of a
-// class. Nothing here decides how anything reads in the target language; `ClassRenderer` does.
+// The XMI 1.x readers, and what the element classes of a UML 1.x model read into the records
+// of a class. Nothing here decides how anything reads in the target language; `ClassRenderer`
+// does.
+#include "xmi/Xmi1Reader.h"
+
 #include "runtime/StringUtils.h"
 #include "xmi/ClassRenderer.h"
 #include "xmi/XMLDictionary.h"
+#include "xmi/XmiHelpers.h"
 
 namespace {
 
@@ -15,55 +19,136 @@ void forEachChild(const XMLcontent& content, const wchar_t* name, Visit visit) {
         if (const auto* element = dynamic_cast<const Element*>(children.get(i).get())) visit(*element);
 }
 
+_eString idOf(const XMLElement& element) {
+    return element.hasAttribute(L"xmi.id") ? element.attributeText(L"xmi.id", Context::shared()) : _eString();
+}
+
+// The text of a tagged value whose tag is `tag`: written by name ("tag", UML 1.3) or as a
+// reference to a tag definition of that name (UML 1.4), its value in "value" or "dataValue".
+std::optional<_eString> taggedValue(const XMLElement& element, const wchar_t* tag, const _eHndl<Context>& context) {
+    ElementSeq values = element.getContent()->elementsAtPath({L"UML:ModelElement.taggedValue", L"UML:TaggedValue"});
+    for (int i = 0, n = values.size(); i < n; ++i) {
+        const XMLElement& value = *values.get(i);
+        std::optional<_eString> name = value.propertyText(L"tag", L"UML:TaggedValue.tag", context);
+        if (!name) {
+            ElementSeq types = value.getContent()->childrenNamed(L"UML:TaggedValue.type");
+            TypeRecord definition = types.size() == 1 ? types.get(0)->referencedType(context) : TypeRecord();
+            if (definition.resolved() && definition.name.form == NameRecord::attribute) name = definition.name.text;
+        }
+        if (!name || !textIs(*name, tag)) continue;
+        if (std::optional<_eString> text = value.propertyText(L"value", L"UML:TaggedValue.value", context)) return text;
+        ElementSeq data = value.getContent()->childrenNamed(L"UML:TaggedValue.dataValue");
+        if (data.size() == 1) return data.get(0)->getContent()->text();
+    }
+    return std::nullopt;
+}
+
+// What documents an element: its tagged value "documentation", else the "comment" attribute
+// that some exporters write.
+std::optional<_eString> documentationOf(const XMLElement& element, const _eHndl<Context>& context) {
+    if (std::optional<_eString> text = taggedValue(element, L"documentation", context)) return text;
+    if (element.hasAttribute(L"comment")) return element.attributeText(L"comment", context);
+    return std::nullopt;
+}
+
 }  // namespace
 
+bool Xmi1Reader::readsDocument() const { return root->getName() == _eString(L"XMI"); }
+
+NameRecord Xmi1Reader::readName(const XMLElement& element) const { return element.readName(); }
+
+bool Xmi1Reader::isPackage(const XMLElement& element) const {
+    return element.getName() == _eString(L"UML:Package") || element.getName() == _eString(L"UML:Subsystem");
+}
+
+ClassRecord Xmi1Reader::readClass(const FoundClass& found, const _eHndl<Context>& context) const {
+    ClassRecord record = FCClassElement::readClass(*found.element, context);
+    record.documentation = documentationOf(*found.element, context);
+    record.packagePath = found.packagePath;
+    return record;
+}
+
+std::shared_ptr<const ModelReader> Xmi1PathReader::recognise(const XMLElement& root) {
+    return std::make_shared<const Xmi1PathReader>(root);
+}
+
+bool Xmi1PathReader::isClass(const XMLElement& element) const {
+    return element.isRecognised() && element.getName() == _eString(L"UML:Class");
+}
+
+ElementSeq Xmi1PathReader::descent(const XMLElement& element) const {
+    static const _eMap<_eString, Names> steps = [] {
+        _eMap<_eString, Names> m;
+        m.put(L"XMI", Names(_eString(L"XMI.content")));
+        m.put(L"XMI.content", Names(_eString(L"UML:Model")));
+        m.put(L"UML:Model", Names(_eString(L"UML:Namespace.ownedElement")));
+        m.put(L"UML:Namespace.ownedElement", Names(_eString(L"UML:Class"), _eString(L"UML:Package")));
+        m.put(L"UML:Package", Names(_eString(L"UML:Namespace.ownedElement"), _eString(L"UML:Package")));
+        return m;
+    }();
+    if (!element.isRecognised()) return {};
+    auto [index, end] = steps.lookup(element.getName());
+    return index == end ? ElementSeq() : element.getContent()->childrenInSet(steps.elements().get(index).second);
+}
+
+std::shared_ptr<const ModelReader> Xmi1AnywhereReader::recognise(const XMLElement& root) {
+    return std::make_shared<const Xmi1AnywhereReader>(root);
+}
+
+bool Xmi1AnywhereReader::isClass(const XMLElement& element) const {
+    return element.getName() == _eString(L"UML:Class") && element.hasAttribute(L"xmi.id") &&
+           !element.hasAttribute(L"xmi.idref");
+}
+
+ElementSeq Xmi1AnywhereReader::descent(const XMLElement& element) const {
+    if (element.getName() == _eString(L"XMI")) return element.getContent()->childrenNamed(L"XMI.content");
+    return element.getContent()->childElements();
+}
+
 TypeRecord FCClassElement::typeRecord(const _eHndl<Context>& context) const {
-    return {TypeRecord::classType, readName(), textIs(isLeaf(context), L"true")};
+    return {TypeRecord::classType, readName(), XmiWords::flag(isLeaf(context))};
 }
 
 // The features of every "UML:Classifier.feature" in turn; then the associations and
 // generalizations that name the class's id, in the order the dictionary keeps them.
 ClassRecord FCClassElement::readClass(const XMLElement& element, const _eHndl<Context>& context) {
     ClassRecord record;
+    record.id = idOf(element);
     record.name = element.readName();
-    record.isLeaf = element.isLeaf(context);
-    record.isAbstract = element.isAbstract(context);
+    record.isLeaf = XmiWords::flag(element.isLeaf(context));
+    record.isAbstract = XmiWords::flag(element.isAbstract(context));
     forEachChild<FCClassifierFeatureElement>(*element.getContent(), L"UML:Classifier.feature",
                                              [&](const FCClassifierFeatureElement& group) {
                                                  group.readFeatures(context, record.features);
                                              });
     if (!element.hasAttribute(L"xmi.id")) return record;
-    record.id = element.attributeText(L"xmi.id", context);
     Associations associations = context->getDictionary()->associationsOf(record.id, context);
     for (int i = 0, n = associations.size(); i < n; ++i) record.associations.push_back(associations.at(i)->read(context));
     Generalizations generalizations = context->getDictionary()->generalizationsOf(record.id, context);
     for (int i = 0, n = generalizations.size(); i < n; ++i)
-        record.parents.push_back(generalizations.at(i)->readParent(context));
+        record.parents.push_back({idOf(*generalizations.at(i)), generalizations.at(i)->readParent(context)});
     return record;
 }
 
 void FCClassifierFeatureElement::readFeatures(const _eHndl<Context>& context, std::vector<FeatureRecord>& features) const {
     forEachChild<FCAttributeElement>(*getContent(), L"UML:Attribute", [&](const FCAttributeElement& attribute) {
-        FeatureRecord& feature = features.emplace_back();
-        feature.kind = FeatureRecord::attribute;
-        feature.attributeRecord = attribute.read(context);
+        features.emplace_back(attribute.read(context));
     });
     forEachChild<FCOperationElement>(*getContent(), L"UML:Operation", [&](const FCOperationElement& operation) {
-        FeatureRecord& feature = features.emplace_back();
-        feature.kind = FeatureRecord::operation;
-        feature.operationRecord = operation.read(context);
+        features.emplace_back(operation.read(context));
     });
 }
 
 AttributeRecord FCAttributeElement::read(const _eHndl<Context>& context) const {
     AttributeRecord record;
+    record.id = idOf(*this);
     record.name = readName();
-    record.visibility = visibility(context);
-    record.changeability = attributeOrSubElement(L"changeability", L"UML:StructuralFeature.changeability", context);
+    record.visibility = XmiWords::visibility(visibility(context));
+    record.changeability = XmiWords::changeability(
+        attributeOrSubElement(L"changeability", L"UML:StructuralFeature.changeability", context));
     ElementSeq expressions = getContent()->elementsAtPath({L"UML:Attribute.initialValue", L"UML:Expression"});
-    record.initialValue = expressions.size() != 1
-                              ? _eString(L"?")
-                              : expressions.get(0)->attributeOrSubElement(L"body", L"UML:Expression.body", context);
+    if (expressions.size() == 1)
+        record.initialValue = expressions.get(0)->propertyText(L"body", L"UML:Expression.body", context);
     record.type = readType(L"UML:StructuralFeature.type", context);
     record.multiplicity = readMultiplicity(L"UML:StructuralFeature.multiplicity", context);
     return record;
@@ -71,11 +156,12 @@ AttributeRecord FCAttributeElement::read(const _eHndl<Context>& context) const {
 
 OperationRecord FCOperationElement::read(const _eHndl<Context>& context) const {
     OperationRecord record;
+    record.id = idOf(*this);
     record.name = readName();
-    record.visibility = visibility(context);
-    record.isAbstract = attributeOrSubElement(L"isAbstract", L"UML:Operation.isAbstract", context);
-    record.isLeaf = attributeOrSubElement(L"isLeaf", L"UML:Operation.isLeaf", context);
-    record.ownerScope = attributeOrSubElement(L"ownerScope", L"UML:Feature.ownerScope", context);
+    record.visibility = XmiWords::visibility(visibility(context));
+    record.isAbstract = XmiWords::flag(attributeOrSubElement(L"isAbstract", L"UML:Operation.isAbstract", context));
+    record.isLeaf = XmiWords::flag(attributeOrSubElement(L"isLeaf", L"UML:Operation.isLeaf", context));
+    record.scope = XmiWords::scope(attributeOrSubElement(L"ownerScope", L"UML:Feature.ownerScope", context));
     ElementSeq all = getContent()->elementsAtPath({L"UML:BehavioralFeature.parameter", L"UML:Parameter"});
     for (int i = 0, n = all.size(); i < n; ++i) record.parameters.push_back(readParameter(*all.get(i), context));
     return record;
@@ -86,23 +172,24 @@ OperationRecord FCOperationElement::read(const _eHndl<Context>& context) const {
 // A result with no type at all is void; one whose type element leads nowhere is not.
 ParameterRecord FCOperationElement::readParameter(const XMLElement& parameter, const _eHndl<Context>& context) {
     ParameterRecord record;
+    record.id = idOf(parameter);
     record.name = parameter.readName();
-    record.kind = parameter.parameterKind(context);
+    record.direction = XmiWords::direction(parameter.parameterKind(context));
     record.type = parameter.readType(L"UML:Parameter.type", context);
-    if (!textIs(record.kind, L"return")) return record;
+    if (record.direction != Direction::result) return record;
     const XMLcontent& content = *parameter.getContent();
     auto namedVoid = [&](const _eFrom<XMLElement>& found) {
         return !found.isNull() && ClassRenderer::readsVoid(found->typeRecord(context));
     };
     ElementSeq types = content.childrenNamed(L"UML:Parameter.type");
     if (!types.isEmpty()) {
-        record.voidReturn = textIs(content.singleChildAttribute(L"UML:Parameter.type", L"xmi.value", context), L"void") ||
+        record.voidResult = textIs(content.singleChildAttribute(L"UML:Parameter.type", L"xmi.value", context), L"void") ||
                             (types.size() == 1 && namedVoid(context->lookup(types.get(0)->getContent()->referencedId(context))));
     } else if (!parameter.hasAttribute(L"type")) {
-        record.voidReturn = true;
+        record.voidResult = true;
     } else {
         _eFrom<XMLElement> found = context->lookup(parameter.attributeText(L"type", context));
-        record.voidReturn = found.isNull() || namedVoid(found);
+        record.voidResult = found.isNull() || namedVoid(found);
     }
     return record;
 }
@@ -127,15 +214,19 @@ Names FCAssociationElement::endTypeIds(const _eHndl<Context>& context) const {
 
 AssociationRecord FCAssociationElement::read(const _eHndl<Context>& context) const {
     AssociationRecord record;
+    record.id = idOf(*this);
     ElementSeq all = ends();
     for (int i = 0, n = all.size(); i < n; ++i) {
         const XMLElement& end = *all.get(i);
         ElementSeq types = end.getContent()->childrenNamed(L"UML:AssociationEnd.type");
         AssociationEndRecord endRecord;
+        endRecord.id = idOf(end);
         endRecord.name = end.readName();
-        endRecord.visibility = end.visibility(context);
-        endRecord.isNavigable = end.attributeOrSubElement(L"isNavigable", L"UML:AssociationEnd.isNavigable", context);
-        endRecord.aggregation = end.attributeOrSubElement(L"aggregation", L"UML:AssociationEnd.aggregation", context);
+        endRecord.visibility = XmiWords::visibility(end.visibility(context));
+        endRecord.isNavigable =
+            XmiWords::flag(end.attributeOrSubElement(L"isNavigable", L"UML:AssociationEnd.isNavigable", context));
+        endRecord.aggregation =
+            XmiWords::aggregation(end.attributeOrSubElement(L"aggregation", L"UML:AssociationEnd.aggregation", context));
         endRecord.typeId = types.get(0)->getContent()->referencedId(context);
         endRecord.singleType = types.size() == 1;
         endRecord.type = end.readType(L"UML:AssociationEnd.type", context);
@@ -168,5 +259,5 @@ _eString FCGeneralizationElement::childId(const _eHndl<Context>& context) const 
 TypeRecord FCGeneralizationElement::readParent(const _eHndl<Context>& context) const {
     _eFrom<XMLElement> found =
         context->lookup(getContent()->grandchildAttributeInSet(parentNames(), innerNames(), L"xmi.idref", context));
-    return found.isNull() ? TypeRecord() : TypeRecord{TypeRecord::named, found->readName(), false};
+    return found.isNull() ? TypeRecord{TypeRecord::unresolved, {}, false} : TypeRecord{TypeRecord::named, found->readName(), false};
 }

@@ -1,25 +1,44 @@
 #include "xml/XMLDocument.h"
 
+#include "xmi/ClassRenderer.h"
+#include "xmi/Xmi1Reader.h"
+
+const ModelReader& XMLDocument::modelReader() const {
+    if (!reader) reader = Xmi1PathReader::recognise(*root);
+    return *reader;
+}
+
 void XMLDocument::analyse() {
     _eFreeze freeze(this);
     analysed = true;
-    classes = search->readsDocument(*root) ? search->classMap(*root) : ClassMap();
+    found = modelReader().readsDocument() ? modelReader().classes() : ModelClasses();
+    classes = found.byName;
 }
 
 const _eHndl<XMLDictionary>& XMLDocument::getDictionary() const {
-    if (analysed && dictionary.isNull()) dictionary = search->dictionary(*root);
+    if (analysed && dictionary.isNull()) dictionary = root->dictionary();
     return dictionary;
 }
 
 bool XMLDocument::rootIsXMI() {
-    if (search->readsDocument(*root)) return true;
+    if (modelReader().readsDocument()) return true;
     addError(_eHndl<XMLError>(new XMLError(getLocation(), XMLErrorType::notXMI)));
     return false;
 }
 
 _eHndl<Context> XMLDocument::generationContext() const {
+    if (!modelReader().readsXmi1Ids()) return _eHndl<Context>(new Context());
     const _eHndl<XMLDictionary>& built = getDictionary();
     return _eHndl<Context>(new Context(built.isNull() ? XMLDictionary::empty() : built));
+}
+
+// The class map holds only classes the reader found, so the lookup of its element always
+// succeeds.
+_eHndl<TarvaneOutput> XMLDocument::declaration(const _eString& className) const {
+    auto [index, end] = classes.lookup(className);
+    if (index == end) return TarvaneOutput::empty();
+    const FoundClass* at = found.find(*classes.at(index).second);
+    return ClassRenderer::classDeclaration(modelReader().readClass(*at, generationContext()));
 }
 
 void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
@@ -33,26 +52,27 @@ void XMLDocument::generateClassFile(const _eString& className, const _eString& o
                                     const FileName& sourceFile, const _eHndl<const Environment>& environment,
                                     const ImportOptions& options) {
     if (!rootIsXMI()) return;
-    _eHndl<Context> context = generationContext();
-    auto [index, end] = classes.lookup(className);
-    _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
-    if (index != end) output = search->declaration(*classes.at(index).second, context);
-    write(*output, FileName(outputDirectory, className, L"tv", environment.get()), sourceFile, environment, options);
+    write(*declaration(className), FileName(outputDirectory, className, L"tv", environment.get()), sourceFile,
+          environment, options);
 }
 
 std::string XMLDocument::renderClassFile(const _eString& className, const _eString& outputDirectory,
                                          const FileName& sourceFile, const Environment& environment,
                                          const ImportOptions& options) const {
-    if (!search->readsDocument(*root)) return {};
-    auto [index, end] = classes.lookup(className);
-    _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
-    if (index != end) output = search->declaration(*classes.at(index).second, generationContext());
-    return output->render(options, FileName(outputDirectory, className, L"tv", &environment), sourceFile, environment);
+    if (!modelReader().readsDocument()) return {};
+    return declaration(className)->render(options, FileName(outputDirectory, className, L"tv", &environment),
+                                          sourceFile, environment);
 }
 
 void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                      const _eHndl<const Environment>& environment, const ImportOptions& options) {
     if (!rootIsXMI()) return;
+    // A document that a failed parse left unanalysed is walked all the same, its ids unknown.
+    ModelClasses walked = analysed ? ModelClasses() : modelReader().classes();
     _eHndl<Context> context = generationContext();
-    write(*search->declarations(*root, classNames, context), targetFile, sourceFile, environment, options);
+    _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
+    for (const FoundClass& each : (analysed ? found : walked).inOrder)
+        if (classNames.contains(modelReader().className(*each.element)))
+            output = output->concat(*ClassRenderer::classDeclaration(modelReader().readClass(each, context)));
+    write(*output, targetFile, sourceFile, environment, options);
 }

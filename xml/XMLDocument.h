@@ -3,7 +3,7 @@
 #pragma once
 
 #include "output/TarvaneOutput.h"
-#include "xmi/ClassSearch.h"
+#include "xmi/ModelReader.h"
 #include "xmi/XMLDictionary.h"
 
 class XMLDocument : public _eClass<XMLDocument, XMLNode> {
@@ -25,15 +25,15 @@ public:
     virtual void generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                     const _eHndl<const Environment>& environment, const ImportOptions& options);
     // The text of the file of one class, as `generateClassFile` would write it into
-    // `outputDirectory`; empty when the search doesn't read the document.
+    // `outputDirectory`; empty when the reader doesn't read the document.
     std::string renderClassFile(const _eString& className, const _eString& outputDirectory, const FileName& sourceFile,
                                 const Environment& environment, const ImportOptions& options) const;
-    // Builds the class map, with the classes that the chosen search finds; the dictionary follows
+    // Builds the class map, with the classes that the chosen reader finds; the dictionary follows
     // when it is first asked for.
     virtual void analyse();
     // How the classes of the document are found and read, by `analyse` and by generation; until
     // one is chosen, along the one path of XMI 1.x.
-    void chooseSearch(const std::shared_ptr<const ClassSearch>& classSearch) { search = classSearch; }
+    void chooseReader(const std::shared_ptr<const ModelReader>& modelReader) { reader = modelReader; }
     virtual ClassMap getClasses() const { return classes; }
 
     const _eFrom<XMLElement>& getRoot() const { return root; }
@@ -41,16 +41,20 @@ public:
     const _eHndl<XMLDictionary>& getDictionary() const;
 
 private:
-    // False, with a `notXMI` error, when the search doesn't read the document: its root isn't "XMI".
+    // False, with a `notXMI` error, when the reader doesn't read the document: its root isn't "XMI".
     bool rootIsXMI();
+    const ModelReader& modelReader() const;
     // A fresh context on the dictionary; on the empty one before `analyse`.
     _eHndl<Context> generationContext() const;
+    // The declaration of the class of that name; empty when there is none.
+    _eHndl<TarvaneOutput> declaration(const _eString& className) const;
     void write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
                const _eHndl<const Environment>& environment, const ImportOptions& options);
 
     _eFrom<XMLElement> root;
     bool analysed = false;
     mutable _eHndl<XMLDictionary> dictionary;  // null until asked for after `analyse`
-    ClassMap classes;                  // class name to class element
-    std::shared_ptr<const ClassSearch> search = PathSearch::instance();  // how classes are found
+    ClassMap classes;                          // class name to class element
+    mutable std::shared_ptr<const ModelReader> reader;  // how classes are found and read; null: the path of XMI 1.x
+    ModelClasses found;                        // what the reader found, in order, with where each stands
 };

@@ -93,8 +93,6 @@ _eString XMLcontent::text() const {
     return trimSpaces(all);
 }
 
-bool XMLcontent::hasSingleNameElement() const { return childrenNamed(L"UML:ModelElement.name").size() == 1; }
-
 ElementSeq XMLcontent::elementsAtPath(const _eSeq<_eString>& path) const {
     ElementSeq children = childrenNamed(path.get(0));
     if (path.size() == 1 || children.isEmpty()) return children;

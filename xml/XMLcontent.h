@@ -41,7 +41,6 @@ public:
     _eString textAtPath(const _eSeq<_eString>& path) const;
     // The character data, spaces trimmed at both ends.
     _eString text() const;
-    bool hasSingleNameElement() const;
     // Every element at the path, all matches at every level, in document order.
     ElementSeq elementsAtPath(const _eSeq<_eString>& path) const;
     ElementSeq childrenInSet(const Names& names) const;

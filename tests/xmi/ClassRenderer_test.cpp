@@ -11,7 +11,9 @@ std::wstring joined(const _eHndl<TarvaneOutput>& out) {
     return text;
 }
 
-NameRecord attributeName(const wchar_t* text) { return {text, false, true}; }
+NameRecord attributeName(const wchar_t* text) { return NameRecord::plain(text); }
+
+NameRecord elementName(const wchar_t* text) { return {NameRecord::element, text}; }
 
 TypeRecord named(const wchar_t* name) { return {TypeRecord::named, attributeName(name), false}; }
 
@@ -28,16 +30,18 @@ TEST(ClassRenderer, NamesFromAttributesAndNameElements) {
         bool hasName;
     };
     const Row rows[] = {
-        {{L" my name ", false, true}, true, L"my name", L"my name", true},
-        {{L" my name ", true, true}, true, L"my_name", L"my_name", true},
-        {{L"value", false, true}, true, L"value_", L"value_", true},
-        {{L"value", false, true}, false, L"value", L"value", true},
-        {{L"End", false, true}, true, L"End", L"End", true},
-        {{L"class, set", true, true}, true, L"class_, set_", L"class_, set_", true},
-        {{L"class, set", false, true}, true, L"class, set", L"class, set", true},
-        {{L"   ", false, true}, true, L"", L"?", false},
-        {{L"?[[Missing Element 'UML:ModelElement.name']]", true, false}, true,
-         L"?[[Missing_Element_'UML:ModelElement.name']]", L"?[[Missing_Element_'UML:ModelElement.name']]", false},
+        {attributeName(L" my name "), true, L"my name", L"my name", true},
+        {elementName(L" my name "), true, L"my_name", L"my_name", true},
+        {attributeName(L"value"), true, L"value_", L"value_", true},
+        {attributeName(L"value"), false, L"value", L"value", true},
+        {attributeName(L"End"), true, L"End", L"End", true},
+        {elementName(L"class, set"), true, L"class_, set_", L"class_, set_", true},
+        {attributeName(L"class, set"), true, L"class, set", L"class, set", true},
+        {attributeName(L"   "), true, L"", L"?", false},
+        {{NameRecord::missing, L"UML:ModelElement.name"}, true, L"?[[Missing_Element_'UML:ModelElement.name']]",
+         L"?[[Missing_Element_'UML:ModelElement.name']]", false},
+        {{NameRecord::repeated, L"a, b"}, false, L"?[[Duplicate_Element_'a, b']]", L"?[[Duplicate_Element_'a, b']]", false},
+        {NameRecord(), true, L"", L"?", false},
     };
     for (std::size_t i = 0; i < std::size(rows); ++i) {
         const Row& row = rows[i];
@@ -50,10 +54,11 @@ TEST(ClassRenderer, NamesFromAttributesAndNameElements) {
 
 // The rows the element tests don't reach: "ref", bounds that aren't numbers, a bound too large.
 TEST(ClassRenderer, TypesAndMultiplicities) {
+    using Bound = std::optional<_eString>;
     struct Row {
         bool single;
-        const wchar_t* lower;
-        const wchar_t* upper;
+        Bound lower;
+        Bound upper;
         bool isRef;
         const wchar_t* tokens;
     };
@@ -62,6 +67,8 @@ TEST(ClassRenderer, TypesAndMultiplicities) {
         {true, L" 0 ", L"1 ", true, L"ref from T || void"},
         {true, L"1", L"1", true, L"ref from T"},
         {true, L"?", L"?", true, L"set of ref from T"},
+        {true, std::nullopt, L"1", true, L"ref from T"},
+        {true, L"0", std::nullopt, false, L"set of from T"},
         {true, L"2", L"5", true, L"those x : set of ref from T :- # x >= 2"},
         {true, L"99999999999", L"*", false, L"those x : set of from T :- # x >= 2147483647"},
     };
@@ -71,7 +78,16 @@ TEST(ClassRenderer, TypesAndMultiplicities) {
                   row.tokens)
             << "row " << i;
     }
+    // Every kind of absence reads "?"; a library's primitive types read as the language's own.
     EXPECT_EQ(joined(ClassRenderer::typeTokens(TypeRecord())), L"?");
+    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::unresolved, attributeName(L"T"), false})), L"?");
+    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::library, attributeName(L"Integer"), false})), L"int");
+    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::library, attributeName(L"Boolean"), false})), L"bool");
+    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::library, attributeName(L"Real"), false})), L"real");
+    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::library, attributeName(L"EString"), false})), L"EString");
+    EXPECT_EQ(joined(ClassRenderer::typeTokens(named(L"Integer"))), L"Integer");
+    EXPECT_TRUE(ClassRenderer::readsVoid({TypeRecord::library, attributeName(L"void"), false}));
+    EXPECT_FALSE(ClassRenderer::readsVoid({TypeRecord::unresolved, attributeName(L"void"), false}));
     EXPECT_EQ(joined(ClassRenderer::typeTokens(classType(L"float", true))), L"real");
     EXPECT_EQ(joined(ClassRenderer::typeTokens(named(L"int"))), L"int");
 }
@@ -81,49 +97,50 @@ TEST(ClassRenderer, TypesAndMultiplicities) {
 TEST(ClassRenderer, ClassDeclarationFromRecords) {
     ClassRecord account;
     account.name = attributeName(L"Account");
-    account.isAbstract = L"true";
+    account.isAbstract = true;
     account.id = L"a1";
-    FeatureRecord& limit = account.features.emplace_back();
-    limit.attributeRecord = {attributeName(L"limit"), L"protected", L"frozen", L"'x'", named(L"int"), {}};
-    FeatureRecord& build = account.features.emplace_back();
-    build.kind = FeatureRecord::operation;
-    build.operationRecord = {attributeName(L"Account"), L"public", L"true", L"", L"", {{attributeName(L"v"), L"out", named(L"int"), false}}};
-    FeatureRecord& total = account.features.emplace_back();
-    total.kind = FeatureRecord::operation;
-    total.operationRecord = {attributeName(L"total"), L"private", L"", L"true", L"",
-                             {{attributeName(L"r"), L"return", named(L"real"), false}, {attributeName(L"q"), L"return", named(L"void"), true}}};
+    account.features.emplace_back(AttributeRecord{L"1", attributeName(L"limit"), Visibility::protected_,
+                                                  Changeability::frozen, L"'x'", named(L"int"), {}});
+    account.features.emplace_back(AttributeRecord{L"2", attributeName(L"spare"), Visibility::package,
+                                                  Changeability::frozen, std::nullopt, named(L"int"), {}});
+    account.features.emplace_back(OperationRecord{L"3", attributeName(L"Account"), Visibility::public_, true, false,
+                                                  Scope::instance, {{L"4", attributeName(L"v"), Direction::out, named(L"int"), false}}});
+    account.features.emplace_back(OperationRecord{L"5", attributeName(L"total"), Visibility::private_, false, true,
+                                                  Scope::unknown,
+                                                  {{L"6", attributeName(L"r"), Direction::result, named(L"real"), false},
+                                                   {L"7", attributeName(L"q"), Direction::result, named(L"void"), true}}});
     AssociationEndRecord own;
-    own.isNavigable = L"false";
-    own.aggregation = L"composite";
+    own.isNavigable = false;
+    own.aggregation = Aggregation::composite;
     own.typeId = L"a1";
     own.singleType = true;
     AssociationEndRecord far;
-    far.visibility = L"public";
-    far.isNavigable = L"true";
+    far.visibility = Visibility::public_;
+    far.isNavigable = true;
     far.typeId = L"o1";
     far.singleType = true;
     far.type = classType(L"Order", true);
     far.roleType = named(L"Order");
     far.multiplicity = {true, L"0", L"*"};
-    account.associations.push_back({{own, far}});
-    account.associations.push_back({{own, far, far}});  // three ends give nothing
-    account.parents = {named(L"Base"), TypeRecord()};
+    account.associations.push_back({L"8", {own, far}});
+    account.associations.push_back({L"9", {own, far, far}});  // three ends give nothing
+    account.parents = {{L"10", named(L"Base")}, {L"11", TypeRecord()}};
     EXPECT_EQ(joined(ClassRenderer::classDeclaration(account)),
               L"deferred class Account ^= inherits Base , ? "
-              L"abstract const limit ^= `x` ; final function total_ : real ^= ? ; var myOrder : set of Order ; "
+              L"abstract const limit ^= `x` ; const spare ^= ? ; final function total_ : real ^= ? ; "
+              L"var myOrder : set of Order ; "
               L"confined function limit ; "
               L"interface build { v : int } post ? ; selector myOrder ; end ;");
 
     ClassRecord empty;
-    empty.name = {L"?[[Missing Element 'UML:ModelElement.name']]", true, false};
-    empty.isLeaf = L"true";
-    empty.isAbstract = L"true";
+    empty.name = {NameRecord::missing, L"UML:ModelElement.name"};
+    empty.isLeaf = true;
+    empty.isAbstract = true;
     EXPECT_EQ(joined(ClassRenderer::classDeclaration(empty)),
               L"final class ?[[Missing_Element_'UML:ModelElement.name']] ^= interface end ;");
     // Members in the confined part alone: no empty interface follows them.
-    FeatureRecord& reset = empty.features.emplace_back();
-    reset.kind = FeatureRecord::operation;
-    reset.operationRecord = {attributeName(L"reset"), L"protected", L"", L"", L"", {}};
+    empty.features.emplace_back(OperationRecord{L"", attributeName(L"reset"), Visibility::protected_, false, false,
+                                                Scope::unknown, {}});
     EXPECT_EQ(joined(ClassRenderer::classDeclaration(empty)),
               L"final class ?[[Missing_Element_'UML:ModelElement.name']] ^= confined schema ! reset post ? ; end ;");
 }

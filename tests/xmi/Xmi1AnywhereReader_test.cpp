@@ -20,7 +20,7 @@ ImportRun imported(const std::string& model) {
 }  // namespace
 
 // Every class element with an id in the real files is listed, under its name.
-TEST(AnywhereSearch, EveryClassOfTheCorpus) {
+TEST(Xmi1AnywhereReader, EveryClassOfTheCorpus) {
     int files = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(MODELBRIDGE_CORPUS_DIR)) {
         if (entry.path().extension() != ".xmi") continue;

@@ -36,7 +36,7 @@ std::string papyrus(const std::string& content) {
 // ends as elements, every default written out, an extension of references) and MagicDraw's
 // (documentation elements, the OMG library, profile elements and applications, an extension
 // holding a class that isn't one). Every class file and the file of all read alike.
-TEST(Xmi2Search, OneModelSavedByFourToolsGeneratesOneText) {
+TEST(Xmi2Reader, OneModelSavedByFourToolsGeneratesOneText) {
     ImportRun uml14(testData("shop.xmi"), Extensions());
     ASSERT_TRUE(uml14.parsed && uml14.generated);
     EXPECT_EQ(uml14.classes,
@@ -53,7 +53,7 @@ TEST(Xmi2Search, OneModelSavedByFourToolsGeneratesOneText) {
 
 // Without the extension an XMI 2 document goes the specified road: no class, and generation
 // turns it down. An XMI 2 document without classes lists none and generates an empty file.
-TEST(Xmi2Search, OnlyWhenAskedForAndEmptyModels) {
+TEST(Xmi2Reader, OnlyWhenAskedForAndEmptyModels) {
     ImportRun specified(testData("shop-papyrus.uml"), Extensions());
     EXPECT_TRUE(specified.parsed);
     EXPECT_TRUE(specified.classes.empty());
@@ -70,7 +70,7 @@ TEST(Xmi2Search, OnlyWhenAskedForAndEmptyModels) {
 // and UML namespaces; classes by type or by tag, at any depth, with start tags or empty ones,
 // in document order with an outer class before those it holds. References, other kinds of
 // classifier, elements without an id and everything in other namespaces are no classes.
-TEST(Xmi2Search, DocumentsAndClassesRecognised) {
+TEST(Xmi2Reader, DocumentsAndClassesRecognised) {
     std::string prefixes =
         "<x:XMI xmlns:x='http://www.omg.org/spec/XMI/20131001' xmlns:u='http://www.omg.org/spec/UML/20131001' "
         "xmlns:p='http://www.omg.org/spec/UML/20131001/StandardProfile' "
@@ -111,7 +111,7 @@ TEST(Xmi2Search, DocumentsAndClassesRecognised) {
 
 // Every class with an id in the real files of UML 2 tools is listed under its name, and
 // generated.
-TEST(Xmi2Search, EveryClassOfTheCorpus) {
+TEST(Xmi2Reader, EveryClassOfTheCorpus) {
     int files = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(MODELBRIDGE_CORPUS2_DIR)) {
         if (entry.path().extension() != ".uml" && entry.path().extension() != ".xmi") continue;

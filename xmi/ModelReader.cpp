@@ -1,0 +1,63 @@
+#include "xmi/ModelReader.h"
+
+#include "xmi/ClassRenderer.h"
+#include "xmi/Xmi1Reader.h"
+#include "xmi/Xmi2Reader.h"
+#include "xmi/XmiHelpers.h"
+
+// Every element the walk goes into unites the classes below it with its own, if it is one;
+// the classes in order are those the walk enters.
+ModelClasses ModelReader::classes() const {
+    ModelClasses found;
+    std::vector<ClassMap> maps;  // one per element entered and not yet left
+    std::vector<NameRecord> packages;
+    walkTree(
+        *root,
+        [&](const XMLElement& element) {
+            ClassMap own;
+            if (isClass(element)) {
+                own.put(className(element), const_cast<XMLElement*>(&element));
+                found.positions.emplace(&element, found.inOrder.size());
+                found.inOrder.push_back({const_cast<XMLElement*>(&element), packages});
+            }
+            maps.push_back(own);
+            if (isPackage(element)) packages.push_back(readName(element));
+            return descent(element);
+        },
+        [&](const XMLElement& element) {
+            if (isPackage(element)) packages.pop_back();
+            ClassMap done = maps.back();
+            maps.pop_back();
+            if (maps.empty())
+                found.byName = done;
+            else
+                maps.back().unitePairs(done);
+        });
+    return found;
+}
+
+_eString ModelReader::className(const XMLElement& element) const { return ClassRenderer::typeName(readName(element)); }
+
+namespace {
+
+// A row of the table of readers: whether the host's extensions leave it on, and the reader it
+// gives for a document, or null when it doesn't recognise the document.
+struct ReaderRow {
+    bool (*enabled)(const ImportExtensions& extensions);
+    std::shared_ptr<const ModelReader> (*recognise)(const XMLElement& root);
+};
+
+const ReaderRow readerTable[] = {
+    {[](const ImportExtensions& e) { return e.xmi2; }, &Xmi2Reader::recognise},
+    {[](const ImportExtensions& e) { return e.anywhere; }, &Xmi1AnywhereReader::recognise},
+    {[](const ImportExtensions&) { return true; }, &Xmi1PathReader::recognise},
+};
+
+}  // namespace
+
+std::shared_ptr<const ModelReader> ModelReader::choose(const XMLElement& root, const ImportExtensions& extensions) {
+    for (const ReaderRow& row : readerTable)
+        if (row.enabled(extensions))
+            if (std::shared_ptr<const ModelReader> reader = row.recognise(root)) return reader;
+    return nullptr;  // never: the last row takes every document
+}

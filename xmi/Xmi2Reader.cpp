@@ -1,0 +1,331 @@
+#include "xmi/Xmi2Reader.h"
+
+#include "runtime/StringUtils.h"
+#include "xmi/ClassRenderer.h"
+
+namespace {
+
+using XmiNames::local;
+using XmiNames::prefix;
+
+// A namespace of XMI 2: "http://schema.omg.org/spec/XMI/2.1", "http://www.omg.org/spec/XMI/20131001".
+bool isXmiNamespace(const std::wstring& uri) { return uri.find(L"/XMI/") != std::wstring::npos; }
+
+// A namespace of the UML metamodel: ".../UML" or ".../UML/VERSION"
+// ("http://www.eclipse.org/uml2/5.0.0/UML", "http://www.omg.org/spec/UML/20131001"), but not
+// a profile below it (".../UML/20131001/StandardProfile").
+bool isUmlNamespace(const std::wstring& uri) {
+    for (std::size_t at = uri.find(L"/UML"); at != std::wstring::npos; at = uri.find(L"/UML", at + 1)) {
+        std::size_t rest = at + 4;
+        if (rest == uri.size()) return true;
+        if (uri[rest] == L'/' && uri.find(L'/', rest + 1) == std::wstring::npos && rest + 1 < uri.size()) return true;
+    }
+    return false;
+}
+
+// A type in a library outside the document: named by the fragment of its "href".
+TypeRecord libraryType(const _eString& href) {
+    int hash = -1;
+    for (int i = 0, n = href.size(); i < n; ++i)
+        if (href.get(i) == L'#') hash = i;
+    return {TypeRecord::library, NameRecord::plain(href.drop(hash + 1)), false};
+}
+
+const TypeRecord unresolvedType{TypeRecord::unresolved, {}, false};
+
+}  // namespace
+
+std::shared_ptr<const ModelReader> Xmi2Reader::recognise(const XMLElement& root) {
+    Names xmiPrefixes;
+    Names umlPrefixes;
+    const AttributeMap& attributes = root.getAttributes();
+    for (int i = 0, n = attributes.size(); i < n; ++i) {
+        const _eString& name = attributes.at(i).first;
+        _eString bound;
+        if (name == _eString(L"xmlns"))
+            bound = {};
+        else if (textIs(prefix(name), L"xmlns"))
+            bound = local(name);
+        else
+            continue;
+        std::wstring uri = toWString(root.attributeText(name, Context::shared()));
+        if (isXmiNamespace(uri)) xmiPrefixes.add(bound);
+        if (isUmlNamespace(uri)) umlPrefixes.add(bound);
+    }
+    _eString rootPrefix = prefix(root.getName());
+    if (textIs(local(root.getName()), L"XMI") && xmiPrefixes.contains(rootPrefix))
+        return std::make_shared<const Xmi2Reader>(root, rootPrefix, umlPrefixes);
+    if (!umlPrefixes.contains(rootPrefix)) return nullptr;
+    for (int i = 0, n = xmiPrefixes.size(); i < n; ++i)
+        if (root.hasAttribute(xmiPrefixes.at(i) + L":version"))
+            return std::make_shared<const Xmi2Reader>(root, xmiPrefixes.at(i), umlPrefixes);
+    return nullptr;
+}
+
+Xmi2Reader::Xmi2Reader(const XMLElement& root, const _eString& xmiPrefix, const Names& umlPrefixes)
+    : ModelReader(root), vocabulary(xmiPrefix, umlPrefixes), idrefKey(xmiPrefix + L":idref") {
+    findClasses();
+}
+
+// Depth first, each element done after its children. An element of another namespace, and
+// every element within it, is never a class nor holds one: the walk passes them over. The root,
+// "xmi:XMI" or a model, holds the document.
+void Xmi2Reader::findClasses() {
+    struct Open {
+        _eString kind;       // the metaclass of an element entered
+        ElementSeq holding;  // its children done that are or hold classes
+    };
+    std::vector<Open> open;
+    walkTree(
+        *root,
+        [&](const XMLElement& element) {
+            open.push_back({&element == root.get() ? _eString() : vocabulary.metaclass(element), {}});
+            ElementSeq children = element.getContent()->childElements();
+            ElementSeq ofModel;
+            for (int i = 0, n = children.size(); i < n; ++i)
+                if (vocabulary.isOfModel(*children.get(i))) ofModel.pushBack(children.get(i));
+            return ofModel;
+        },
+        [&](const XMLElement& element) {
+            Open done = open.back();
+            open.pop_back();
+            bool holds = !done.holding.isEmpty();
+            if (holds) holding[&element] = done.holding;
+            bool isClassElement = textIs(done.kind, L"Class") && element.hasAttribute(vocabulary.idKey()) &&
+                                  !element.hasAttribute(idrefKey) && !element.hasAttribute(L"href");
+            if (isClassElement) classElements.insert(&element);
+            if (textIs(done.kind, L"Association")) associationElements.push_back(&element);
+            if (!open.empty() && (holds || isClassElement))
+                open.back().holding.pushBack(const_cast<XMLElement*>(&element));
+        });
+}
+
+// Every element's id, foreign ones too; then the associations by their ends.
+const Xmi2Reader::Lookups& Xmi2Reader::lookups() const {
+    std::call_once(lookupsBuilt, [this] {
+        auto tables = std::make_unique<Lookups>();
+        tables->ids = IdIndex(*root, vocabulary.idKey());
+        for (const XMLElement* element : associationElements) indexAssociation(*element, *tables);
+        built = std::move(tables);
+    });
+    return *built;
+}
+
+bool Xmi2Reader::isClass(const XMLElement& element) const { return classElements.count(&element) != 0; }
+
+ElementSeq Xmi2Reader::descent(const XMLElement& element) const {
+    auto found = holding.find(&element);
+    return found == holding.end() ? ElementSeq() : found->second;
+}
+
+bool Xmi2Reader::isPackage(const XMLElement& element) const {
+    return &element != root.get() && textIs(vocabulary.metaclass(element), L"Package");
+}
+
+NameRecord Xmi2Reader::readName(const XMLElement& element) const {
+    std::optional<_eString> name = vocabulary.property(element, L"name");
+    return name ? NameRecord::plain(*name) : NameRecord();
+}
+
+// A class reads as a class, anything else by its name.
+TypeRecord Xmi2Reader::typeOfElement(const XMLElement& target) const {
+    TypeRecord record;
+    record.name = readName(target);
+    record.kind = textIs(vocabulary.metaclass(target), L"Class") ? TypeRecord::classType : TypeRecord::named;
+    record.leaf = record.kind == TypeRecord::classType && XmiWords::flag(vocabulary.property(target, L"isLeaf", L"false"));
+    return record;
+}
+
+// By attribute, the id it holds; by element, the one child's "xmi:idref" or "href". More than
+// one child, or an id that names nothing, is unresolved.
+TypeRecord Xmi2Reader::readReference(const XMLElement& element, const wchar_t* name) const {
+    _eFrom<XMLElement> target;
+    if (element.hasAttribute(name)) {
+        target = lookup(element.attributeText(name, Context::shared()));
+    } else {
+        ElementSeq written = vocabulary.properties(element, name);
+        if (written.isEmpty()) return {};
+        if (written.size() != 1) return unresolvedType;
+        const XMLElement& reference = *written.get(0);
+        if (reference.hasAttribute(idrefKey))
+            target = lookup(reference.attributeText(idrefKey, Context::shared()));
+        else if (reference.hasAttribute(L"href"))
+            return libraryType(reference.attributeText(L"href", Context::shared()));
+    }
+    return target.isNull() ? unresolvedType : typeOfElement(*target);
+}
+
+_eString Xmi2Reader::typeId(const XMLElement& element) const {
+    _eSeq<_eString> named = vocabulary.references(element, L"type");
+    return named.size() == 1 ? named.get(0) : _eString();
+}
+
+int Xmi2Reader::typeCount(const XMLElement& element) const {
+    return element.hasAttribute(L"type") ? 1 : vocabulary.properties(element, L"type").size();
+}
+
+std::optional<_eString> Xmi2Reader::bound(const XMLElement& element, const wchar_t* name, const wchar_t* absent,
+                                          bool& found) const {
+    ElementSeq written = vocabulary.properties(element, name);
+    if (written.size() > 1) found = false;
+    if (written.isEmpty()) return _eString(absent);
+    if (written.size() != 1) return std::nullopt;
+    return vocabulary.property(*written.get(0), L"value", L"0");
+}
+
+// Without "lowerValue" the lower bound is 1, without "upperValue" the upper; a value element
+// without a "value" holds 0.
+MultiplicityRecord Xmi2Reader::readMultiplicity(const XMLElement& element) const {
+    MultiplicityRecord record;
+    record.single = true;
+    record.lower = bound(element, L"lowerValue", L"1", record.single);
+    record.upper = bound(element, L"upperValue", L"1", record.single);
+    return record;
+}
+
+// The value of the one "defaultValue": a literal's "value", with the metamodel's default when
+// it is left out, or the first "body" of an opaque expression; none otherwise.
+std::optional<_eString> Xmi2Reader::defaultValue(const XMLElement& element) const {
+    ElementSeq written = vocabulary.properties(element, L"defaultValue");
+    if (written.size() != 1) return std::nullopt;
+    const XMLElement& value = *written.get(0);
+    _eString kind = vocabulary.metaclass(value);
+    if (textIs(kind, L"LiteralInteger") || textIs(kind, L"LiteralUnlimitedNatural") || textIs(kind, L"LiteralReal"))
+        return vocabulary.property(value, L"value", L"0");
+    if (textIs(kind, L"LiteralBoolean")) return vocabulary.property(value, L"value", L"false");
+    if (textIs(kind, L"LiteralString")) return vocabulary.property(value, L"value");
+    if (!textIs(kind, L"OpaqueExpression")) return std::nullopt;
+    if (value.hasAttribute(L"body")) return value.attributeText(L"body", Context::shared());
+    ElementSeq bodies = vocabulary.properties(value, L"body");
+    if (bodies.isEmpty()) return std::nullopt;
+    return bodies.get(0)->getContent()->text();
+}
+
+bool Xmi2Reader::isAssociationEnd(const XMLElement& element) const {
+    return element.hasAttribute(L"association") ||
+           (element.hasAttribute(vocabulary.idKey()) && lookups().endIds.contains(vocabulary.id(element)));
+}
+
+Visibility Xmi2Reader::visibility(const XMLElement& element) const {
+    return XmiWords::visibility(vocabulary.property(element, L"visibility", L"public"));
+}
+
+AttributeRecord Xmi2Reader::readAttribute(const XMLElement& element) const {
+    AttributeRecord record;
+    record.id = vocabulary.id(element);
+    record.name = readName(element);
+    record.visibility = visibility(element);
+    record.changeability = XmiWords::flag(vocabulary.property(element, L"isReadOnly", L"false")) ? Changeability::frozen
+                                                                                                : Changeability::changeable;
+    record.initialValue = defaultValue(element);
+    record.type = readReference(element, L"type");
+    record.multiplicity = readMultiplicity(element);
+    return record;
+}
+
+// A result is void without a type, with a type that reads "void", or with a type attribute
+// whose id names nothing.
+ParameterRecord Xmi2Reader::readParameter(const XMLElement& element) const {
+    ParameterRecord record;
+    record.id = vocabulary.id(element);
+    record.name = readName(element);
+    record.direction = XmiWords::direction(vocabulary.property(element, L"direction", L"in"));
+    record.type = readReference(element, L"type");
+    if (record.direction != Direction::result) return record;
+    bool untyped = typeCount(element) == 0;
+    bool unknownById = element.hasAttribute(L"type") && !record.type.resolved();
+    record.voidResult = untyped || unknownById || ClassRenderer::readsVoid(record.type);
+    return record;
+}
+
+OperationRecord Xmi2Reader::readOperation(const XMLElement& element) const {
+    OperationRecord record;
+    record.id = vocabulary.id(element);
+    record.name = readName(element);
+    record.visibility = visibility(element);
+    record.isAbstract = XmiWords::flag(vocabulary.property(element, L"isAbstract", L"false"));
+    record.isLeaf = XmiWords::flag(vocabulary.property(element, L"isLeaf", L"false"));
+    record.scope = XmiWords::flag(vocabulary.property(element, L"isStatic", L"false")) ? Scope::classifier : Scope::instance;
+    ElementSeq parameters = vocabulary.properties(element, L"ownedParameter");
+    for (int i = 0, n = parameters.size(); i < n; ++i) record.parameters.push_back(readParameter(*parameters.get(i)));
+    return record;
+}
+
+// UML 2 marks the whole of an aggregation on the end typed by the part: the end that UML 1.x
+// marks is the other one.
+AssociationRecord Xmi2Reader::readAssociation(const Association& association) const {
+    AssociationRecord record;
+    record.id = association.id;
+    for (int i = 0, n = association.ends.size(); i < n; ++i) {
+        const XMLElement& end = *association.ends.get(i);
+        AssociationEndRecord endRecord;
+        endRecord.id = vocabulary.id(end);
+        endRecord.name = readName(end);
+        endRecord.visibility = visibility(end);
+        bool ownedByClass = textIs(local(end.getName()), L"ownedAttribute");
+        bool listed = end.hasAttribute(vocabulary.idKey()) && association.navigableOwnedEnds.contains(vocabulary.id(end));
+        endRecord.isNavigable = ownedByClass || listed || XmiWords::flag(vocabulary.property(end, L"isNavigable", L"false"));
+        _eString aggregation =
+            n == 2 ? vocabulary.property(*association.ends.get(1 - i), L"aggregation", L"none") : _eString(L"none");
+        endRecord.aggregation = textIs(aggregation, L"shared") ? Aggregation::shared : XmiWords::aggregation(aggregation);
+        endRecord.typeId = typeId(end);
+        endRecord.singleType = typeCount(end) == 1;
+        endRecord.type = readReference(end, L"type");
+        if (endRecord.singleType) endRecord.roleType = endRecord.type;
+        endRecord.multiplicity = readMultiplicity(end);
+        record.ends.push_back(endRecord);
+    }
+    return record;
+}
+
+// An association by the ends its "memberEnd" lists (or, when it lists none, by its own ends),
+// and by the classes their types name.
+void Xmi2Reader::indexAssociation(const XMLElement& element, Lookups& tables) const {
+    Association association;
+    association.id = vocabulary.id(element);
+    _eSeq<_eString> members = vocabulary.references(element, L"memberEnd");
+    ElementSeq candidates;
+    if (members.isEmpty()) candidates = vocabulary.properties(element, L"ownedEnd");
+    for (int i = 0, n = members.size(); i < n; ++i) {
+        tables.endIds.add(members.get(i));
+        _eFrom<XMLElement> end = tables.ids.find(members.get(i));
+        if (!end.isNull()) candidates.pushBack(end);
+    }
+    for (int i = 0, n = candidates.size(); i < n; ++i)
+        if (typeCount(*candidates.get(i)) > 0) association.ends.pushBack(candidates.get(i));
+    _eSeq<_eString> navigable = vocabulary.references(element, L"navigableOwnedEnd");
+    for (int i = 0, n = navigable.size(); i < n; ++i) association.navigableOwnedEnds.add(navigable.get(i));
+    int index = int(tables.associations.size());
+    Names classIds;
+    for (int i = 0, n = association.ends.size(); i < n; ++i) classIds.add(typeId(*association.ends.get(i)));
+    for (int i = 0, n = classIds.size(); i < n; ++i) tables.byClassId[toWString(classIds.at(i))].push_back(index);
+    tables.associations.push_back(association);
+}
+
+// Its attributes, then its operations, then the members its associations give, then its
+// generalizations' parents, each in document order.
+ClassRecord Xmi2Reader::readClass(const FoundClass& found, const _eHndl<Context>&) const {
+    const XMLElement& element = *found.element;
+    ClassRecord record;
+    record.id = vocabulary.id(element);
+    record.name = readName(element);
+    record.isLeaf = XmiWords::flag(vocabulary.property(element, L"isLeaf", L"false"));
+    record.isAbstract = XmiWords::flag(vocabulary.property(element, L"isAbstract", L"false"));
+    record.documentation = vocabulary.documentation(element);
+    record.packagePath = found.packagePath;
+    ElementSeq attributes = vocabulary.properties(element, L"ownedAttribute");
+    for (int i = 0, n = attributes.size(); i < n; ++i)
+        if (!isAssociationEnd(*attributes.get(i))) record.features.emplace_back(readAttribute(*attributes.get(i)));
+    ElementSeq operations = vocabulary.properties(element, L"ownedOperation");
+    for (int i = 0, n = operations.size(); i < n; ++i) record.features.emplace_back(readOperation(*operations.get(i)));
+    ElementSeq generalizations = vocabulary.properties(element, L"generalization");
+    for (int i = 0, n = generalizations.size(); i < n; ++i)
+        record.parents.push_back({vocabulary.id(*generalizations.get(i)), readReference(*generalizations.get(i), L"general")});
+    if (!element.hasAttribute(vocabulary.idKey())) return record;
+    const Lookups& tables = lookups();
+    auto at = tables.byClassId.find(toWString(record.id));
+    if (at != tables.byClassId.end())
+        for (int index : at->second)
+            record.associations.push_back(readAssociation(tables.associations[std::size_t(index)]));
+    return record;
+}
