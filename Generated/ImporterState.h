@@ -11,7 +11,7 @@ struct XMLImporter::State {
     _eHndl<XMLDocument> document;               // of the last parse that could open its file
     _eHndl<FileName> parsedFile;                // of the last parse without any error
     _eHndl<Time> parsedFileTime;                // that file's modification time after the parse
-    [[maybe_unused]] std::int32_t linesParsed = 0;  // lines read over all parses; nothing reads it
+    [[maybe_unused]] std::int32_t linesParsed = 0;  // lines read over all parses; a fixed field nothing reads
     XMLErrors errors;                           // every error so far; it only grows
     _eHndl<const Environment> environment;      // taken at construction
     std::int32_t tabWidth = 4;                  // column step of a tab in the lexer

@@ -31,6 +31,8 @@ public:
     virtual _eString text(bool shortFileNames) const;
     // "(line,column)"
     virtual _eString positionText() const;
+    // The three steps of the virtual interface, which is fixed by design: the lexer moves by the
+    // inline `pass` below, which does without a virtual call per byte.
     virtual void nextColumn();
     // To column 1 of the next line.
     virtual void nextLine();

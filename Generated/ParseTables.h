@@ -60,7 +60,7 @@ struct ParseTables {
 const _eSeq<_ePair<ActionName::_eEnum, _eString>>& actionDisplayNames();
 _eString actionDisplayName(ActionName::_eEnum action);
 
-// Handed to every parser; nothing reads it.
+// Handed to every parser, as the parser's interface is fixed by design; nothing reads it.
 class ParseControl : public _eClass<ParseControl, _eAny> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule9, 0};

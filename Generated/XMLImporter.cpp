@@ -209,27 +209,16 @@ void XMLImporter::parseFile(const FileName* file, bool showProgress) {
     addErrors(lexer->getErrors());
 }
 
+// Progress is shown only to a host's sink: `showProgress` is true exactly when there is one.
 void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress) {
-    // Progress goes to the host's sink where there is one, else into the report.
-    auto show = [this](const _eString& entry) {
-        if (state->progressSink != nullptr)
-            state->progressSink(entry, state->progressContext);
-        else
-            state->parseDiagnostics = state->parseDiagnostics + entry;
-    };
     std::int32_t lastLine = 0;
-    _eHndl<Terminal> token;
-    while (!parser->isFinished()) {
-        token.reset();
-        lexer->nextToken(token);
-        if (showProgress && token->getLocation()->getLine() != lastLine) {
-            lastLine = token->getLocation()->getLine();
-            show(L"\rParsed line " + intToString(lastLine));
+    parser->parseAll(*lexer, true, showProgress, [&](const Terminal& token) {
+        if (showProgress && token.getLocation()->getLine() != lastLine) {
+            lastLine = token.getLocation()->getLine();
+            state->progressSink(L"\rParsed line " + intToString(lastLine), state->progressContext);
         }
-        parser->offerToken(token);
-        parser->takeRuns(*lexer, showProgress);
-    }
-    if (showProgress) show(L"\n");
+    });
+    if (showProgress) state->progressSink(L"\n", state->progressContext);
 }
 
 const _eSet<_eString>& XMLImporter::classesToIgnore() {
@@ -258,8 +247,6 @@ ValidityStatus::_eEnum XMLImporter::getValidityStatus(_eString fileName) const {
     if (state->environment.isNull()) return ValidityStatus::Invalid;
     FileName file(fileName, state->environment.get());
     if (state->document.isNull()) return ValidityStatus::Invalid;
-    const XMLDocument& parsed = *state->document;
-    if (typeid(parsed) != typeid(XMLDocument)) return ValidityStatus::Invalid;
     if (state->parsedFile.isNull() || !(*state->parsedFile == file)) return ValidityStatus::Invalid;
     if (state->parsedFileTime.isNull()) return ValidityStatus::Unknown;
     _eHndl<FileStats> stats = state->environment->stats(file.fullPathText()).as<FileStats>();

@@ -30,6 +30,25 @@ public:
     // time; with `stopAtLineEnd` a line end is left to be a token of its own.
     void takeRuns(XMLLex& lexer, bool stopAtLineEnd);
 
+    // The one loop that drives a parse: takes tokens from `lexer` and offers them until the parse
+    // has finished. `seen(token)` sees each token before it is offered. With `byteRuns` the bytes
+    // that only loop are taken many at a time after each token (a line end left to be a token
+    // of its own with `stopAtLineEnd`); without it every byte is a token.
+    template <class Seen>
+    void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
+        _eHndl<Terminal> token;
+        while (!isFinished()) {
+            token.reset();
+            lexer.nextToken(token);
+            seen(*token);
+            offerToken(token);
+            if (byteRuns) takeRuns(lexer, stopAtLineEnd);
+        }
+    }
+    void parseAll(XMLLex& lexer) {
+        parseAll(lexer, true, false, [](const Terminal&) {});
+    }
+
     // Reads the unprefixed UML 1.x tags as their "UML:" forms, in a document whose root is "XMI".
     void readUnprefixedUmlTags() { unprefixedUml = true; }
 

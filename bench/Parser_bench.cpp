@@ -40,13 +40,7 @@ void ParseTenMegabytes(benchmark::State& state) {
         bool ok = false;
         lex->openFile(name, ok);
         _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
-        _eHndl<Terminal> token;
-        while (!parser->isFinished()) {
-            token.reset();
-            lex->nextToken(token);
-            parser->offerToken(token);
-            parser->takeRuns(*lex, false);
-        }
+        parser->parseAll(*lex);
         lex->closeFile();
         if (parser->getResult().isNull()) state.SkipWithError("the model was refused");
     }

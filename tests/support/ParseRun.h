@@ -22,12 +22,7 @@ inline ParseOutcome parseFile(const std::string& path, bool runs = true) {
     bool ok = false;
     lex->openFile(_eHndl<FileName>(new FileName(fromPlatformText(path), env.get())), ok);
     _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
-    while (!parser->isFinished()) {
-        _eHndl<Terminal> token;
-        lex->nextToken(token);
-        parser->offerToken(token);
-        if (runs) parser->takeRuns(*lex, false);
-    }
+    parser->parseAll(*lex, runs, false, [](const Terminal&) {});
     lex->closeFile();
     ParseOutcome outcome;
     outcome.result = parser->getResult();
