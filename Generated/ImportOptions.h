@@ -13,18 +13,21 @@ public:
 
     ImportOptions() : lineWidth(100), indentText(L"\t"), commentPrefix(L"//") {}
     // Settings chosen by a host; comments keep their prefix. A `fixedTime` stands in the header
-    // of every file in place of the clock's time.
+    // of every file in place of the clock's time. With `commentsByKind` only the tokens that
+    // generation makes as comments are laid out as comments, whatever a model text starts with.
     ImportOptions(std::int32_t lineWidth, const _eString& indentText, const _eString& filePrefix,
-                  const _eHndl<Time>& fixedTime = {})
+                  const _eHndl<Time>& fixedTime = {}, bool commentsByKind = false)
         : lineWidth(lineWidth),
           indentText(indentText),
           commentPrefix(L"//"),
           filePrefix(filePrefix),
-          fixedTime(fixedTime) {}
+          fixedTime(fixedTime),
+          commentsByKind(commentsByKind) {}
 
     bool equalFields(const ImportOptions& other) const {
         return lineWidth == other.lineWidth && indentText == other.indentText &&
-               commentPrefix == other.commentPrefix && filePrefix == other.filePrefix && fixedTime == other.fixedTime;
+               commentPrefix == other.commentPrefix && filePrefix == other.filePrefix &&
+               fixedTime == other.fixedTime && commentsByKind == other.commentsByKind;
     }
 
     // The instance with the defaults, shared by every importer that keeps them; nothing changes it.
@@ -38,6 +41,7 @@ public:
     const _eString& getCommentPrefix() const { return commentPrefix; }
     const _eString& getFilePrefix() const { return filePrefix; }
     const _eHndl<Time>& getFixedTime() const { return fixedTime; }
+    bool getCommentsByKind() const { return commentsByKind; }
 
 private:
     std::int32_t lineWidth;  // the column beyond which a line is broken
@@ -45,4 +49,5 @@ private:
     _eString commentPrefix;  // a token that begins with it is a comment
     _eString filePrefix;     // put before the base name of each generated file
     _eHndl<Time> fixedTime;  // the time that headers name; null: the clock's
+    bool commentsByKind = false;  // a comment is a token of that kind, not any with the prefix
 };

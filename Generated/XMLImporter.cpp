@@ -35,6 +35,7 @@ void XMLImporter::chooseExtensions(const ImportExtensions& extensions) {
     std::memcpy(static_cast<void*>(&chosen), &extensions, known);
     chosen.size = sizeof(ImportExtensions);
     state->extensions = chosen;
+    settleOptions();
 }
 
 const ImportExtensions& XMLImporter::extensions() const { return state->extensions; }
@@ -72,12 +73,29 @@ bool XMLImporter::setImportOptions(std::int32_t lineWidth, _eString indentText, 
     _eString reason = refusalOf(lineWidth, indentText, filePrefix);
     if (refusal != nullptr) *refusal = reason;
     if (!reason.isEmpty()) return false;
-    state->importOptions = new ImportOptions(lineWidth, indentText, filePrefix);
+    state->layout = new ImportOptions(lineWidth, indentText, filePrefix);
+    settleOptions();
     return true;
 }
 
 const ImportOptions& XMLImporter::importOptions() const {
     return state->importOptions.isNull() ? ImportOptions::defaults() : *state->importOptions;
+}
+
+// The host's layout, or the defaults, with the fixed time and the telling of comments that the
+// extensions ask for; the shared defaults where nothing is chosen, so that an importer without
+// settings writes exactly the default text.
+void XMLImporter::settleOptions() {
+    const ImportExtensions& chosen = state->extensions;
+    if (!chosen.useFixedTime && !chosen.plainModelText) {
+        state->importOptions = state->layout;
+        return;
+    }
+    const ImportOptions& layout = state->layout.isNull() ? ImportOptions::defaults() : *state->layout;
+    bool ok = false;
+    _eHndl<Time> time = chosen.useFixedTime ? utcTime(std::time_t(chosen.fixedTime), ok) : _eHndl<Time>();
+    state->importOptions = new ImportOptions(layout.getLineWidth(), layout.getIndentText(), layout.getFilePrefix(),
+                                             ok ? time : _eHndl<Time>(), chosen.plainModelText);
 }
 
 _eString XMLImporter::outputFilePath(_eString directory, _eString name) const {
@@ -104,11 +122,25 @@ const _eFullTypeInfo* XMLImporter::_aTypeRecord() {
     return &record;
 }
 
-_eSeq<_eString> XMLImporter::getErrorList(bool shortFileNames) const {
+namespace {
+
+_eSeq<_eString> errorLines(const XMLErrors& errors, bool shortFileNames) {
     _eSeq<_eString> lines;
-    for (int i = 0, n = state->errors.size(); i < n; ++i) lines.pushBack(state->errors.at(i)->text(shortFileNames));
+    for (int i = 0, n = errors.size(); i < n; ++i) lines.pushBack(errors.at(i)->text(shortFileNames));
     return lines;
 }
+
+}  // namespace
+
+_eSeq<_eString> XMLImporter::getErrorList(bool shortFileNames) const { return errorLines(state->errors, shortFileNames); }
+
+_eSeq<_eString> XMLImporter::getLastCallErrorList(bool shortFileNames) const {
+    return errorLines(state->callErrors, shortFileNames);
+}
+
+const XMLErrors& XMLImporter::lastCallErrors() const { return state->callErrors; }
+
+const XMLErrors& XMLImporter::errors() const { return state->errors; }
 
 _eString XMLImporter::getMostSevereErrorMsg() const {
     ErrorSeverity::_eEnum worst = mostSevereError();
@@ -258,7 +290,9 @@ template <class Generate>
 void XMLImporter::generate(Generate run, bool& success) {
     if (state->document.isNull() || state->environment.isNull()) {
         // Nothing was parsed that could be generated: reported as no XMI document.
-        addError(state->errors, Location::nowhere(), XMLErrorType::notXMI);
+        state->callErrors = XMLErrors();
+        addError(state->callErrors, Location::nowhere(), XMLErrorType::notXMI);
+        addErrors(state->callErrors);
         success = false;
         return;
     }
@@ -267,6 +301,7 @@ void XMLImporter::generate(Generate run, bool& success) {
     XMLErrors documentErrors = state->document->getErrors();
     addErrors(documentErrors);
     success = documentErrors.isEmpty();
+    state->callErrors = state->document->lastGenerationErrors();
 }
 
 void XMLImporter::generateClassFile(_eString directory, _eString className, bool& success) {
@@ -280,6 +315,12 @@ void XMLImporter::generateSingleFile(_eString directory, _eString fileName, _eSe
         FileName target(directory, fileName, L"tv", state->environment.get());
         doc.generateSingleFile(target, classNames, source, state->environment, importOptions());
     }, success);
+}
+
+std::string XMLImporter::renderClassFile(_eString directory, _eString className) const {
+    if (state->document.isNull() || state->environment.isNull()) return {};
+    FileName source = state->parsedFile.isNull() ? FileName() : *state->parsedFile;
+    return state->document->renderClassFile(className, directory, source, *state->environment, importOptions());
 }
 
 _eString XMLImporter::genFullFileNameString(_eString directory, _eString name, const Environment* environment) {

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "Generated/ErrorEnums.h"
 #include "Generated/ImportExtensions.h"
@@ -47,6 +48,17 @@ public:
     void generateClassFile(_eString directory, _eString className, bool& success);
     // Writes the chosen classes, in document order, into one file.
     void generateSingleFile(_eString directory, _eString fileName, _eSet<_eString> classNames, bool& success);
+    // The text that `generateClassFile(directory, className)` would write, as the file's bytes,
+    // without writing anything; empty when nothing parsed can be generated. An extension beyond
+    // the specified behaviour for hosts that show or compare generated text.
+    std::string renderClassFile(_eString directory, _eString className) const;
+    // The errors and warnings of the last call that generated or wrote alone, ordered by
+    // location: empty when it succeeded, whatever calls before it gave. An extension beyond the
+    // specified behaviour, whose `success` tells whether every generation so far succeeded.
+    const XMLErrors& lastCallErrors() const;
+    _eSeq<_eString> getLastCallErrorList(bool shortFileNames) const;
+    // Every distinct error and warning so far, ordered by location, as `getErrorList` lists them.
+    const XMLErrors& errors() const;
     // Where a file of that name goes: in `directory`, with the extension "tv".
     static _eString genFullFileNameString(_eString directory, _eString name, const Environment* environment);
 
@@ -104,7 +116,6 @@ public:
 
 private:
     friend class XMLImporterInspector;  // the test suite's view of the private members
-    friend class ImporterAccess;        // the facade's view of them
 
     static const _eFullTypeInfo* _aTypeRecord();
 
@@ -119,6 +130,8 @@ private:
     static const _eSet<_eString>& classesToIgnore();
     // The settings of generated text: the host's, else the shared defaults.
     const ImportOptions& importOptions() const;
+    // Makes the settings of generated text anew from the host's layout and extensions.
+    void settleOptions();
     // Runs one generation on the document and takes its errors over.
     template <class Generate>
     void generate(Generate run, bool& success);

@@ -272,16 +272,13 @@ bool makeFolder(const std::string& directory) {
     return false;
 }
 
-// The number of distinct errors and warnings so far; a call that adds none has succeeded.
-int problems(const XMLImporter& importer) { return importer.numErrors() + importer.numWarnings(); }
-
 // Writes the chosen classes, one file each or all in one, and prints the path of each file
 // written; false when one failed.
 bool generate(XMLImporter& importer, const Options& options, const _eSeq<_eString>& classes) {
     _eString directory = toText(options.directory);
     bool allWritten = true;
-    auto written = [&](const _eString& name, int before) {
-        if (problems(importer) != before) {
+    auto written = [&](const _eString& name) {
+        if (!importer.getLastCallErrorList(true).isEmpty()) {
             allWritten = false;
             return;
         }
@@ -292,14 +289,12 @@ bool generate(XMLImporter& importer, const Options& options, const _eSeq<_eStrin
         _eSet<_eString> chosen;
         for (int i = 0; i < classes.size(); ++i) chosen.add(classes.at(i));
         _eString file = toText(options.single);
-        int before = problems(importer);
         importer.generateSingleFile(directory, file, chosen, ok);
-        written(file, before);
+        written(file);
     } else {
         for (int i = 0; i < classes.size(); ++i) {
-            int before = problems(importer);
             importer.generateClassFile(directory, classes.at(i), ok);
-            written(classes.at(i), before);
+            written(classes.at(i));
         }
     }
     if (!allWritten) printLines(importer.getErrorList(true), stderr);

@@ -6,8 +6,9 @@
 #include <mutex>
 #include <new>
 
+#include "Generated/XMLError.h"
+#include "Generated/XMLImporter.h"
 #include "environment/PlatformText.h"
-#include "facade/ImporterAccess.h"
 #include "facade/LibraryLock.h"
 #include "modelbridge/modelbridge.hpp"
 
@@ -58,16 +59,22 @@ Result refused(const std::vector<std::string>& messages) {
     return result;
 }
 
-// The time of SOURCE_DATE_EPOCH, or null when it isn't set to a whole number of seconds.
-_eHndl<Time> sourceDateEpoch() {
+// The seconds of SOURCE_DATE_EPOCH, when it is set to a whole number of them.
+bool sourceDateEpoch(std::int64_t& seconds) {
     const char* text = std::getenv("SOURCE_DATE_EPOCH");
-    if (text == nullptr || *text < '0' || *text > '9') return {};
+    if (text == nullptr || *text < '0' || *text > '9') return false;
     char* end = nullptr;
-    long long seconds = std::strtoll(text, &end, 10);
-    if (*end != '\0') return {};
-    bool ok = false;
-    _eHndl<Time> time = utcTime(std::time_t(seconds), ok);
-    return ok ? time : _eHndl<Time>();
+    seconds = std::strtoll(text, &end, 10);
+    return *end == '\0';
+}
+
+// The importer's extensions that the options choose.
+ImportExtensions extensionsOf(const Options& options) {
+    ImportExtensions extensions;
+    extensions.xmi2 = options.xmi2;
+    extensions.anywhere = options.anywhere;
+    extensions.useFixedTime = options.reproducible && sourceDateEpoch(extensions.fixedTime);
+    return extensions;
 }
 
 // A directory as the importer takes it: with its separator, "." when empty.
@@ -112,13 +119,10 @@ void Model::Impl::parse(const std::filesystem::path& file, const Options& option
             return;
         }
     }
-    if (options.reproducible)
-        if (_eHndl<Time> time = sourceDateEpoch(); !time.isNull()) ImporterAccess::fixTime(importer, time);
-    importer.findClassesAnywhere(options.anywhere);
-    importer.readXmi2Models(options.xmi2);
+    importer.chooseExtensions(extensionsOf(options));
     importer.attemptParse(fromPlatformText(file.string()), L"", parsed);
     report = toPlatformText(importer.getParseDiagnostics());
-    diagnostics = diagnosticsOf(ImporterAccess::errors(importer));
+    diagnostics = diagnosticsOf(importer.errors());
     _eSeq<_eString> list = importer.getClassList();
     for (int i = 0; i < list.size(); ++i) {
         classes.push_back(toPlatformText(list.at(i)));
@@ -130,9 +134,10 @@ template <class Generate>
 Result Model::Impl::generate(Generate run) {
     Result result;
     try {
-        ImporterAccess::startGeneration(importer);
-        run(result.ok);
-        result.diagnostics = diagnosticsOf(ImporterAccess::generationErrors(importer));
+        bool everySoFar = false;
+        run(everySoFar);
+        result.ok = importer.lastCallErrors().isEmpty();
+        result.diagnostics = diagnosticsOf(importer.lastCallErrors());
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {
@@ -199,7 +204,7 @@ std::string Model::renderClass(std::string_view name) {
     const _eString* className = impl->find(name);
     if (className == nullptr) return {};
     try {
-        return ImporterAccess::renderClassFile(impl->importer, directoryText("."), *className);
+        return impl->importer.renderClassFile(directoryText("."), *className);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {

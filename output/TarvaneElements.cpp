@@ -24,8 +24,32 @@ _eSet<_eString> setOf(std::initializer_list<const wchar_t*> words) {
 
 }  // namespace
 
+ElementBase::ElementBase(const Tokens& tokens) : tokens(tokens) {
+    _eSeqReader<_eString> reader(tokens);
+    for (int i = 0, n = tokens.size(); i < n; ++i) kinds.pushBack(std::int32_t(kindOf(reader.next())));
+}
+
+TokenKind ElementBase::kindOf(const _eString& token) {
+    if (token == _eString(L"\n")) return TokenKind::lineBreak;
+    if (token.startsWith(ImportOptions::defaults().getCommentPrefix())) return TokenKind::comment;
+    wchar_t first = token.isEmpty() ? L' ' : token.get(0);
+    bool letter = (first >= L'A' && first <= L'Z') || (first >= L'a' && first <= L'z') || first == L'_';
+    return letter ? TokenKind::keyword : TokenKind::punctuation;
+}
+
+namespace {
+
+std::int32_t lineEnds(const _eString& text) {
+    std::int32_t count = 0;
+    for (int i = 0, n = text.size(); i < n; ++i)
+        if (text.get(i) == L'\n') ++count;
+    return count;
+}
+
+}  // namespace
+
 void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>& file, const ImportOptions& options,
-                          FileError::_eEnum& status) const {
+                          FileError::_eEnum& status, std::vector<TokenLines>* lines) const {
     status = FileError::success;
     std::int32_t column = 0;
     std::int32_t indent = 0;
@@ -35,23 +59,30 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
     std::int32_t bracketDepth = 0;
     const _eString newLine = L"\n";
     _eString previous;
+    bool previousComment = false;
     bool first = true;
+    std::int32_t line = 1;
+    const bool byKind = options.getCommentsByKind();
     _eSeqReader<_eString> reader(tokens);
+    _eSeqReader<std::int32_t> kindReader(kinds);
+    if (lines != nullptr) lines->reserve(std::size_t(tokens.size()));
     for (int i = 0, n = tokens.size(); i < n && status == FileError::success; ++i) {
         _eString current = reader.next();
+        TokenKind kind = TokenKind(kindReader.next());
         if (current == newLine) {
             breakPending = true;
+            if (lines != nullptr) lines->push_back({line, line});
             continue;
         }
+        bool comment = byKind ? kind == TokenKind::comment : current.startsWith(options.getCommentPrefix());
         _eString separator;
         if (breakPending)
             separator = newLine;
         else if (!first)
-            separator = separatorBetween(previous, current, indent, options);
+            separator = separatorBetween(previous, previousComment, current, comment, indent, options);
         breakPending = false;
         bool closes = closesBlock(previous, current);
         if (closes && indent > 0) indent -= 1;
-        bool comment = current.startsWith(options.getCommentPrefix());
         _eString lead;
         if (separator == newLine) {
             std::int32_t levels = indent > 0 && isSectionHead(current) ? indent - 1 : indent;
@@ -67,13 +98,16 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             lead = separator;
             column += separator.size();
         }
+        line += lineEnds(lead);
+        std::int32_t firstLine = line;
         if (!comment) {
             _eString text = tokenText(current);
             environment.writeText(file, lead + text, status);
             column += text.size();
         } else {
-            writeWrapped(environment, file, lead, current, column, options, status);
+            line += writeWrapped(environment, file, lead, current, column, options, status);
         }
+        if (lines != nullptr) lines->push_back({firstLine, line});
         if (opensBlock(previous, current))
             indent += 1;
         else if (closes && indent < 2)
@@ -90,29 +124,32 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         }
         if (startsParameterLine(current)) inParameterLine = true, bracketDepth = 0;
         previous = current;
+        previousComment = comment;
         first = false;
     }
     if (status == FileError::success) environment.writeText(file, newLine, status);
 }
 
-void ElementBase::writeWrapped(const Environment& environment, const _eHndl<FileRef>& file, const _eString& lead,
-                               const _eString& text, std::int32_t column, const ImportOptions& options,
-                               FileError::_eEnum& status) const {
+std::int32_t ElementBase::writeWrapped(const Environment& environment, const _eHndl<FileRef>& file,
+                                       const _eString& lead, const _eString& text, std::int32_t column,
+                                       const ImportOptions& options, FileError::_eEnum& status) const {
     _eString pieceLead = lead;
     _eString rest = text;
     const _eString& prefix = options.getCommentPrefix();
+    std::int32_t breaks = 0;
     while (true) {
         if (column + rest.size() <= options.getLineWidth()) {
             environment.writeText(file, pieceLead + rest, status);
-            return;
+            return breaks;
         }
         std::int32_t room = options.getLineWidth() - column;
         // Every piece carries at least one character behind its prefix, so the comment shrinks.
         std::int32_t cut = std::max(breakPosition(rest, room, options), prefix.size() + 1);
         environment.writeText(file, pieceLead + rest.take(cut), status);
-        if (status != FileError::success) return;
+        if (status != FileError::success) return breaks;
         rest = prefix + rest.drop(cut);
         pieceLead = newLineAndBlanks(column);
+        ++breaks;
     }
 }
 
@@ -123,13 +160,12 @@ std::int32_t ElementBase::breakPosition(const _eString& text, std::int32_t room,
     return lastBlank > 0 ? lastBlank : room;
 }
 
-_eString TarvaneElements::separatorBetween(const _eString& previous, const _eString& current, std::int32_t,
-                                           const ImportOptions& options) const {
-    const _eString& prefix = options.getCommentPrefix();
+_eString TarvaneElements::separatorBetween(const _eString& previous, bool previousIsComment, const _eString& current,
+                                           bool currentIsComment, std::int32_t, const ImportOptions&) const {
     if (lineEnders().contains(previous)) return L"\n";
     if (blockClosers().contains(previous) && !(current == _eString(L";"))) return L"\n";
     if (lineStarters().contains(current)) return L"\n";
-    if (current.startsWith(prefix) || previous.startsWith(prefix)) return L"\n";
+    if (currentIsComment || previousIsComment) return L"\n";
     if (noBlankAfter().contains(previous)) return L"";
     if (noBlankBefore().contains(current)) return L"";
     return L" ";

@@ -1,28 +1,46 @@
-// Generated text as a flat sequence of tokens, and the small pretty-printer that lays them out
-// in lines. `ElementBase` is the engine; `TarvaneElements` gives it the layout of the language.
+// Generated text as a flat sequence of tokens with their kinds, and the small pretty-printer
+// that lays them out in lines. `ElementBase` is the engine; `TarvaneElements` gives it the
+// layout of the language.
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "Generated/ImportOptions.h"
 #include "environment/Environment.h"
+#include "output/Declaration.h"
 #include "runtime/Set.h"
 
 using Tokens = _eSeq<_eString>;
+
+// The lines, counted from 1, on which a laid-out token starts and ends (a long comment is
+// wrapped over several).
+struct TokenLines {
+    std::int32_t first;
+    std::int32_t last;
+};
 
 class ElementBase : public _eAbstractClass<ElementBase, _eAny> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule2, 0};
 
     ElementBase() = default;
-    explicit ElementBase(const Tokens& tokens) : tokens(tokens) {}
+    // Each token of the kind its text looks like (`kindOf`).
+    explicit ElementBase(const Tokens& tokens);
+    // `kinds` holds one kind for each token.
+    ElementBase(const Tokens& tokens, const TokenKinds& kinds) : tokens(tokens), kinds(kinds) {}
 
-    bool equalFields(const ElementBase& other) const { return tokens == other.tokens; }
+    bool equalFields(const ElementBase& other) const { return tokens == other.tokens && kinds == other.kinds; }
+
+    // The kind of a token known only by its text: a line break, a comment by its prefix "//",
+    // a keyword when it starts with a letter, punctuation otherwise.
+    static TokenKind kindOf(const _eString& token);
 
     // The text that stands for a token: the token itself.
     virtual _eString tokenText(const _eString& token) const { return token; }
-    // "", " " or "\n": what stands between two tokens.
-    virtual _eString separatorBetween(const _eString& previous, const _eString& current, std::int32_t indent,
+    // "", " " or "\n": what stands between two tokens, each of which may be a comment.
+    virtual _eString separatorBetween(const _eString& previous, bool previousIsComment, const _eString& current,
+                                      bool currentIsComment, std::int32_t indent,
                                       const ImportOptions& options) const = 0;
     // A section keyword, printed one level further out.
     virtual bool isSectionHead(const _eString& token) const = 0;
@@ -30,8 +48,9 @@ public:
     virtual bool startsParameterLine(const _eString& token) const = 0;
     virtual bool opensBlock(const _eString& previous, const _eString& current) const = 0;
     virtual bool closesBlock(const _eString& previous, const _eString& current) const = 0;
-    // Writes a comment, cut into pieces that line up under the first where it is too long.
-    virtual void writeWrapped(const Environment& environment, const _eHndl<FileRef>& file, const _eString& lead,
+    // Writes a comment, cut into pieces that line up under the first where it is too long; gives
+    // the number of line breaks it put between the pieces.
+    virtual std::int32_t writeWrapped(const Environment& environment, const _eHndl<FileRef>& file, const _eString& lead,
                               const _eString& text, std::int32_t column, const ImportOptions& options,
                               FileError::_eEnum& status) const;
     // Where a comment that doesn't fit in `room` is cut: at its last blank before `room`, else at `room`.
@@ -39,13 +58,17 @@ public:
 
     std::int32_t size() const { return tokens.size(); }
     const Tokens& getTokens() const { return tokens; }
+    const TokenKinds& getKinds() const { return kinds; }
 
-    // Writes every token, in lines, and a last line end; `status` is the first failed write's code.
+    // Writes every token, in lines, and a last line end; `status` is the first failed write's
+    // code. A token is a comment by its kind where the options tell comments by kind, else by
+    // its prefix. `lines`, when given, receives the lines of each token.
     void writeTo(const Environment& environment, const _eHndl<FileRef>& file, const ImportOptions& options,
-                 FileError::_eEnum& status) const;
+                 FileError::_eEnum& status, std::vector<TokenLines>* lines = nullptr) const;
 
 private:
-    Tokens tokens;  // in order; "\n" asks for a line break
+    Tokens tokens;      // in order; "\n" asks for a line break
+    TokenKinds kinds;   // one `TokenKind` per token
 };
 
 class TarvaneElements : public _eClass<TarvaneElements, ElementBase> {
@@ -56,15 +79,16 @@ public:
 
     bool equalFields(const TarvaneElements& other) const { return ElementBase::equalFields(other); }
 
-    _eString separatorBetween(const _eString& previous, const _eString& current, std::int32_t indent,
-                              const ImportOptions& options) const override;
+    _eString separatorBetween(const _eString& previous, bool previousIsComment, const _eString& current,
+                              bool currentIsComment, std::int32_t indent, const ImportOptions& options) const override;
     bool isSectionHead(const _eString& token) const override { return sectionHeads().contains(token); }
     bool startsParameterLine(const _eString& token) const override { return parameterLineStarters().contains(token); }
     bool opensBlock(const _eString&, const _eString& current) const override { return blockOpeners().contains(current); }
     bool closesBlock(const _eString&, const _eString& current) const override { return blockClosers().contains(current); }
 
     _eHndl<TarvaneElements> concat(const TarvaneElements& other) const {
-        return _eHndl<TarvaneElements>(new TarvaneElements(getTokens().concat(other.getTokens())));
+        return _eHndl<TarvaneElements>(
+            new TarvaneElements(getTokens().concat(other.getTokens()), getKinds().concat(other.getKinds())));
     }
 
     static const _eSet<_eString>& blockOpeners();

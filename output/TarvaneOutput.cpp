@@ -68,22 +68,85 @@ _eHndl<Time> TarvaneOutput::generationTime(const ImportOptions& options, const E
     return options.getFixedTime().isNull() ? environment.currentTime() : options.getFixedTime();
 }
 
-std::string TarvaneOutput::render(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
-                                  const Environment& environment) const {
+_eHndl<TarvaneOutput> TarvaneOutput::concat(const TarvaneOutput& other) const {
+    _eHndl<TarvaneOutput> joined(new TarvaneOutput());
+    joined->elements = elements->concat(*other.elements);
+    joined->runs = runs.concat(other.runs);
+    return joined;
+}
+
+_eHndl<TarvaneOutput> TarvaneOutput::declared(const _eString& id, DeclarationPart part) const {
+    _eHndl<TarvaneOutput> whole(new TarvaneOutput(*this));
+    whole->runs = isEmpty() ? _eSeq<DeclarationRun>() : _eSeq<DeclarationRun>(DeclarationRun{id, part, true, elements->size()});
+    return whole;
+}
+
+std::vector<Declaration> TarvaneOutput::declarations() const {
+    std::vector<Declaration> list;
+    std::int32_t first = 0;
+    _eSeqReader<DeclarationRun> reader(runs);
+    for (int i = 0, n = runs.size(); i < n; ++i) {
+        DeclarationRun run = reader.next();
+        if (run.declared) list.push_back({run.id, run.part, first, run.count});
+        first += run.count;
+    }
+    return list;
+}
+
+namespace {
+
+std::int32_t lineEnds(const _eString& text) {
+    std::int32_t count = 0;
+    for (int i = 0, n = text.size(); i < n; ++i)
+        if (text.get(i) == L'\n') ++count;
+    return count;
+}
+
+}  // namespace
+
+// Every write is made even after one has failed, so that a failure costs the same calls as
+// success; the caller reports one failure for them all.
+bool TarvaneOutput::writeWhole(const Environment& environment, const _eHndl<FileRef>& out, const _eString& head,
+                               const ImportOptions& options, std::vector<DeclarationLines>* lines) const {
+    FileError::_eEnum status;
+    environment.writeText(out, head, status);
+    bool written = status == FileError::success;
+    std::vector<TokenLines> tokenLines;
+    elements->writeTo(environment, out, options, status, lines != nullptr ? &tokenLines : nullptr);
+    written = written && status == FileError::success;
+    environment.writeText(out, footer(), status);
+    written = written && status == FileError::success;
+    if (lines == nullptr) return written;
+    // The tokens start on the line after the header.
+    std::int32_t offset = lineEnds(head);
+    for (const Declaration& d : declarations()) {
+        if (d.count == 0 || std::size_t(d.first + d.count) > tokenLines.size()) continue;
+        lines->push_back({d.id, d.part, offset + tokenLines[std::size_t(d.first)].first,
+                          offset + tokenLines[std::size_t(d.first + d.count - 1)].last});
+    }
+    return written;
+}
+
+TarvaneOutput::Layout TarvaneOutput::layOut(const ImportOptions& options, const FileName& file,
+                                            const FileName& sourceFile, const Environment& environment) const {
+    Layout layout;
     char* bytes = nullptr;
     std::size_t size = 0;
     std::FILE* stream = open_memstream(&bytes, &size);
-    if (stream == nullptr) return {};
+    if (stream == nullptr) return layout;
     _eHndl<FileRef> out(new FileRef(stream, true));
-    FileError::_eEnum status;
-    environment.writeText(out, header(file, sourceFile, environment, *generationTime(options, environment)), status);
-    elements->writeTo(environment, out, options, status);
-    environment.writeText(out, footer(), status);
+    writeWhole(environment, out, header(file, sourceFile, environment, *generationTime(options, environment)), options,
+               &layout.declarations);
     std::fclose(stream);
     out->forgetStream();
-    std::string text(bytes, size);
+    layout.bytes.assign(bytes, size);
     std::free(bytes);
-    return text;
+    return layout;
+}
+
+std::string TarvaneOutput::render(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
+                                  const Environment& environment) const {
+    return layOut(options, file, sourceFile, environment).bytes;
 }
 
 FileName TarvaneOutput::target(const ImportOptions& options, const FileName& file, const Environment& environment) {
@@ -106,13 +169,9 @@ void TarvaneOutput::writeFile(const ImportOptions& options, const FileName& file
         addError(errors, Location::nowhere(), XMLErrorType::fileOpen, {path, L"write"});
         return;
     }
+    if (!writeWhole(*environment, out, head, options, nullptr))
+        addError(errors, Location::nowhere(), XMLErrorType::fileWrite, {path});
     FileError::_eEnum status;
-    environment->writeText(out, head, status);
-    if (status != FileError::success) addError(errors, Location::nowhere(), XMLErrorType::fileWrite, {path});
-    elements->writeTo(*environment, out, options, status);
-    if (status != FileError::success) addError(errors, Location::nowhere(), XMLErrorType::fileWrite, {path});
-    environment->writeText(out, footer(), status);
-    if (status != FileError::success) addError(errors, Location::nowhere(), XMLErrorType::fileWrite, {path});
     environment->close(out, status);
     if (status != FileError::success) addError(errors, Location::nowhere(), XMLErrorType::fileClose, {path});
 }

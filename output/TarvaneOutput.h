@@ -1,8 +1,10 @@
-// `TarvaneOutput`: a stretch of generated text as tokens; immutable, every operation gives a
-// new value. One of them is finally written to a file with a header and a footer.
+// `TarvaneOutput`: a stretch of generated text as tokens with their kinds, and the declarations
+// that its runs of tokens make; immutable, every operation gives a new value. One of them is
+// finally written to a file, or laid out in memory, with a header and a footer.
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "Generated/XMLError.h"
 #include "output/TarvaneElements.h"
@@ -12,7 +14,10 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule12, 0};
 
     TarvaneOutput() : elements(new TarvaneElements()) {}
-    explicit TarvaneOutput(const Tokens& tokens) : elements(new TarvaneElements(tokens)) {}
+    // Each token of the kind its text looks like; no declarations.
+    explicit TarvaneOutput(const Tokens& tokens) : elements(new TarvaneElements(tokens)), runs(undeclared(tokens.size())) {}
+    TarvaneOutput(const Tokens& tokens, const TokenKinds& kinds)
+        : elements(new TarvaneElements(tokens, kinds)), runs(undeclared(tokens.size())) {}
 
     // The one output without tokens.
     static const _eHndl<TarvaneOutput>& empty() {
@@ -20,18 +25,34 @@ public:
         return shared;
     }
 
-    bool equalFields(const TarvaneOutput& other) const { return elements == other.elements; }
+    bool equalFields(const TarvaneOutput& other) const { return elements == other.elements && runs == other.runs; }
 
     bool isEmpty() const { return elements->size() == 0; }
-    _eHndl<TarvaneOutput> concat(const TarvaneOutput& other) const { return joined(tokens().concat(other.tokens())); }
-    _eHndl<TarvaneOutput> appendElement(const Tokens& more) const { return joined(tokens().concat(more)); }
-    _eHndl<TarvaneOutput> prependElement(const Tokens& more) const { return joined(more.concat(tokens())); }
+    // This output's tokens and declarations, then `other`'s.
+    _eHndl<TarvaneOutput> concat(const TarvaneOutput& other) const;
+    _eHndl<TarvaneOutput> appendElement(const Tokens& more) const { return concat(TarvaneOutput(more)); }
+    _eHndl<TarvaneOutput> prependElement(const Tokens& more) const { return TarvaneOutput(more).concat(*this); }
+    // The same tokens as one declaration of the element `id`, which takes the place of any
+    // declarations within them.
+    _eHndl<TarvaneOutput> declared(const _eString& id, DeclarationPart part) const;
     const Tokens& tokens() const { return elements->getTokens(); }
+    const TokenKinds& kinds() const { return elements->getKinds(); }
+    // In the order of their tokens; the tokens between them belong to none.
+    std::vector<Declaration> declarations() const;
+
+    // The text of a file laid out in memory, and where each declaration stands in it.
+    struct Layout {
+        std::string bytes;
+        std::vector<DeclarationLines> declarations;
+    };
 
     // Writes header, tokens and footer to the file named by `file` (with the options' prefix,
     // always with the extension "tv"). `errors` is replaced by what went wrong.
     void writeFile(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
                    const _eHndl<const Environment>& environment, XMLErrors& errors) const;
+    // What `writeFile` writes, laid out in memory, without touching a file.
+    Layout layOut(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
+                  const Environment& environment) const;
 
     // The file that `writeFile` writes for `file`: in its directory, the options' prefix before
     // its name, with the extension "tv".
@@ -53,7 +74,15 @@ public:
 
 private:
     static _eString footer() { return L"\n\n// End of file.\n"; }
-    static _eHndl<TarvaneOutput> joined(const Tokens& tokens) { return _eHndl<TarvaneOutput>(new TarvaneOutput(tokens)); }
+    // Header, tokens and footer into `out`; false when a write failed. `lines`, when given,
+    // receives where each declaration stands.
+    bool writeWhole(const Environment& environment, const _eHndl<FileRef>& out, const _eString& head,
+                    const ImportOptions& options, std::vector<DeclarationLines>* lines) const;
 
-    _eHndl<TarvaneElements> elements;  // the tokens
+    static _eSeq<DeclarationRun> undeclared(std::int32_t count) {
+        return count == 0 ? _eSeq<DeclarationRun>() : _eSeq<DeclarationRun>(DeclarationRun{{}, {}, false, count});
+    }
+
+    _eHndl<TarvaneElements> elements;  // the tokens and their kinds
+    _eSeq<DeclarationRun> runs;        // the tokens run by run, declarations among them
 };

@@ -44,14 +44,14 @@ mutations() {
 - if (visibility == Visibility::protected_) return Section::confinedPart;
 + if (visibility == Visibility::protected_) return Section::interfacePart;
 @ xmi/ClassRenderer.cpp | sections: a private member gets an accessor among the state
-- return face == Section::abstractPart ? state : state->merge(*placed(face, accessor));
-+ return state->merge(*placed(face, accessor));
+- return face == Section::abstractPart ? state
++ return false ? state
 @ xmi/ClassRenderer.cpp | sections: confined before abstract
-- Output body = headed(L"abstract", abstractPart) + headed(L"confined", confinedPart) + interfaceOut
-+ Output body = headed(L"confined", confinedPart) + headed(L"abstract", abstractPart) + interfaceOut
+- Output body = headed(id, L"abstract", abstractPart) + headed(id, L"confined", confinedPart) + interfaceOut
++ Output body = headed(id, L"confined", confinedPart) + headed(id, L"abstract", abstractPart) + interfaceOut
 @ xmi/ClassRenderer.cpp | sections: an empty interface is headed when only confined members exist
-- Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty() ?
-+ Output interfaceOut = abstractPart->isEmpty() ?
+- Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty()
++ Output interfaceOut = abstractPart->isEmpty()
 @ xmi/ClassRenderer.cpp | schema marker: given when any parameter is "in"
 - bool allIn = std::all_of(
 + bool allIn = std::any_of(
@@ -59,11 +59,11 @@ mutations() {
 - (allIn ? tokens({L"!"}) : none())
 + (allIn ? none() : tokens({L"!"}))
 @ xmi/ClassRenderer.cpp | schema: an abstract schema gets a postcondition
-- parameterList(parameters, false) + (abstract ? none() : tokens({L"post", L"?"}));
-+ parameterList(parameters, false) + tokens({L"post", L"?"});
+- parameterList(parameters, false) + (abstract ? none() : tokens({L"post"}) + bodyToComplete());
++ parameterList(parameters, false) + (tokens({L"post"}) + bodyToComplete());
 @ xmi/ClassRenderer.cpp | operator forms: one operand read as infix
-- if (parameters.size() == 1) return tokens({L"operator", name})
-+ if (parameters.size() == 2) return tokens({L"operator", name})
+- if (parameters.size() == 1) return tokens({L"operator"}) + modelName(name)
++ if (parameters.size() == 2) return tokens({L"operator"}) + modelName(name)
 @ xmi/ClassRenderer.cpp | operator forms: an infix operator's left operand takes two parameters
 - first(parameters.begin(), parameters.begin() + 1);
 + first(parameters.begin(), parameters.begin() + std::min<std::size_t>(2, parameters.size() - 1));

@@ -14,7 +14,23 @@ namespace {
 using Output = _eHndl<TarvaneOutput>;
 using Sections = _eHndl<TarvaneSections>;
 
+// Fixed words of the language, each of the kind its text looks like: a keyword or punctuation.
 Output tokens(std::initializer_list<_eString> run) { return Output(new TarvaneOutput(Tokens(run))); }
+
+Output token(const _eString& text, TokenKind kind) {
+    return Output(new TarvaneOutput(Tokens(text), TokenKinds(std::int32_t(kind))));
+}
+
+// A name the model gives; "?" where it gives none.
+Output modelName(const _eString& text) {
+    return token(text, textIs(text, L"?") ? TokenKind::unknown : TokenKind::name);
+}
+
+// "?" where the user completes the text.
+Output bodyToComplete() { return token(L"?", TokenKind::body); }
+
+// "?" where the model lacks a type or a value.
+Output unknown() { return token(L"?", TokenKind::unknown); }
 
 Output operator+(const Output& a, const Output& b) { return a->concat(*b); }
 
@@ -36,13 +52,15 @@ Sections placed(Section section, const Output& run) {
                                         section == Section::interfacePart ? run : none()));
 }
 
-// A declaration of state with its accessor: the declaration always among the state, the
-// accessor in the face the visibility gives, and none for a member that is neither public
-// nor protected.
-Sections stateWithAccessor(Visibility visibility, const Output& declaration, const Output& accessor) {
+// A declaration of state with its accessor, both of the element `id`: the declaration always
+// among the state, the accessor in the face the visibility gives, and none for a member that
+// is neither public nor protected.
+Sections stateWithAccessor(Visibility visibility, const _eString& id, const Output& declaration,
+                           const Output& accessor) {
     Section face = sectionFor(visibility);
-    Sections state = placed(Section::abstractPart, declaration);
-    return face == Section::abstractPart ? state : state->merge(*placed(face, accessor));
+    Sections state = placed(Section::abstractPart, declaration->declared(id, DeclarationPart::member));
+    return face == Section::abstractPart ? state
+                                         : state->merge(*placed(face, accessor->declared(id, DeclarationPart::accessor)));
 }
 
 // The value of a bound written in digits alone; -1 for anything else. A bound beyond the
@@ -96,7 +114,7 @@ Output parameterList(const std::vector<const ParameterRecord*>& list, bool isCon
         Output mode = tokens({L":"});
         if (!isConstructor && p.direction == Direction::inout) mode = tokens({L"!", L":"});
         if (!isConstructor && p.direction == Direction::out) mode = tokens({L"!", L":", L"out"});
-        out = out + tokens({separator, ClassRenderer::nameOrUnknown(p.name, true)}) + mode +
+        out = out + tokens({separator}) + modelName(ClassRenderer::nameOrUnknown(p.name, true)) + mode +
               ClassRenderer::typeTokens(p.type);
     }
     return out + tokens({isConstructor ? L"}" : L")"});
@@ -105,14 +123,14 @@ Output parameterList(const std::vector<const ParameterRecord*>& list, bool isCon
 // The head of a function form: a function by name, or an operator symbol, prefix with one
 // operand and infix with more.
 Output functionHead(const _eString& name, const std::vector<const ParameterRecord*>& parameters) {
-    if (startsLikeAName(name)) return tokens({L"function", name}) + parameterList(parameters, false);
-    if (parameters.size() == 1) return tokens({L"operator", name}) + parameterList(parameters, false);
+    if (startsLikeAName(name)) return tokens({L"function"}) + modelName(name) + parameterList(parameters, false);
+    if (parameters.size() == 1) return tokens({L"operator"}) + modelName(name) + parameterList(parameters, false);
     // An operator symbol without parameters has no operand to stand between: it is written as
     // a prefix operator without parentheses.
-    if (parameters.empty()) return tokens({L"operator", name});
+    if (parameters.empty()) return tokens({L"operator"}) + modelName(name);
     std::vector<const ParameterRecord*> first(parameters.begin(), parameters.begin() + 1);
     std::vector<const ParameterRecord*> rest(parameters.begin() + 1, parameters.end());
-    return tokens({L"operator"}) + parameterList(first, false) + tokens({name}) + parameterList(rest, false);
+    return tokens({L"operator"}) + parameterList(first, false) + modelName(name) + parameterList(rest, false);
 }
 
 // What the class at `own` gets for the far end of a two-ended association: a member when it
@@ -125,13 +143,15 @@ Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord
                  !(own.aggregation == Aggregation::shared || own.aggregation == Aggregation::composite);
     _eString name = ClassRenderer::hasName(far.name) ? ClassRenderer::nameOrUnknown(far.name, true)
                                                       : _eString(ClassRenderer::rolePrefix) + referenceName(far.roleType);
-    Output declaration =
-        tokens({L"var", name, L":"}) + ClassRenderer::multiplicityType(far.multiplicity, far.type, isRef) + tokens({L";"});
-    return stateWithAccessor(far.visibility, declaration, tokens({L"selector", name, L";"}));
+    Output declaration = tokens({L"var"}) + modelName(name) + tokens({L":"}) +
+                         ClassRenderer::multiplicityType(far.multiplicity, far.type, isRef) + tokens({L";"});
+    return stateWithAccessor(far.visibility, far.id, declaration, tokens({L"selector"}) + modelName(name) + tokens({L";"}));
 }
 
-// The part under its section keyword, or nothing when it is empty.
-Output headed(const wchar_t* keyword, const Output& part) { return part->isEmpty() ? none() : tokens({keyword}) + part; }
+// The part under its section keyword, which belongs to the class `id`, or nothing when it is empty.
+Output headed(const _eString& id, const wchar_t* keyword, const Output& part) {
+    return part->isEmpty() ? none() : tokens({keyword})->declared(id, DeclarationPart::section) + part;
+}
 
 }  // namespace
 
@@ -191,12 +211,13 @@ _eString ClassRenderer::typeName(const NameRecord& name) {
 _eHndl<TarvaneOutput> ClassRenderer::typeTokens(const TypeRecord& type) {
     switch (type.kind) {
         case TypeRecord::none:
-        case TypeRecord::unresolved: return tokens({L"?"});
+        case TypeRecord::unresolved: return unknown();
         case TypeRecord::named:
-        case TypeRecord::library: return tokens({resolvedName(type)});
-        case TypeRecord::classType: return type.leaf ? tokens({resolvedName(type)}) : tokens({L"from", resolvedName(type)});
+        case TypeRecord::library: return modelName(resolvedName(type));
+        case TypeRecord::classType:
+            return type.leaf ? modelName(resolvedName(type)) : tokens({L"from"}) + modelName(resolvedName(type));
     }
-    return tokens({L"?"});
+    return unknown();
 }
 
 // 0..1 is optional, n..1 plain, a set otherwise, constrained by its lower bound when that is
@@ -212,7 +233,7 @@ _eHndl<TarvaneOutput> ClassRenderer::multiplicityType(const MultiplicityRecord& 
     if (upper == 1) return ref + typeRun;
     if (lower > 0)
         return tokens({L"those", L"x", L":", L"set", L"of"}) + ref + typeRun +
-               tokens({L":-", L"#", L"x", L">=", intToString(lower)});
+               tokens({L":-", L"#", L"x", L">="}) + token(intToString(lower), TokenKind::literal);
     return tokens({L"set", L"of"}) + ref + typeRun;
 }
 
@@ -234,13 +255,16 @@ _eString ClassRenderer::literalText(const _eString& value) {
 _eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& attribute) {
     _eString name = nameOrUnknown(attribute.name, true);
     if (attribute.changeability == Changeability::frozen)
-        return stateWithAccessor(attribute.visibility,
-                                 tokens({L"const", name, L"^=", attribute.initialValue ? literalText(*attribute.initialValue) : L"?", L";"}),
-                                 tokens({L"function", name, L";"}));
-    return stateWithAccessor(attribute.visibility,
-                             tokens({L"var", name, L":"}) +
+        return stateWithAccessor(
+            attribute.visibility, attribute.id,
+            tokens({L"const"}) + modelName(name) + tokens({L"^="}) +
+                (attribute.initialValue ? token(literalText(*attribute.initialValue), TokenKind::literal) : unknown()) +
+                tokens({L";"}),
+            tokens({L"function"}) + modelName(name) + tokens({L";"}));
+    return stateWithAccessor(attribute.visibility, attribute.id,
+                             tokens({L"var"}) + modelName(name) + tokens({L":"}) +
                                  multiplicityType(attribute.multiplicity, attribute.type, false) + tokens({L";"}),
-                             tokens({L"selector", name, L";"}));
+                             tokens({L"selector"}) + modelName(name) + tokens({L";"}));
 }
 
 // A constructor when the operation is named "build" or as its class; otherwise a schema when
@@ -260,7 +284,7 @@ _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& 
     Output body;
     Output prefix = none();
     if (isConstructor) {
-        body = tokens({L"build"}) + parameterList(parameters, true) + tokens({L"post", L"?"});
+        body = tokens({L"build"}) + parameterList(parameters, true) + tokens({L"post"}) + bodyToComplete();
     } else {
         if (operation.scope == Scope::classifier)
             prefix = tokens({L"nonmember"});
@@ -271,15 +295,16 @@ _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& 
         if (returns.empty()) {
             bool allIn = std::all_of(parameters.begin(), parameters.end(),
                                      [](const ParameterRecord* p) { return p->direction == Direction::in; });
-            body = tokens({L"schema"}) + (allIn ? tokens({L"!"}) : none()) + tokens({name}) +
-                   parameterList(parameters, false) + (abstract ? none() : tokens({L"post", L"?"}));
+            body = tokens({L"schema"}) + (allIn ? tokens({L"!"}) : none()) + modelName(name) +
+                   parameterList(parameters, false) + (abstract ? none() : tokens({L"post"}) + bodyToComplete());
         } else {
-            Output returnType = returns.size() > 1 ? tokens({L":", L"[[Duplicate return declaration]]"})
+            Output returnType = returns.size() > 1 ? tokens({L":"}) + token(L"[[Duplicate return declaration]]", TokenKind::unknown)
                                                    : tokens({L":"}) + typeTokens(returns[0]->type);
-            body = functionHead(name, parameters) + returnType + (abstract ? none() : tokens({L"^=", L"?"}));
+            body = functionHead(name, parameters) + returnType + (abstract ? none() : tokens({L"^="}) + bodyToComplete());
         }
     }
-    return placed(sectionFor(operation.visibility), prefix + body + tokens({L";"}));
+    return placed(sectionFor(operation.visibility),
+                  (prefix + body + tokens({L";"}))->declared(operation.id, DeclarationPart::member));
 }
 
 // Members for the navigable far ends of a two-ended association, the first end's first.
@@ -310,12 +335,20 @@ _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record)
     const Output& abstractPart = sections->getAbstractPart();
     const Output& confinedPart = sections->getConfinedPart();
     const Output& interfacePart = sections->getInterfacePart();
-    Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty() ? tokens({L"interface"}) + interfacePart
-                                                                              : headed(L"interface", interfacePart);
+    const _eString& id = record.id;
+    Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty()
+                              ? tokens({L"interface"})->declared(id, DeclarationPart::section) + interfacePart
+                              : headed(id, L"interface", interfacePart);
     Output prefix = record.isLeaf ? tokens({L"final"}) : record.isAbstract ? tokens({L"deferred"}) : none();
     Output inherits = none();
-    for (std::size_t i = 0; i < record.parents.size(); ++i)
-        inherits = inherits + tokens({i == 0 ? L"inherits" : L",", referenceName(record.parents[i].parent)});
-    Output body = headed(L"abstract", abstractPart) + headed(L"confined", confinedPart) + interfaceOut + tokens({L"end", L";"});
-    return prefix + tokens({L"class", name, L"^="}) + inherits + body;
+    for (std::size_t i = 0; i < record.parents.size(); ++i) {
+        const TypeRecord& parent = record.parents[i].parent;
+        inherits = inherits + tokens({i == 0 ? L"inherits" : L","}) +
+                   (parent.resolved() ? modelName(referenceName(parent)) : unknown());
+    }
+    Output head = (prefix + tokens({L"class"}) + modelName(name) + tokens({L"^="}) + inherits)
+                      ->declared(id, DeclarationPart::classHead);
+    Output body = headed(id, L"abstract", abstractPart) + headed(id, L"confined", confinedPart) + interfaceOut +
+                  tokens({L"end", L";"})->declared(id, DeclarationPart::classEnd);
+    return head + body;
 }

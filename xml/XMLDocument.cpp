@@ -20,7 +20,21 @@ const _eHndl<XMLDictionary>& XMLDocument::getDictionary() const {
     return dictionary;
 }
 
-bool XMLDocument::rootIsXMI() {
+void XMLDocument::addError(const _eHndl<XMLError>& error) {
+    _eFreeze freeze(this);
+    XMLNode::addError(error);
+    generationErrors.add(error);
+}
+
+void XMLDocument::addErrors(const XMLErrors& newErrors) {
+    _eFreeze freeze(this);
+    XMLNode::addErrors(newErrors);
+    generationErrors.addAll(newErrors);
+}
+
+bool XMLDocument::startGeneration() {
+    _eFreeze freeze(this);
+    generationErrors = XMLErrors();
     if (modelReader().readsDocument()) return true;
     addError(_eHndl<XMLError>(new XMLError(getLocation(), XMLErrorType::notXMI)));
     return false;
@@ -51,7 +65,7 @@ void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const
 void XMLDocument::generateClassFile(const _eString& className, const _eString& outputDirectory,
                                     const FileName& sourceFile, const _eHndl<const Environment>& environment,
                                     const ImportOptions& options) {
-    if (!rootIsXMI()) return;
+    if (!startGeneration()) return;
     write(*declaration(className), FileName(outputDirectory, className, L"tv", environment.get()), sourceFile,
           environment, options);
 }
@@ -66,7 +80,7 @@ std::string XMLDocument::renderClassFile(const _eString& className, const _eStri
 
 void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                      const _eHndl<const Environment>& environment, const ImportOptions& options) {
-    if (!rootIsXMI()) return;
+    if (!startGeneration()) return;
     // A document that a failed parse left unanalysed is walked all the same, its ids unknown.
     ModelClasses walked = analysed ? ModelClasses() : modelReader().classes();
     _eHndl<Context> context = generationContext();

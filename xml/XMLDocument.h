@@ -35,14 +35,20 @@ public:
     // one is chosen, along the one path of XMI 1.x.
     void chooseReader(const std::shared_ptr<const ModelReader>& modelReader) { reader = modelReader; }
     virtual ClassMap getClasses() const { return classes; }
+    // Every error joins those of the document, and those of the generation under way.
+    void addError(const _eHndl<XMLError>& error) override;
+    void addErrors(const XMLErrors& newErrors) override;
+    // The errors of the last generation alone.
+    const XMLErrors& lastGenerationErrors() const { return generationErrors; }
 
     const _eFrom<XMLElement>& getRoot() const { return root; }
     // The id dictionary of the tree, built on the first request after `analyse`; null before.
     const _eHndl<XMLDictionary>& getDictionary() const;
 
 private:
-    // False, with a `notXMI` error, when the reader doesn't read the document: its root isn't "XMI".
-    bool rootIsXMI();
+    // Starts a generation: its errors stand alone in `lastGenerationErrors`. False, with a
+    // `notXMI` error, when the reader doesn't read the document: its root isn't "XMI".
+    bool startGeneration();
     const ModelReader& modelReader() const;
     // A fresh context on the dictionary; on the empty one before `analyse`.
     _eHndl<Context> generationContext() const;
@@ -57,4 +63,5 @@ private:
     ClassMap classes;                          // class name to class element
     mutable std::shared_ptr<const ModelReader> reader;  // how classes are found and read; null: the path of XMI 1.x
     ModelClasses found;                        // what the reader found, in order, with where each stands
+    XMLErrors generationErrors;                // of the last generation alone
 };

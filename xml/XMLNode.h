@@ -24,11 +24,6 @@ public:
         _eFreeze freeze(this);
         errors.addAll(newErrors);
     }
-    // Forgets every error, so that what comes next stands alone.
-    void clearErrors() {
-        _eFreeze freeze(this);
-        errors = XMLErrors();
-    }
 
 private:
     XMLErrors errors;  // empty at first
