@@ -1,8 +1,11 @@
 // The importer as a host sees it through the shared library.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+
 #include "Generated/XMLImporter.h"
 #include "runtime/Failure.h"
+#include "support/TempDir.h"
 
 TEST(ImporterHost, NewImporterHasNotParsed) {
     _eHndl<Environment> environment(new Environment());
@@ -37,4 +40,64 @@ TEST(ImporterHost, EqualityRaisesEvenOnItself) {
         caught = failure.what();
     }
     EXPECT_EQ(caught, "runtime-system error: Absurd method called");
+}
+
+namespace {
+
+const wchar_t* const bank = L"" MODELBRIDGE_MODELS_DIR "/bank.xmi";
+
+_eString w(const std::string& text) { return _eString(std::wstring_view(std::wstring(text.begin(), text.end()))); }
+
+}  // namespace
+
+// A value of an older, shorter header is read as far as its size reaches: the fields it
+// didn't have keep their defaults, whatever lies in memory behind it.
+TEST(ImporterHost, ExtensionsAreReadAsFarAsTheHostsSizeReaches) {
+    XMLImporter importer;
+    ImportExtensions chosen;
+    chosen.xmi2 = true;
+    chosen.anywhere = true;
+    chosen.useFixedTime = true;
+    chosen.size = offsetof(ImportExtensions, anywhere);
+    importer.chooseExtensions(chosen);
+    EXPECT_TRUE(importer.extensions().xmi2);
+    EXPECT_FALSE(importer.extensions().anywhere);
+    EXPECT_FALSE(importer.extensions().useFixedTime);
+    EXPECT_EQ(importer.extensions().size, sizeof(ImportExtensions));
+    chosen.size = sizeof(ImportExtensions);
+    importer.chooseExtensions(chosen);
+    EXPECT_TRUE(importer.extensions().anywhere);
+    importer.findClassesAnywhere(false);
+    EXPECT_FALSE(importer.extensions().anywhere);
+    EXPECT_TRUE(importer.extensions().xmi2);
+}
+
+// Each call that writes has errors of its own, while `success` tells of every call so far;
+// rendering gives the bytes a write gives, the header's time fixed.
+TEST(ImporterHost, PerCallErrorsAndRenderedText) {
+    TempDir dir;
+    _eHndl<Environment> environment(new Environment());
+    XMLImporter importer(environment.get());
+    EXPECT_EQ(importer.renderClassFile(w(dir.path() + "/"), L"Account"), "");
+    ImportExtensions fixed;
+    fixed.useFixedTime = true;
+    fixed.fixedTime = 1700000000;
+    importer.chooseExtensions(fixed);
+    bool ok = false;
+    importer.attemptParse(bank, L"", ok);
+    ASSERT_TRUE(ok);
+
+    importer.generateClassFile(w(dir.path() + "/missing/"), L"Account", ok);
+    EXPECT_FALSE(ok);
+    ASSERT_EQ(importer.getLastCallErrorList(true).size(), 1);
+    EXPECT_EQ(importer.lastCallErrors().size(), 1);
+    importer.generateClassFile(w(dir.path() + "/"), L"Account", ok);
+    EXPECT_FALSE(ok) << "success tells of every generation so far";
+    EXPECT_TRUE(importer.getLastCallErrorList(true).isEmpty());
+    EXPECT_EQ(importer.errors().size(), 1);
+
+    std::string written = dir.read("Account.tv");
+    EXPECT_EQ(importer.renderClassFile(w(dir.path() + "/"), L"Account"), written);
+    EXPECT_NE(written.find("//* File generated at 22:13:20 on Tuesday November 14th 2023 UTC\n"), std::string::npos)
+        << written;
 }

@@ -144,3 +144,94 @@ TEST(ClassRenderer, ClassDeclarationFromRecords) {
     EXPECT_EQ(joined(ClassRenderer::classDeclaration(empty)),
               L"final class ?[[Missing_Element_'UML:ModelElement.name']] ^= confined schema ! reset post ? ; end ;");
 }
+
+namespace {
+
+// The lines of `text`, counted from 1.
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines{""};
+    for (char c : text) {
+        if (c == '\n')
+            lines.emplace_back();
+        else
+            lines.back().push_back(c);
+    }
+    return lines;
+}
+
+ClassRecord ledger(const wchar_t* attributeName) {
+    ClassRecord record;
+    record.id = L"L";
+    record.name = NameRecord::plain(L"Ledger");
+    record.parents = {{L"g", named(L"Book")}};
+    record.features.emplace_back(AttributeRecord{L"a", NameRecord::plain(attributeName), Visibility::public_,
+                                                 Changeability::changeable, std::nullopt, TypeRecord(), {}});
+    record.features.emplace_back(OperationRecord{L"o", NameRecord::plain(L"post"), Visibility::protected_, false, false,
+                                                 Scope::instance, {{L"p", NameRecord::plain(L"amount"), Direction::in,
+                                                                    named(L"int"), false}}});
+    return record;
+}
+
+}  // namespace
+
+// Every declaration maps to the lines that hold its text, in the order of the text, each tagged
+// with the element it came from; a member and its accessor share the member's id.
+TEST(ClassRenderer, DeclarationsKnowTheirElementsAndLines) {
+    _eHndl<Environment> env(new Environment());
+    _eHndl<TarvaneOutput> out = ClassRenderer::classDeclaration(ledger(L"balance"));
+    TarvaneOutput::Layout layout = out->layOut(ImportOptions::defaults(), FileName(L"/out/", L"Ledger", L"tv", env.get()),
+                                               FileName(L"/m.xmi", env.get()), *env);
+    std::vector<std::string> lines = linesOf(layout.bytes);
+    struct Expected {
+        const wchar_t* id;
+        DeclarationPart part;
+        const char* text;  // of its lines, joined by "|"
+    };
+    const Expected expected[] = {
+        {L"L", DeclarationPart::classHead, "class Ledger ^= inherits Book"},
+        {L"L", DeclarationPart::section, "abstract"},
+        {L"a", DeclarationPart::member, "\tvar balance: ?;"},
+        {L"L", DeclarationPart::section, "confined"},
+        {L"o", DeclarationPart::member, "\tschema !post_ (amount: int) post ?;"},
+        {L"L", DeclarationPart::section, "interface"},
+        {L"a", DeclarationPart::accessor, "\tselector balance;"},
+        {L"L", DeclarationPart::classEnd, "end;"},
+    };
+    ASSERT_EQ(layout.declarations.size(), std::size(expected)) << layout.bytes;
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        const DeclarationLines& d = layout.declarations[i];
+        std::string text;
+        for (std::int32_t line = d.firstLine; line <= d.lastLine; ++line)
+            text += (line == d.firstLine ? "" : "|") + lines.at(std::size_t(line - 1));
+        EXPECT_EQ(toWString(d.id), expected[i].id) << "declaration " << i;
+        EXPECT_EQ(d.part, expected[i].part) << "declaration " << i;
+        EXPECT_EQ(text, expected[i].text) << "declaration " << i;
+    }
+    // Rendering without the map gives the same bytes.
+    EXPECT_EQ(out->render(ImportOptions::defaults(), FileName(L"/out/", L"Ledger", L"tv", env.get()),
+                          FileName(L"/m.xmi", env.get()), *env),
+              layout.bytes);
+}
+
+// "?" to complete a body, "?" for what the model lacks and model names are told apart; a
+// model name that starts like a comment is laid out as one only where comments are told by
+// their prefix.
+TEST(ClassRenderer, TokenKindsAndModelTextThatLooksLikeAComment) {
+    _eHndl<TarvaneOutput> out = ClassRenderer::classDeclaration(ledger(L"//balance"));
+    std::vector<std::pair<std::wstring, TokenKind>> questionMarks;
+    for (int i = 0; i < out->tokens().size(); ++i)
+        if (out->tokens().at(i) == _eString(L"?") || out->tokens().at(i) == _eString(L"//balance"))
+            questionMarks.push_back({toWString(out->tokens().at(i)), TokenKind(out->kinds().at(i))});
+    EXPECT_EQ(questionMarks, (std::vector<std::pair<std::wstring, TokenKind>>{{L"//balance", TokenKind::name},
+                                                                            {L"?", TokenKind::unknown},
+                                                                            {L"?", TokenKind::body},
+                                                                            {L"//balance", TokenKind::name}}));
+    _eHndl<Environment> env(new Environment());
+    auto render = [&](const ImportOptions& options) {
+        std::string text = out->render(options, FileName(L"/out/", L"Ledger", L"tv", env.get()),
+                                       FileName(L"/m.xmi", env.get()), *env);
+        return text.substr(text.find("abstract"));
+    };
+    EXPECT_TRUE(render(ImportOptions::defaults()).starts_with("abstract\n\tvar\n\t//balance\n\t: ?;\nconfined\n"));
+    EXPECT_TRUE(render(ImportOptions(100, L"\t", L"", {}, true)).starts_with("abstract\n\tvar //balance: ?;\nconfined\n"));
+}
