@@ -217,7 +217,7 @@ void XMLImporter::attemptParse(_eString fileName, _eString profileRequest, bool&
 void XMLImporter::parseFile(const FileName* file, bool showProgress) {
     state->parseDiagnostics = {};
     _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
-    if (state->extensions.anywhere) parser->readUnprefixedUmlTags();
+    parser->chooseExtensions(state->extensions);
     _eHndl<XMLLex> lexer(new XMLLex(state->environment.get(), state->tabWidth));
     bool opened = false;
     lexer->openFile(_eHndl<FileName>(new FileName(*file)), opened);

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "Generated/ErrorEnums.h"
-#include "Generated/ImportExtensions.h"
+#include "modelbridge/ImportExtensions.h"
 #include "environment/Environment.h"
 
 class FileName;
@@ -63,7 +63,7 @@ public:
     static _eString genFullFileNameString(_eString directory, _eString name, const Environment* environment);
 
     // The extensions beyond the specified behaviour that the parses and generations that follow
-    // take (Generated/ImportExtensions.h, where each is described); all are off until a host
+    // take (modelbridge/ImportExtensions.h, where each is described); all are off until a host
     // chooses them.
     void chooseExtensions(const ImportExtensions& extensions);
     const ImportExtensions& extensions() const;

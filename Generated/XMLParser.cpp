@@ -1,6 +1,7 @@
 #include "Generated/XMLParser.h"
 
 #include "xml/XMLCharData.h"
+#include "runtime/StringUtils.h"
 #include "xml/XMLDocument.h"
 
 const ParseTables& XMLParser::tables() {
@@ -69,8 +70,8 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
         case A::endTag: result(new XMLETag(at, symbol<XMLString>(stack, 3))); break;
         case A::newContent: result(new XMLcontent(at)); break;
         case A::contentElement:
-        case A::contentReference:
         case A::contentCDSect: firstToChange<XMLcontent>(stack)->addItem(symbol<XMLContentItem>(stack, 2)); break;
+        case A::contentReference: firstToChange<XMLcontent>(stack)->addItem(contentItem(symbol<XMLContentItem>(stack, 2))); break;
         case A::contentCharData:
             static_cast<XMLCharData*>(stack.peekToChange(1).value.uniquePointer())->shareText();
             firstToChange<XMLcontent>(stack)->addItem(symbol<XMLContentItem>(stack, 2));
@@ -85,7 +86,7 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
         case A::newNumber: result(new XMLNumber(symbol<T>(stack, 1))); break;
         case A::decimalDigit: firstToChange<XMLNumber>(stack)->addDigit(symbol<T>(stack, 2), false); break;
         case A::hexDigit: firstToChange<XMLNumber>(stack)->addDigit(symbol<T>(stack, 2), true); break;
-        case A::entityReference: result(new XMLEntityReference(at, symbol<XMLString>(stack, 2))); break;
+        case A::entityReference: result(entityReference(at, symbol<XMLString>(stack, 2)).get()); break;
         case A::peReference: result(new XMLPEReference(at, symbol<XMLString>(stack, 2))); break;
         default:
             if (semanticAction < 0 || semanticAction > 89) raiseNoChoice(_xPlaces::parserNoAction);
@@ -127,8 +128,36 @@ void XMLParser::appendRun(std::int32_t semanticAction, StackValue& value, const 
     }
 }
 
+namespace {
+
+// The character of a predefined entity; 0 for any other name.
+std::int32_t predefinedEntity(const _eString& name) {
+    static const std::pair<const wchar_t*, std::int32_t> entities[] = {
+        {L"amp", '&'}, {L"lt", '<'}, {L"gt", '>'}, {L"quot", '"'}, {L"apos", '\''}};
+    for (const auto& [entity, code] : entities)
+        if (textIs(name, entity)) return code;
+    return 0;
+}
+
+}  // namespace
+
+_eFrom<NonTerminal> XMLParser::entityReference(const _eHndl<Location>& at, const _eHndl<XMLString>& name) const {
+    if (extensions.decodeReferences)
+        if (std::int32_t code = predefinedEntity(name->getText())) return new XMLCharReference(at, code);
+    return new XMLEntityReference(at, name);
+}
+
+_eFrom<XMLContentItem> XMLParser::contentItem(const _eFrom<XMLContentItem>& item) const {
+    const auto* reference = dynamic_cast<const XMLCharReference*>(item.get());
+    if (!extensions.decodeReferences || reference == nullptr) return item;
+    _eHndl<XMLCharData> data(new XMLCharData(reference->getLocation()));
+    _eString text = reference->referenceText(Context::shared());
+    data->appendCharacters(&text.elementRef(0), 1);
+    return data;
+}
+
 void XMLParser::noteTag(const _eHndl<XMLString>& name) {
-    if (!unprefixedUml || rootSeen) return;
+    if (!extensions.anywhere || rootSeen) return;
     rootSeen = true;
     if (name->getText() == _eString(L"XMI")) naming = TagNaming::unprefixedUml;
 }

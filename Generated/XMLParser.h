@@ -4,6 +4,7 @@
 #include "Generated/Parser.h"
 #include "xml/XMLLex.h"
 #include "xml/XMLTokens.h"
+#include "modelbridge/ImportExtensions.h"
 #include "xmi/XMLElement.h"
 
 class XMLParser : public _eClass<XMLParser, Parser> {
@@ -49,8 +50,10 @@ public:
         parseAll(lexer, true, false, [](const Terminal&) {});
     }
 
-    // Reads the unprefixed UML 1.x tags as their "UML:" forms, in a document whose root is "XMI".
-    void readUnprefixedUmlTags() { unprefixedUml = true; }
+    // What the parse does beyond the specified behaviour: with `anywhere`, the unprefixed UML 1.x
+    // tags read as their "UML:" forms in a document whose root is "XMI"; with
+    // `decodeReferences`, entities and character references read as their characters.
+    void chooseExtensions(const ImportExtensions& chosen) { extensions = chosen; }
 
     // The tables of the XML grammar, built on first use and shared by all parsers.
     static const ParseTables& tables();
@@ -65,7 +68,12 @@ private:
     // is built, so the root decides how every element reads its tag.
     void noteTag(const _eHndl<XMLString>& name);
 
-    bool unprefixedUml = false;                 // asked for by the importer
+    // A predefined entity's reference as the character it stands for, in attribute values, and
+    // a character reference in content as character data, when that is asked for.
+    _eFrom<NonTerminal> entityReference(const _eHndl<Location>& at, const _eHndl<XMLString>& name) const;
+    _eFrom<XMLContentItem> contentItem(const _eFrom<XMLContentItem>& item) const;
+
+    ImportExtensions extensions;                // asked for by the importer
     bool rootSeen = false;                      // the root's tag has been read
     TagNaming naming = TagNaming::specified;    // how the elements read their tags
 };

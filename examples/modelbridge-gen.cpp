@@ -22,7 +22,30 @@
 
 namespace {
 
-const char* const usage =
+// The host reads UML 2 models always: the switch of the extensions it needs no option for.
+bool alwaysOn(const ImportSwitch& each) { return each.field == &ImportExtensions::xmi2; }
+
+// The switch that the option "--NAME" turns on; null for any other word.
+const ImportSwitch* switchOption(const std::string& arg) {
+    for (const ImportSwitch& each : importSwitches)
+        if (!alwaysOn(each) && arg == std::string("--") + each.name) return &each;
+    return nullptr;
+}
+
+// The options of the extensions, one for each switch the library knows.
+std::string switchOptions() {
+    std::string text;
+    for (const ImportSwitch& each : importSwitches) {
+        if (alwaysOn(each)) continue;
+        // The help starts in column 22, on the next line when the option reaches it.
+        std::string option = std::string("  --") + each.name;
+        option = option.size() < 21 ? option + std::string(21 - option.size(), ' ') : option + "\n" + std::string(21, ' ');
+        text += option + each.help + "\n";
+    }
+    return text;
+}
+
+const std::string usage =
     "usage: modelbridge-gen MODEL [-o DIR] [--list] [--class NAME]... [--single FILE] [options]\n"
     "\n"
     "Reads the UML model in MODEL (XMI 1.x, or a UML 2 model saved as XMI 2.x) and writes\n"
@@ -32,11 +55,8 @@ const char* const usage =
     "                     (default: the current directory)\n"
     "  --list             list the classes of the model and write nothing\n"
     "  --class NAME       generate this class; may be given more than once (default: every class)\n"
-    "  --single FILE      write the chosen classes into one file FILE.tv instead of one file each\n"
-    "  --anywhere         find classes wherever UML tools put them (nested models, packages,\n"
-    "                     subsystems, classes, empty-element tags, unprefixed tags), not only on\n"
-    "                     the one path XMI 1.x specifies (XMI 1.x only; XMI 2.x models are\n"
-    "                     always searched throughout)\n"
+    "  --single FILE      write the chosen classes into one file FILE.tv instead of one file each\n" +
+    switchOptions() +
     "  --line-width N     break generated lines beyond column N (20 to 10000; default 100)\n"
     "  --indent TEXT      indent generated text by TEXT, where \\t stands for a tab and \\\\ for a\n"
     "                     backslash (default: one tab)\n"
@@ -71,7 +91,7 @@ struct Options {
     std::string directory = ".";
     bool list = false;
     bool profile = false;
-    bool anywhere = false;
+    ImportExtensions extensions;  // the switches given; UML 2 models always read
     bool quiet = false;
     bool progress = false;
     std::vector<std::string> classes;
@@ -148,8 +168,8 @@ bool readOptions(int argc, char** argv, Options& options) {
             options.layoutChosen = true;
         } else if (arg == "--list") {
             options.list = true;
-        } else if (arg == "--anywhere") {
-            options.anywhere = true;
+        } else if (const ImportSwitch* chosen = switchOption(arg)) {
+            options.extensions.*chosen->field = true;
         } else if (arg == "--profile") {
             options.profile = true;
         } else if (arg == "-q" || arg == "--quiet") {
@@ -157,17 +177,17 @@ bool readOptions(int argc, char** argv, Options& options) {
         } else if (arg == "--progress") {
             options.progress = true;
         } else if (!arg.empty() && arg[0] == '-') {
-            std::fprintf(stderr, "%s: unknown option %s\n%s", program, arg.c_str(), usage);
+            std::fprintf(stderr, "%s: unknown option %s\n%s", program, arg.c_str(), usage.c_str());
             return false;
         } else if (options.model.empty()) {
             options.model = arg;
         } else {
-            std::fprintf(stderr, "%s: one model only\n%s", program, usage);
+            std::fprintf(stderr, "%s: one model only\n%s", program, usage.c_str());
             return false;
         }
     }
     if (options.model.empty()) {
-        std::fprintf(stderr, "%s", usage);
+        std::fprintf(stderr, "%s", usage.c_str());
         return false;
     }
     if (options.directory.empty()) options.directory = ".";
@@ -228,7 +248,7 @@ int classesAnywhere(const Options& options, const Environment* environment) {
 
 // Says why a model gives no class.
 void explainNoClass(const Options& options, const Environment* environment) {
-    int elsewhere = options.anywhere ? 0 : classesAnywhere(options, environment);
+    int elsewhere = options.extensions.anywhere ? 0 : classesAnywhere(options, environment);
     if (elsewhere == 0) {
         std::fprintf(stderr, "%s: the model holds no class\n", program);
         return;
@@ -306,7 +326,7 @@ bool generate(XMLImporter& importer, const Options& options, const _eSeq<_eStrin
 int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) {
-            std::printf("%s", usage);
+            std::printf("%s", usage.c_str());
             return 0;
         }
         if (std::strcmp(argv[i], "--version") == 0) {
@@ -325,8 +345,9 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "%s: %s\n", program, toUtf8(refusal).c_str());
         return 2;
     }
-    importer.findClassesAnywhere(options.anywhere);
-    importer.readXmi2Models(true);
+    ImportExtensions extensions = options.extensions;
+    extensions.xmi2 = true;
+    importer.chooseExtensions(extensions);
     ProgressDisplay display;
     if (options.progress && isatty(STDERR_FILENO)) importer.reportProgress(&ProgressDisplay::show, &display);
 

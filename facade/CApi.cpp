@@ -3,15 +3,35 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <map>
+#include <mutex>
 #include <new>
+#include <thread>
 
 #include "modelbridge/modelbridge.h"
 #include "modelbridge/modelbridge.hpp"
 
+static_assert(int(modelbridge::Severity::information) == MB_INFORMATION && int(modelbridge::Severity::warning) == MB_WARNING &&
+                  int(modelbridge::Severity::error) == MB_ERROR && int(modelbridge::Severity::fatal) == MB_FATAL,
+              "the C severities are the facade's in order");
+static_assert(importSwitches[0].flag == MB_XMI2 && importSwitches[1].flag == MB_ANYWHERE &&
+                  importSwitches[2].flag == MB_PLAIN_MODEL_TEXT && importSwitches[3].flag == MB_DECODE_REFERENCES,
+              "the C flags are the bits of the switches");
+static_assert(std::size(importSwitches) == 4, "every switch has its flag in the C header");
+
+struct mb_outcome {
+    modelbridge::Result result;
+};
+
 struct mb_model {
     modelbridge::Model model;
-    std::string report;        // of the parse
-    modelbridge::Result last;  // of the last write
+    std::string report;  // of the parse
+    // The last write of each thread through the calls without an outcome; a thread's entry
+    // lives until its next such write, or the model's end.
+    std::mutex lastLock;
+    std::map<std::thread::id, modelbridge::Result> lastByThread;
+
+    mb_model(const modelbridge::Model& model, std::string report) : model(model), report(std::move(report)) {}
 };
 
 namespace {
@@ -30,19 +50,22 @@ int guarded(Call call) {
 
 // Entry `index` of `list` through `field`, or the fallback where there is none.
 template <class List, class Field, class Value>
-Value entry(const mb_model* model, int index, const List& (*listOf)(const mb_model&), Field field, Value fallback) {
-    if (model == nullptr || index < 0) return fallback;
-    const List& list = listOf(*model);
-    return std::size_t(index) < list.size() ? field(list[std::size_t(index)]) : fallback;
+Value entry(const List* list, int index, Field field, Value fallback) {
+    if (list == nullptr || index < 0 || std::size_t(index) >= list->size()) return fallback;
+    return field((*list)[std::size_t(index)]);
 }
 
-const std::vector<std::string>& classesOf(const mb_model& model) { return model.model.classes(); }
-const std::vector<modelbridge::Diagnostic>& diagnosticsOf(const mb_model& model) { return model.model.diagnostics(); }
-const std::vector<modelbridge::Diagnostic>& resultOf(const mb_model& model) { return model.last.diagnostics; }
+const std::vector<modelbridge::Diagnostic>* diagnosticsOf(const mb_model* model) {
+    return model == nullptr ? nullptr : &model->model.diagnostics();
+}
+
+const std::vector<modelbridge::Diagnostic>* diagnosticsOf(const mb_outcome* outcome) {
+    return outcome == nullptr ? nullptr : &outcome->result.diagnostics;
+}
 
 template <class Field>
 auto diagnostic(const mb_model* model, int index, Field field, decltype(field(modelbridge::Diagnostic())) fallback) {
-    return entry(model, index, diagnosticsOf, field, fallback);
+    return entry(diagnosticsOf(model), index, field, fallback);
 }
 
 bool holds(const mb_model& model, const char* name) {
@@ -50,33 +73,93 @@ bool holds(const mb_model& model, const char* name) {
     return std::find(classes.begin(), classes.end(), name) != classes.end();
 }
 
-int statusOf(const modelbridge::Result& result) { return result.ok ? MB_OK : MB_FAILED; }
+// The options of the facade that the C options choose.
+modelbridge::Options optionsOf(const mb_parse_options& options) {
+    modelbridge::Options chosen;
+    for (const ImportSwitch& each : importSwitches) chosen.extensions.*each.field = (options.flags & each.flag) != 0;
+    chosen.reproducible = (options.flags & MB_REPRODUCIBLE) != 0;
+    if (options.line_width != 0) chosen.lineWidth = options.line_width;
+    if (options.indent != nullptr) chosen.indent = options.indent;
+    if (options.file_prefix != nullptr) chosen.filePrefix = options.file_prefix;
+    return chosen;
+}
+
+// A write of the facade's, as a status, its result handed to `outcome` or kept as the
+// calling thread's last.
+template <class Write>
+int written(mb_model* model, bool known, mb_outcome** outcome, Write write) {
+    if (outcome != nullptr) *outcome = nullptr;
+    return guarded([&]() -> int {
+        auto made = std::make_unique<mb_outcome>();
+        made->result = write();
+        int status = !known ? MB_NO_SUCH_CLASS : made->result.ok ? MB_OK : MB_FAILED;
+        if (outcome != nullptr) {
+            *outcome = made.release();
+        } else {
+            std::lock_guard<std::mutex> lock(model->lastLock);
+            model->lastByThread[std::this_thread::get_id()] = std::move(made->result);
+        }
+        return status;
+    });
+}
+
+// The calling thread's last write on the model without an outcome.
+const std::vector<modelbridge::Diagnostic>* lastOf(const mb_model* model) {
+    if (model == nullptr) return nullptr;
+    auto& owned = const_cast<mb_model&>(*model);
+    std::lock_guard<std::mutex> lock(owned.lastLock);
+    auto found = owned.lastByThread.find(std::this_thread::get_id());
+    return found == owned.lastByThread.end() ? nullptr : &found->second.diagnostics;
+}
 
 }  // namespace
 
 extern "C" {
 
-int mb_parse(const char* path, const mb_options* options, mb_model** model) {
+void mb_parse_options_init(mb_parse_options* options) {
+    if (options == nullptr) return;
+    *options = mb_parse_options();
+    options->size = sizeof(mb_parse_options);
+}
+
+int mb_parse_with(const char* path, const mb_parse_options* options, mb_model** model) {
     if (model == nullptr) return MB_INVALID_ARGUMENT;
     *model = nullptr;
     if (path == nullptr) return MB_INVALID_ARGUMENT;
+    mb_parse_options chosen;
+    mb_parse_options_init(&chosen);
+    if (options != nullptr) {
+        if (options->size < offsetof(mb_parse_options, flags) + sizeof(unsigned)) return MB_INVALID_ARGUMENT;
+        std::memcpy(&chosen, options, std::min(options->size, sizeof(mb_parse_options)));
+    }
     return guarded([&]() -> int {
-        modelbridge::Options chosen;
-        if (options != nullptr) {
-            chosen.xmi2 = (options->flags & MB_XMI2) != 0;
-            chosen.anywhere = (options->flags & MB_ANYWHERE) != 0;
-            chosen.reproducible = (options->flags & MB_REPRODUCIBLE) != 0;
-            if (options->line_width != 0) chosen.lineWidth = options->line_width;
-            if (options->indent != nullptr) chosen.indent = options->indent;
-            if (options->file_prefix != nullptr) chosen.filePrefix = options->file_prefix;
-        }
-        modelbridge::Model parsed = modelbridge::Model::parse(path, chosen);
-        *model = new mb_model{parsed, parsed.report(), {}};
+        modelbridge::Model parsed = modelbridge::Model::parse(path, optionsOf(chosen));
+        *model = new mb_model(parsed, parsed.report());
         if (parsed.ok()) return MB_OK;
         // A parse that never ran leaves no report: the options were refused.
         return (*model)->report.empty() ? MB_INVALID_ARGUMENT : MB_FAILED;
     });
 }
+
+int mb_parse(const char* path, const mb_options* options, mb_model** model) {
+    mb_parse_options chosen;
+    mb_parse_options_init(&chosen);
+    if (options != nullptr) {
+        chosen.flags = options->flags;
+        chosen.line_width = options->line_width;
+        chosen.indent = options->indent;
+        chosen.file_prefix = options->file_prefix;
+    }
+    return mb_parse_with(path, &chosen, model);
+}
+
+int mb_switch_count(void) { return int(std::size(importSwitches)); }
+
+const char* mb_switch_name(int index) {
+    return index < 0 || index >= mb_switch_count() ? nullptr : importSwitches[index].name;
+}
+
+unsigned mb_switch_flag(int index) { return index < 0 || index >= mb_switch_count() ? 0u : importSwitches[index].flag; }
 
 int mb_ok(const mb_model* model) { return model != nullptr && model->model.ok() ? 1 : 0; }
 
@@ -85,8 +168,8 @@ const char* mb_report(const mb_model* model) { return model == nullptr ? nullptr
 int mb_class_count(const mb_model* model) { return model == nullptr ? 0 : int(model->model.classes().size()); }
 
 const char* mb_class_name(const mb_model* model, int index) {
-    return entry(model, index, classesOf, [](const std::string& name) { return name.c_str(); },
-                 static_cast<const char*>(nullptr));
+    return entry(model == nullptr ? nullptr : &model->model.classes(), index,
+                 [](const std::string& name) { return name.c_str(); }, static_cast<const char*>(nullptr));
 }
 
 int mb_diagnostic_count(const mb_model* model) {
@@ -117,33 +200,56 @@ const char* mb_diagnostic_message(const mb_model* model, int index) {
     return diagnostic(model, index, [](const modelbridge::Diagnostic& d) { return d.message.c_str(); }, nullptr);
 }
 
-int mb_write_class(mb_model* model, const char* name, const char* directory) {
+int mb_write_class_outcome(mb_model* model, const char* name, const char* directory, mb_outcome** outcome) {
+    if (outcome != nullptr) *outcome = nullptr;
     if (model == nullptr || name == nullptr || directory == nullptr) return MB_INVALID_ARGUMENT;
-    return guarded([&]() -> int {
-        model->last = model->model.writeClass(name, directory);
-        return holds(*model, name) ? statusOf(model->last) : MB_NO_SUCH_CLASS;
-    });
+    return written(model, holds(*model, name), outcome, [&] { return model->model.writeClass(name, directory); });
+}
+
+int mb_write_single_outcome(mb_model* model, const char* const* names, int count, const char* file,
+                            mb_outcome** outcome) {
+    if (outcome != nullptr) *outcome = nullptr;
+    if (model == nullptr || file == nullptr || count < 0 || (count > 0 && names == nullptr)) return MB_INVALID_ARGUMENT;
+    std::vector<std::string> chosen;
+    bool known = true;
+    for (int i = 0; i < count; ++i) {
+        if (names[i] == nullptr) return MB_INVALID_ARGUMENT;
+        chosen.push_back(names[i]);
+        known = known && holds(*model, names[i]);
+    }
+    return written(model, known, outcome, [&] { return model->model.writeClasses(chosen, file); });
+}
+
+int mb_outcome_count(const mb_outcome* outcome) {
+    return outcome == nullptr ? 0 : int(outcome->result.diagnostics.size());
+}
+
+const char* mb_outcome_text(const mb_outcome* outcome, int index) {
+    return entry(diagnosticsOf(outcome), index, [](const modelbridge::Diagnostic& d) { return d.text.c_str(); },
+                 static_cast<const char*>(nullptr));
+}
+
+int mb_outcome_severity(const mb_outcome* outcome, int index) {
+    return entry(diagnosticsOf(outcome), index, [](const modelbridge::Diagnostic& d) { return int(d.severity); }, -1);
+}
+
+void mb_outcome_free(mb_outcome* outcome) { delete outcome; }
+
+int mb_write_class(mb_model* model, const char* name, const char* directory) {
+    return mb_write_class_outcome(model, name, directory, nullptr);
 }
 
 int mb_write_single(mb_model* model, const char* const* names, int count, const char* file) {
-    if (model == nullptr || file == nullptr || count < 0 || (count > 0 && names == nullptr)) return MB_INVALID_ARGUMENT;
-    return guarded([&]() -> int {
-        std::vector<std::string> chosen;
-        bool known = true;
-        for (int i = 0; i < count; ++i) {
-            if (names[i] == nullptr) return MB_INVALID_ARGUMENT;
-            chosen.push_back(names[i]);
-            known = known && holds(*model, names[i]);
-        }
-        model->last = model->model.writeClasses(chosen, file);
-        return known ? statusOf(model->last) : MB_NO_SUCH_CLASS;
-    });
+    return mb_write_single_outcome(model, names, count, file, nullptr);
 }
 
-int mb_result_count(const mb_model* model) { return model == nullptr ? 0 : int(model->last.diagnostics.size()); }
+int mb_result_count(const mb_model* model) {
+    const std::vector<modelbridge::Diagnostic>* last = lastOf(model);
+    return last == nullptr ? 0 : int(last->size());
+}
 
 const char* mb_result_text(const mb_model* model, int index) {
-    return entry(model, index, resultOf, [](const modelbridge::Diagnostic& d) { return d.text.c_str(); },
+    return entry(lastOf(model), index, [](const modelbridge::Diagnostic& d) { return d.text.c_str(); },
                  static_cast<const char*>(nullptr));
 }
 

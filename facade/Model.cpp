@@ -70,10 +70,14 @@ bool sourceDateEpoch(std::int64_t& seconds) {
 
 // The importer's extensions that the options choose.
 ImportExtensions extensionsOf(const Options& options) {
-    ImportExtensions extensions;
-    extensions.xmi2 = options.xmi2;
-    extensions.anywhere = options.anywhere;
-    extensions.useFixedTime = options.reproducible && sourceDateEpoch(extensions.fixedTime);
+    ImportExtensions extensions = options.extensions;
+    extensions.xmi2 = extensions.xmi2 || options.xmi2;
+    extensions.anywhere = extensions.anywhere || options.anywhere;
+    std::int64_t seconds = 0;
+    if (options.reproducible && sourceDateEpoch(seconds)) {
+        extensions.useFixedTime = true;
+        extensions.fixedTime = seconds;
+    }
     return extensions;
 }
 

@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "Generated/ImportExtensions.h"
+#include "modelbridge/ImportExtensions.h"
 #include "xmi/ClassRecords.h"
 #include "xmi/XMLElement.h"
 

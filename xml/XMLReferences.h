@@ -46,6 +46,7 @@ public:
 
     XMLCharReference(const _eHndl<Location>& location, const _eHndl<XMLNumber>& number)
         : _eClass(location), code(number->getValue()) {}
+    XMLCharReference(const _eHndl<Location>& location, std::int32_t code) : _eClass(location), code(code) {}
 
     bool equalFields(const XMLCharReference& other) const {
         return XMLReference::equalFields(other) && code == other.code;

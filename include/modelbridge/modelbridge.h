@@ -1,12 +1,18 @@
 /* ModelBridge for C and other languages: parse a UML model saved as XMI, list its classes,
  * read its diagnostics, and write or render Tarvane class declarations.
  *
- * Text is UTF-8 throughout. A model is an opaque handle that one mb_parse makes and one mb_free
- * ends; the strings it gives stay valid until then. Every function may be called from any
- * thread (calls are serialised inside the library), returns a status where it can fail, and
- * never lets an exception out. */
+ * Text is UTF-8 throughout. A model is an opaque handle that one mb_parse (or mb_parse_with)
+ * makes and one mb_free ends. Every function may be called from any thread (calls are
+ * serialised inside the library), returns a status where it can fail, and never lets an
+ * exception out.
+ *
+ * How long a string lives is said at each function that gives one: the strings of a model
+ * (its report, class names and diagnostics) until mb_free; those of an outcome until
+ * mb_outcome_free; a rendered text until the caller's mb_string_free. */
 #ifndef MODELBRIDGE_H
 #define MODELBRIDGE_H
+
+#include <stddef.h>
 
 #if defined(_WIN32)
 #define MB_C_API
@@ -19,6 +25,8 @@ extern "C" {
 #endif
 
 typedef struct mb_model mb_model;
+/* What one write gave: its status and its own diagnostics. */
+typedef struct mb_outcome mb_outcome;
 
 /* Statuses. */
 enum {
@@ -29,39 +37,65 @@ enum {
     MB_NO_MEMORY = 4
 };
 
-/* Flags of mb_options. */
+/* Flags of the options: the switches of the library's extensions (mb_switch_name tells them
+ * all by name), and the header's time. */
 enum {
-    MB_XMI2 = 1,         /* also read UML 2 models saved as XMI 2.x */
-    MB_ANYWHERE = 2,     /* find classes wherever exporters put them */
-    MB_REPRODUCIBLE = 4  /* the header's time from SOURCE_DATE_EPOCH when it is set */
+    MB_XMI2 = 1,               /* also read UML 2 models saved as XMI 2.x */
+    MB_ANYWHERE = 2,           /* find classes wherever exporters put them */
+    MB_REPRODUCIBLE = 4,       /* the header's time from SOURCE_DATE_EPOCH when it is set */
+    MB_PLAIN_MODEL_TEXT = 8,   /* never lay out a text of the model as a comment */
+    MB_DECODE_REFERENCES = 16  /* entities and character references read as their characters */
 };
 
-/* Options of a parse; all zero (or a null pointer) gives the defaults. */
-typedef struct mb_options {
-    unsigned flags;          /* MB_XMI2 | MB_ANYWHERE | MB_REPRODUCIBLE */
+/* Options of a parse, for mb_parse_with. It opens with its own size, so that a library newer
+ * than this header reads only the fields this header knows: start from mb_parse_options_init,
+ * which sets the size and every default. */
+typedef struct mb_parse_options {
+    size_t size;             /* sizeof(mb_parse_options) */
+    unsigned flags;          /* MB_XMI2 | MB_ANYWHERE | ... */
     int line_width;          /* 20 to 10000; 0 for the default, 100 */
     const char* indent;      /* one level of indentation; null for one tab */
     const char* file_prefix; /* before the name of every file written; null for none */
+} mb_parse_options;
+
+/* The options of mb_parse: the same fields, without a size. */
+typedef struct mb_options {
+    unsigned flags;
+    int line_width;
+    const char* indent;
+    const char* file_prefix;
 } mb_options;
 
 /* Diagnostic severities. */
 enum { MB_INFORMATION = 0, MB_WARNING = 1, MB_ERROR = 2, MB_FATAL = 3 };
 
+/* Sets the size of *options and every field to its default. */
+MB_C_API void mb_parse_options_init(mb_parse_options* options);
 /* Parses the file into *model, which is set whenever memory allows, also for a failed parse:
  * MB_OK when it parsed without any error or warning, MB_FAILED (see the diagnostics),
- * MB_INVALID_ARGUMENT (options out of bounds: the reason is the model's one diagnostic). */
+ * MB_INVALID_ARGUMENT (options out of bounds: the reason is the model's one diagnostic).
+ * A null `options` gives the defaults. */
+MB_C_API int mb_parse_with(const char* path, const mb_parse_options* options, mb_model** model);
 MB_C_API int mb_parse(const char* path, const mb_options* options, mb_model** model);
+
+/* The switches of the extensions, by name ("decode-references") and flag, for hosts that take
+ * them from their users; a null pointer and 0 for an index out of range. The names live as
+ * long as the library. */
+MB_C_API int mb_switch_count(void);
+MB_C_API const char* mb_switch_name(int index);
+MB_C_API unsigned mb_switch_flag(int index);
+
 /* 1 when the parse had no error or warning, else 0. */
 MB_C_API int mb_ok(const mb_model* model);
-/* "Parsed N lines from file 'model.xmi' in 0 seconds". */
+/* "Parsed N lines from file 'model.xmi' in 0 seconds"; lives until mb_free. */
 MB_C_API const char* mb_report(const mb_model* model);
 
-/* The classes, sorted; a null pointer for an index out of range. */
+/* The classes, sorted; a null pointer for an index out of range. Names live until mb_free. */
 MB_C_API int mb_class_count(const mb_model* model);
 MB_C_API const char* mb_class_name(const mb_model* model, int index);
 
 /* The errors and warnings of the parse, ordered by position; each as its full one-line text,
- * and in parts (an empty file and line 0 where it has no position). */
+ * and in parts (an empty file and line 0 where it has no position). Texts live until mb_free. */
 MB_C_API int mb_diagnostic_count(const mb_model* model);
 MB_C_API const char* mb_diagnostic_text(const mb_model* model, int index);
 MB_C_API int mb_diagnostic_severity(const mb_model* model, int index);
@@ -70,12 +104,26 @@ MB_C_API int mb_diagnostic_line(const mb_model* model, int index);
 MB_C_API int mb_diagnostic_column(const mb_model* model, int index);
 MB_C_API const char* mb_diagnostic_message(const mb_model* model, int index);
 
-/* Writes one class into DIRECTORY/NAME.tv. */
-MB_C_API int mb_write_class(mb_model* model, const char* name, const char* directory);
+/* Writes one class into DIRECTORY/NAME.tv. With a non-null `outcome`, *outcome receives what
+ * this write alone gave, which the caller frees with mb_outcome_free (null when memory ran
+ * out). */
+MB_C_API int mb_write_class_outcome(mb_model* model, const char* name, const char* directory, mb_outcome** outcome);
 /* Writes the named classes (count 0: every class) into the one file FILE, whose extension
- * becomes ".tv". */
+ * becomes ".tv"; `outcome` as for mb_write_class_outcome. */
+MB_C_API int mb_write_single_outcome(mb_model* model, const char* const* names, int count, const char* file,
+                                     mb_outcome** outcome);
+/* The diagnostics of one write; texts live until mb_outcome_free. */
+MB_C_API int mb_outcome_count(const mb_outcome* outcome);
+MB_C_API const char* mb_outcome_text(const mb_outcome* outcome, int index);
+MB_C_API int mb_outcome_severity(const mb_outcome* outcome, int index);
+MB_C_API void mb_outcome_free(mb_outcome* outcome);
+
+/* mb_write_class_outcome and mb_write_single_outcome without an outcome: the diagnostics of
+ * the last such write that the calling thread made on this model are read with
+ * mb_result_count and mb_result_text, whose texts live until that thread's next write on the
+ * model, or mb_free. */
+MB_C_API int mb_write_class(mb_model* model, const char* name, const char* directory);
 MB_C_API int mb_write_single(mb_model* model, const char* const* names, int count, const char* file);
-/* The diagnostics of the last write on this model. */
 MB_C_API int mb_result_count(const mb_model* model);
 MB_C_API const char* mb_result_text(const mb_model* model, int index);
 

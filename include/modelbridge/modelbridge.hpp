@@ -15,6 +15,8 @@
 #include <string_view>
 #include <vector>
 
+#include "ImportExtensions.h"
+
 #if defined(_WIN32)
 #define MODELBRIDGE_FACADE_API
 #else
@@ -39,8 +41,11 @@ struct Diagnostic {
 // How a model is read and its text laid out. Every extension is off by default: a model parsed
 // with default options gives exactly the library's specified results.
 struct Options {
-    bool xmi2 = false;      // also read UML 2 models saved as XMI 2.x
-    bool anywhere = false;  // find classes wherever exporters put them, not only on the XMI 1.x path
+    // Every extension of the importer, each described where the value is declared;
+    // `setImportSwitch(options.extensions, "decode-references", true)` sets one by name.
+    ImportExtensions extensions;
+    bool xmi2 = false;      // also read UML 2 models saved as XMI 2.x (as `extensions.xmi2`)
+    bool anywhere = false;  // find classes wherever exporters put them (as `extensions.anywhere`)
     int lineWidth = 100;    // generated lines break beyond this column (20 to 10000)
     std::string indent = "\t";  // one level of indentation (not empty, no line ends)
     std::string filePrefix;     // put before the name of every file written (no "/")

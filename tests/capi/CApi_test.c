@@ -42,6 +42,16 @@ int main(int argc, char** argv) {
     snprintf(missing, sizeof missing, "%s/no/such", directory);
     CHECK(mb_write_class(model, "Account", missing) == MB_FAILED);
     CHECK(mb_result_count(model) == 1 && strstr(mb_result_text(model, 0), "for 'write' access.") != NULL);
+    /* A write with an outcome of its own leaves the thread's last write as it was. */
+    mb_outcome* outcome = NULL;
+    CHECK(mb_write_class_outcome(model, "Customer", directory, &outcome) == MB_OK);
+    CHECK(outcome != NULL && mb_outcome_count(outcome) == 0 && mb_outcome_text(outcome, 0) == NULL);
+    mb_outcome_free(outcome);
+    CHECK(mb_write_single_outcome(model, both, 2, missing, &outcome) == MB_FAILED);
+    CHECK(mb_outcome_count(outcome) == 1 && mb_outcome_severity(outcome, 0) == MB_FATAL);
+    CHECK(strstr(mb_outcome_text(outcome, 0), "for 'write' access.") != NULL);
+    mb_outcome_free(outcome);
+    CHECK(mb_result_count(model) == 1);
 
     char* text = NULL;
     CHECK(mb_render_class(model, "Account", &text) == MB_OK);
@@ -54,6 +64,18 @@ int main(int argc, char** argv) {
     CHECK(mb_parse(model_path, &narrow, &model) == MB_INVALID_ARGUMENT);
     CHECK(mb_diagnostic_count(model) == 1 && strstr(mb_diagnostic_text(model, 0), "line width 5") != NULL);
     mb_free(model);
+
+    /* Options that open with their size; the switches known by name and flag. */
+    mb_parse_options options;
+    mb_parse_options_init(&options);
+    CHECK(options.size == sizeof options && options.flags == 0 && options.line_width == 0);
+    options.line_width = 5;
+    CHECK(mb_parse_with(model_path, &options, &model) == MB_INVALID_ARGUMENT);
+    mb_free(model);
+    options.size = 1;
+    CHECK(mb_parse_with(model_path, &options, &model) == MB_INVALID_ARGUMENT && model == NULL);
+    CHECK(mb_switch_count() == 4 && strcmp(mb_switch_name(3), "decode-references") == 0);
+    CHECK(mb_switch_flag(3) == MB_DECODE_REFERENCES && mb_switch_name(4) == NULL && mb_switch_flag(-1) == 0);
 
     char bad[4096];
     snprintf(bad, sizeof bad, "%s/bad.xmi", directory);

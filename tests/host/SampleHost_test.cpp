@@ -224,8 +224,35 @@ TEST_F(SampleHost, HelpManualAndReadmeAgree) {
     HostRun help = run("--help");
     EXPECT_EQ(help.status, 0);
     std::set<std::string> named = optionsAndCodes(help.out);
-    EXPECT_EQ(named.size(), 14u + 3u);
+    EXPECT_EQ(named.size(), 16u + 3u);
     EXPECT_EQ(named, optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/examples/modelbridge-gen.1.in")));
     std::set<std::string> codes = optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/README.md"));
     for (const char* code : {"0", "1", "2"}) EXPECT_EQ(codes.count(code), 1u) << code;
+}
+
+// Each switch of the library's extensions is an option of its own: decoded references and
+// model text that is never a comment change the text; without them it is as specified.
+TEST_F(SampleHost, SwitchesOfTheExtensionsAreOptions) {
+    TempDir models;
+    std::string model = models.write(
+        "m.xmi",
+        "<XMI><XMI.content><UML:Model><UML:Namespace.ownedElement><UML:Class xmi.id='c' name='Tally'>"
+        "<UML:Classifier.feature><UML:Attribute name='//count' visibility='private'></UML:Attribute>"
+        "<UML:Attribute name='a&amp;b' visibility='private'></UML:Attribute></UML:Classifier.feature>"
+        "</UML:Class></UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>");
+    struct Row {
+        const char* options;
+        const char* text;
+    };
+    const Row rows[] = {
+        {"", "abstract\n\tvar\n\t//count\n\t: ?;\n\tvar a[[EntityRef'amp']]b: ?;\n"},
+        {"--plain-model-text --decode-references", "abstract\n\tvar //count: ?;\n\tvar a&b: ?;\n"},
+    };
+    for (const Row& row : rows) {
+        HostRun host = run(model + " -q -o " + dir + " " + row.options);
+        EXPECT_EQ(host.status, 0) << host.err;
+        std::string text = readFile(dir + "/Tally.tv");
+        EXPECT_TRUE(contains(text, row.text)) << row.options << "\n" << text;
+    }
+    EXPECT_EQ(run(model + " --xmi2").status, 2) << "the host reads UML 2 models always";
 }

@@ -16,12 +16,13 @@ struct ParseOutcome {
 };
 
 // Without `runs` every byte is offered as a token of its own.
-inline ParseOutcome parseFile(const std::string& path, bool runs = true) {
+inline ParseOutcome parseFile(const std::string& path, bool runs = true, const ImportExtensions& extensions = {}) {
     _eHndl<Environment> env(new Environment());
     _eHndl<XMLLex> lex(new XMLLex(env.get(), 4));
     bool ok = false;
     lex->openFile(_eHndl<FileName>(new FileName(fromPlatformText(path), env.get())), ok);
     _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
+    parser->chooseExtensions(extensions);
     parser->parseAll(*lex, runs, false, [](const Terminal&) {});
     lex->closeFile();
     ParseOutcome outcome;
@@ -33,7 +34,7 @@ inline ParseOutcome parseFile(const std::string& path, bool runs = true) {
     return outcome;
 }
 
-inline ParseOutcome parseText(const std::string& bytes) {
+inline ParseOutcome parseText(const std::string& bytes, const ImportExtensions& extensions = {}) {
     TempDir dir;
-    return parseFile(dir.write("in.xml", bytes));
+    return parseFile(dir.write("in.xml", bytes), true, extensions);
 }

@@ -1,7 +1,9 @@
-// Syntax nodes: numbers and character references.
+// Syntax nodes: numbers, character references and entities.
 #include <gtest/gtest.h>
 
+#include "support/ParseRun.h"
 #include "xml/XMLCharData.h"
+#include "xml/XMLDocument.h"
 #include "xml/XMLTags.h"
 
 namespace {
@@ -42,4 +44,31 @@ TEST(XMLNodes, NumbersInBothBasesWrapWithoutCheck) {
     _eHndl<XMLCharReference> big(new XMLCharReference(at(1), number(L"1F600", true)));
     EXPECT_EQ(big->getCode(), 0x1F600);
     EXPECT_EQ(toWString(big->referenceText(noContext())), std::wstring(1, wchar_t(0xF600)));
+}
+
+// The predefined entities and character references, in attribute values and in character
+// data: placeholders and nothing as specified, their characters when decoding is asked for.
+TEST(XMLNodes, ReferencesDecodedOnlyWhenAskedFor) {
+    const std::string text =
+        "<r a='x&amp;&lt;&gt;&quot;&apos;&#65;&#x42;&other;y'>p&amp;q&#67;r&other;s</r>";
+    struct Row {
+        bool decode;
+        const wchar_t* attribute;
+        const wchar_t* content;
+    };
+    const Row rows[] = {
+        {false,
+         L"x[[EntityRef'amp']][[EntityRef'lt']][[EntityRef'gt']][[EntityRef'quot']][[EntityRef'apos']]AB[[EntityRef'other']]y",
+         L"pqrs"},
+        {true, L"x&<>\"'AB[[EntityRef'other']]y", L"p&qCrs"},
+    };
+    for (const Row& row : rows) {
+        ImportExtensions extensions;
+        extensions.decodeReferences = row.decode;
+        ParseOutcome o = parseText(text, extensions);
+        ASSERT_TRUE(o.accepted);
+        const XMLElement& root = *static_cast<XMLDocument*>(o.result.get())->getRoot();
+        EXPECT_EQ(toWString(root.attributeText(L"a", Context::shared())), row.attribute) << row.decode;
+        EXPECT_EQ(toWString(root.getContent()->text()), row.content) << row.decode;
+    }
 }

@@ -1,0 +1,75 @@
+// `ImportExtensions`: everything an importer can do beyond the specified behaviour, as one
+// value that a host hands over in one call (`XMLImporter::chooseExtensions`, or the `extensions`
+// of the facade's options). Every field's default is off, so a value left as made keeps the
+// specified results. Plain C++17, so that hosts of the importer and of the facade share it.
+//
+// The value is plain data and opens with its own size, set by the compiler of the host that
+// made it: a library newer than the host's header reads the fields the host knew and keeps the
+// defaults of those added since. Fields are only ever added at the end.
+//
+// The switches are also known by name (`importSwitches`), so that the command line, the C API
+// and Python take each new one without a change of their own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <type_traits>
+
+struct ImportExtensions {
+    std::uint32_t size = sizeof(ImportExtensions);  // of the value as the host's header has it
+
+    // Read UML 2 models saved as XMI 2.x (root "xmi:XMI" in an XMI 2 namespace, or a UML root
+    // such as "uml:Model" with an "xmi:version"): their classes are listed and generated as the
+    // same model saved as XMI 1.2 would be. Off by default.
+    bool xmi2 = false;
+    // Find classes wherever UML tools put them, not only along the one path of XMI 1.x: every
+    // "UML:Class" with an "xmi.id" and no "xmi.idref" below "XMI.content", in nested models,
+    // packages, subsystems and other classes, and written as an empty-element tag; in a document
+    // whose root is "XMI", unprefixed UML 1.x tags read as their "UML:" forms. Off by default.
+    bool anywhere = false;
+    // Headers of generated files name `fixedTime` (seconds since 1970, UTC) instead of the
+    // clock's time, so that generation repeats byte for byte. Off by default.
+    bool useFixedTime = false;
+    std::int64_t fixedTime = 0;
+    // Text taken from the model is never laid out as a comment, whatever it starts with; only
+    // the comments generation makes itself are. Off by default: a model text that starts with
+    // the comment prefix is laid out as a comment.
+    bool plainModelText = false;
+    // The predefined entities ("&amp;", "&lt;", "&gt;", "&quot;", "&apos;") and character
+    // references read as the characters they stand for, in attribute values and in character
+    // data. Off by default: an entity reads as the placeholder "[[EntityRef'amp']]", and a
+    // reference in character data is left out of its text.
+    bool decodeReferences = false;
+};
+
+static_assert(std::is_trivially_copyable_v<ImportExtensions>, "extensions are copied as bytes up to their size");
+
+// A switch of the extensions by the name users give it, with the bit that stands for it among
+// the flags of the C API.
+struct ImportSwitch {
+    const char* name;                // "decode-references"
+    bool ImportExtensions::*field;
+    unsigned flag;                   // MB_DECODE_REFERENCES
+    const char* help;                // one line
+};
+
+inline constexpr ImportSwitch importSwitches[] = {
+    {"xmi2", &ImportExtensions::xmi2, 1u, "read UML 2 models saved as XMI 2.x"},
+    {"anywhere", &ImportExtensions::anywhere, 2u,
+     "find classes wherever UML tools put them, not only on the one path of XMI 1.x"},
+    {"plain-model-text", &ImportExtensions::plainModelText, 8u,
+     "never lay out a text of the model as a comment, whatever it starts with"},
+    {"decode-references", &ImportExtensions::decodeReferences, 16u,
+     "read entities and character references as the characters they stand for"},
+};
+
+// Sets the switch of that name; false when there is none.
+inline bool setImportSwitch(ImportExtensions& extensions, std::string_view name, bool on) {
+    for (const ImportSwitch& each : importSwitches)
+        if (name == each.name) {
+            extensions.*each.field = on;
+            return true;
+        }
+    return false;
+}
