@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "runtime/StringUtils.h"
+
 namespace {
 
 _eString repeated(const _eString& text, std::int32_t times) {
@@ -36,17 +38,6 @@ TokenKind ElementBase::kindOf(const _eString& token) {
     bool letter = (first >= L'A' && first <= L'Z') || (first >= L'a' && first <= L'z') || first == L'_';
     return letter ? TokenKind::keyword : TokenKind::punctuation;
 }
-
-namespace {
-
-std::int32_t lineEnds(const _eString& text) {
-    std::int32_t count = 0;
-    for (int i = 0, n = text.size(); i < n; ++i)
-        if (text.get(i) == L'\n') ++count;
-    return count;
-}
-
-}  // namespace
 
 void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>& file, const ImportOptions& options,
                           FileError::_eEnum& status, std::vector<TokenLines>* lines) const {
@@ -98,7 +89,7 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             lead = separator;
             column += separator.size();
         }
-        line += lineEnds(lead);
+        line += countUnits(lead, L'\n');
         std::int32_t firstLine = line;
         if (!comment) {
             _eString text = tokenText(current);

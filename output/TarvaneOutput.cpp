@@ -93,17 +93,6 @@ std::vector<Declaration> TarvaneOutput::declarations() const {
     return list;
 }
 
-namespace {
-
-std::int32_t lineEnds(const _eString& text) {
-    std::int32_t count = 0;
-    for (int i = 0, n = text.size(); i < n; ++i)
-        if (text.get(i) == L'\n') ++count;
-    return count;
-}
-
-}  // namespace
-
 // Every write is made even after one has failed, so that a failure costs the same calls as
 // success; the caller reports one failure for them all.
 bool TarvaneOutput::writeWhole(const Environment& environment, const _eHndl<FileRef>& out, const _eString& head,
@@ -118,7 +107,7 @@ bool TarvaneOutput::writeWhole(const Environment& environment, const _eHndl<File
     written = written && status == FileError::success;
     if (lines == nullptr) return written;
     // The tokens start on the line after the header.
-    std::int32_t offset = lineEnds(head);
+    std::int32_t offset = countUnits(head, L'\n');
     for (const Declaration& d : declarations()) {
         if (d.count == 0 || std::size_t(d.first + d.count) > tokenLines.size()) continue;
         lines->push_back({d.id, d.part, offset + tokenLines[std::size_t(d.first)].first,

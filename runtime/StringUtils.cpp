@@ -56,6 +56,13 @@ bool isInteger(const _eString& s) {
 
 bool containsUnit(const _eString& s, wchar_t c) { return s.find(c) != s.size(); }
 
+std::int32_t countUnits(const _eString& s, wchar_t c) {
+    std::int32_t count = 0;
+    for (int i = 0, n = s.size(); i < n; ++i)
+        if (s.get(i) == c) ++count;
+    return count;
+}
+
 _eString seqText(const _eString& s) {
     _eSeq<_eString> units;
     _eSeqReader<wchar_t> reader(s);

@@ -23,5 +23,7 @@ _eString trimSpaces(const _eString& text);
 // `text` holds exactly the units of `word`; compared in place, without making a string of it.
 bool textIs(const _eString& text, std::wstring_view word);
 bool containsUnit(const _eString& s, wchar_t c);
+// How many times `c` stands in `s`.
+std::int32_t countUnits(const _eString& s, wchar_t c);
 // A string as a sequence value: "seq{a,b}".
 _eString seqText(const _eString& s);

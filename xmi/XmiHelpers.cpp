@@ -1,6 +1,7 @@
 #include "xmi/XmiHelpers.h"
 
 #include <unordered_set>
+#include <utility>
 
 #include "runtime/StringUtils.h"
 #include "xml/XMLNames.h"
@@ -41,40 +42,50 @@ _eSeq<_eString> XmiNames::words(const _eString& text) {
     return out;
 }
 
+namespace {
+
+// The meaning of the word among `words`; `otherwise` for any other word.
+template <class Meaning, std::size_t count>
+Meaning meaningOf(const _eString& text, const std::pair<const wchar_t*, Meaning> (&words)[count], Meaning otherwise) {
+    for (const auto& [word, meaning] : words)
+        if (textIs(text, word)) return meaning;
+    return otherwise;
+}
+
+}  // namespace
+
 Visibility XmiWords::visibility(const _eString& text) {
-    if (textIs(text, L"public")) return Visibility::public_;
-    if (textIs(text, L"protected")) return Visibility::protected_;
-    if (textIs(text, L"private")) return Visibility::private_;
-    if (textIs(text, L"package")) return Visibility::package;
-    return Visibility::unknown;
+    static constexpr std::pair<const wchar_t*, Visibility> words[] = {{L"public", Visibility::public_},
+                                                                      {L"protected", Visibility::protected_},
+                                                                      {L"private", Visibility::private_},
+                                                                      {L"package", Visibility::package}};
+    return meaningOf(text, words, Visibility::unknown);
 }
 
 Changeability XmiWords::changeability(const _eString& text) {
-    if (textIs(text, L"changeable")) return Changeability::changeable;
-    if (textIs(text, L"frozen")) return Changeability::frozen;
-    if (textIs(text, L"addOnly")) return Changeability::addOnly;
-    return Changeability::unknown;
+    static constexpr std::pair<const wchar_t*, Changeability> words[] = {{L"changeable", Changeability::changeable},
+                                                                         {L"frozen", Changeability::frozen},
+                                                                         {L"addOnly", Changeability::addOnly}};
+    return meaningOf(text, words, Changeability::unknown);
 }
 
 Scope XmiWords::scope(const _eString& text) {
-    if (textIs(text, L"instance")) return Scope::instance;
-    if (textIs(text, L"classifier")) return Scope::classifier;
-    return Scope::unknown;
+    static constexpr std::pair<const wchar_t*, Scope> words[] = {{L"instance", Scope::instance},
+                                                                 {L"classifier", Scope::classifier}};
+    return meaningOf(text, words, Scope::unknown);
 }
 
 Direction XmiWords::direction(const _eString& text) {
-    if (textIs(text, L"in")) return Direction::in;
-    if (textIs(text, L"out")) return Direction::out;
-    if (textIs(text, L"inout")) return Direction::inout;
-    if (textIs(text, L"return")) return Direction::result;
-    return Direction::unknown;
+    static constexpr std::pair<const wchar_t*, Direction> words[] = {
+        {L"in", Direction::in}, {L"out", Direction::out}, {L"inout", Direction::inout}, {L"return", Direction::result}};
+    return meaningOf(text, words, Direction::unknown);
 }
 
 Aggregation XmiWords::aggregation(const _eString& text) {
-    if (textIs(text, L"none")) return Aggregation::none;
-    if (textIs(text, L"aggregate")) return Aggregation::shared;
-    if (textIs(text, L"composite")) return Aggregation::composite;
-    return Aggregation::unknown;
+    static constexpr std::pair<const wchar_t*, Aggregation> words[] = {{L"none", Aggregation::none},
+                                                                       {L"aggregate", Aggregation::shared},
+                                                                       {L"composite", Aggregation::composite}};
+    return meaningOf(text, words, Aggregation::unknown);
 }
 
 bool XmiWords::flag(const _eString& text) { return textIs(text, L"true"); }

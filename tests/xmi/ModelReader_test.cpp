@@ -8,6 +8,7 @@
 #include "xmi/ModelReader.h"
 #include "xmi/Xmi1Reader.h"
 #include "xmi/Xmi2Reader.h"
+#include "xmi/XmiHelpers.h"
 #include "xml/XMLDocument.h"
 
 namespace {
@@ -179,4 +180,23 @@ TEST(ModelReader, TheTableChoosesByExtensionsAndRecognition) {
             EXPECT_EQ(read.found.inOrder.size(), rows[i].classes) << "row " << i;
         }
     }
+}
+
+// The words of XMI for properties with a fixed set of meanings: exact words only, and "shared"
+// is UML 2's, not a word of UML 1.x.
+TEST(ModelReader, WordsOfXmiAndTheirMeanings) {
+    EXPECT_EQ(XmiWords::visibility(L"public"), Visibility::public_);
+    EXPECT_EQ(XmiWords::visibility(L"package"), Visibility::package);
+    EXPECT_EQ(XmiWords::visibility(L"Public"), Visibility::unknown);
+    EXPECT_EQ(XmiWords::visibility(L"?"), Visibility::unknown);
+    EXPECT_EQ(XmiWords::changeability(L"addOnly"), Changeability::addOnly);
+    EXPECT_EQ(XmiWords::changeability(L"frozen "), Changeability::unknown);
+    EXPECT_EQ(XmiWords::scope(L"classifier"), Scope::classifier);
+    EXPECT_EQ(XmiWords::direction(L"return"), Direction::result);
+    EXPECT_EQ(XmiWords::direction(L"inout"), Direction::inout);
+    EXPECT_EQ(XmiWords::direction(L""), Direction::unknown);
+    EXPECT_EQ(XmiWords::aggregation(L"aggregate"), Aggregation::shared);
+    EXPECT_EQ(XmiWords::aggregation(L"shared"), Aggregation::unknown);
+    EXPECT_TRUE(XmiWords::flag(L"true"));
+    EXPECT_FALSE(XmiWords::flag(L"TRUE"));
 }
