@@ -4,8 +4,9 @@
 // own, so the renderer can tell a name the model lacks from a type it can't resolve. Readers of
 // each XMI dialect fill these; `ClassRenderer` alone turns them into tokens.
 //
-// Each record of a model element carries the element's id (empty where the model gives none),
-// and a class its documentation and the names of the packages it stands in.
+// Each record of a model element carries the element's id (empty where the model gives none);
+// classes, attributes and operations their documentation, and a class the names of the
+// packages it stands in.
 #pragma once
 
 #include <optional>
@@ -66,6 +67,7 @@ struct AttributeRecord {
     std::optional<_eString> initialValue;  // the body of the initial value, if there is one
     TypeRecord type;
     MultiplicityRecord multiplicity;
+    std::optional<_eString> documentation;
 };
 
 struct ParameterRecord {
@@ -84,6 +86,7 @@ struct OperationRecord {
     bool isLeaf = false;
     Scope scope = Scope::unknown;
     std::vector<ParameterRecord> parameters;  // in order, results among them
+    std::optional<_eString> documentation;
 };
 
 // One member of a class, in the order the renderer places them.

@@ -55,6 +55,8 @@ public:
     // The pairs of a class: "isLeaf" and "isAbstract".
     _eString isLeaf(const _eHndl<Context>& context) const;
     _eString isAbstract(const _eHndl<Context>& context) const;
+    // The text that documents the element, if the model gives one.
+    std::optional<_eString> documentation(const _eHndl<Context>& context) const;
     // An element built from a tag of the vocabulary, not an `UnrecognisedElement`.
     bool isRecognised() const;
 

@@ -30,10 +30,10 @@ std::optional<_eString> taggedValue(const XMLElement& element, const wchar_t* ta
     for (int i = 0, n = values.size(); i < n; ++i) {
         const XMLElement& value = *values.get(i);
         std::optional<_eString> name = value.propertyText(L"tag", L"UML:TaggedValue.tag", context);
-        if (!name) {
-            ElementSeq types = value.getContent()->childrenNamed(L"UML:TaggedValue.type");
-            TypeRecord definition = types.size() == 1 ? types.get(0)->referencedType(context) : TypeRecord();
-            if (definition.resolved() && definition.name.form == NameRecord::attribute) name = definition.name.text;
+        ElementSeq definitions = value.getContent()->elementsAtPath({L"UML:TaggedValue.type", L"UML:TagDefinition"});
+        if (!name && definitions.size() == 1 && definitions.get(0)->hasAttribute(L"xmi.idref")) {
+            _eFrom<XMLElement> definition = context->lookup(definitions.get(0)->attributeText(L"xmi.idref", context));
+            if (!definition.isNull()) name = definition->readName().text;
         }
         if (!name || !textIs(*name, tag)) continue;
         if (std::optional<_eString> text = value.propertyText(L"value", L"UML:TaggedValue.value", context)) return text;
@@ -43,15 +43,15 @@ std::optional<_eString> taggedValue(const XMLElement& element, const wchar_t* ta
     return std::nullopt;
 }
 
+}  // namespace
+
 // What documents an element: its tagged value "documentation", else the "comment" attribute
 // that some exporters write.
-std::optional<_eString> documentationOf(const XMLElement& element, const _eHndl<Context>& context) {
-    if (std::optional<_eString> text = taggedValue(element, L"documentation", context)) return text;
-    if (element.hasAttribute(L"comment")) return element.attributeText(L"comment", context);
+std::optional<_eString> XMLElement::documentation(const _eHndl<Context>& context) const {
+    if (std::optional<_eString> text = taggedValue(*this, L"documentation", context)) return text;
+    if (hasAttribute(L"comment")) return attributeText(L"comment", context);
     return std::nullopt;
 }
-
-}  // namespace
 
 bool Xmi1Reader::readsDocument() const { return root->getName() == _eString(L"XMI"); }
 
@@ -63,7 +63,7 @@ bool Xmi1Reader::isPackage(const XMLElement& element) const {
 
 ClassRecord Xmi1Reader::readClass(const FoundClass& found, const _eHndl<Context>& context) const {
     ClassRecord record = FCClassElement::readClass(*found.element, context);
-    record.documentation = documentationOf(*found.element, context);
+    record.documentation = found.element->documentation(context);
     record.packagePath = found.packagePath;
     return record;
 }
@@ -151,6 +151,7 @@ AttributeRecord FCAttributeElement::read(const _eHndl<Context>& context) const {
         record.initialValue = expressions.get(0)->propertyText(L"body", L"UML:Expression.body", context);
     record.type = readType(L"UML:StructuralFeature.type", context);
     record.multiplicity = readMultiplicity(L"UML:StructuralFeature.multiplicity", context);
+    record.documentation = documentation(context);
     return record;
 }
 
@@ -164,6 +165,7 @@ OperationRecord FCOperationElement::read(const _eHndl<Context>& context) const {
     record.scope = XmiWords::scope(attributeOrSubElement(L"ownerScope", L"UML:Feature.ownerScope", context));
     ElementSeq all = getContent()->elementsAtPath({L"UML:BehavioralFeature.parameter", L"UML:Parameter"});
     for (int i = 0, n = all.size(); i < n; ++i) record.parameters.push_back(readParameter(*all.get(i), context));
+    record.documentation = documentation(context);
     return record;
 }
 

@@ -220,6 +220,7 @@ AttributeRecord Xmi2Reader::readAttribute(const XMLElement& element) const {
     record.initialValue = defaultValue(element);
     record.type = readReference(element, L"type");
     record.multiplicity = readMultiplicity(element);
+    record.documentation = vocabulary.documentation(element);
     return record;
 }
 
@@ -248,6 +249,7 @@ OperationRecord Xmi2Reader::readOperation(const XMLElement& element) const {
     record.scope = XmiWords::flag(vocabulary.property(element, L"isStatic", L"false")) ? Scope::classifier : Scope::instance;
     ElementSeq parameters = vocabulary.properties(element, L"ownedParameter");
     for (int i = 0, n = parameters.size(); i < n; ++i) record.parameters.push_back(readParameter(*parameters.get(i)));
+    record.documentation = vocabulary.documentation(element);
     return record;
 }
 

@@ -100,15 +100,15 @@ TEST(ClassRenderer, ClassDeclarationFromRecords) {
     account.isAbstract = true;
     account.id = L"a1";
     account.features.emplace_back(AttributeRecord{L"1", attributeName(L"limit"), Visibility::protected_,
-                                                  Changeability::frozen, L"'x'", named(L"int"), {}});
+                                                  Changeability::frozen, L"'x'", named(L"int"), {}, {}});
     account.features.emplace_back(AttributeRecord{L"2", attributeName(L"spare"), Visibility::package,
-                                                  Changeability::frozen, std::nullopt, named(L"int"), {}});
+                                                  Changeability::frozen, std::nullopt, named(L"int"), {}, {}});
     account.features.emplace_back(OperationRecord{L"3", attributeName(L"Account"), Visibility::public_, true, false,
-                                                  Scope::instance, {{L"4", attributeName(L"v"), Direction::out, named(L"int"), false}}});
+                                                  Scope::instance, {{L"4", attributeName(L"v"), Direction::out, named(L"int"), false}}, {}});
     account.features.emplace_back(OperationRecord{L"5", attributeName(L"total"), Visibility::private_, false, true,
                                                   Scope::unknown,
                                                   {{L"6", attributeName(L"r"), Direction::result, named(L"real"), false},
-                                                   {L"7", attributeName(L"q"), Direction::result, named(L"void"), true}}});
+                                                   {L"7", attributeName(L"q"), Direction::result, named(L"void"), true}}, {}});
     AssociationEndRecord own;
     own.isNavigable = false;
     own.aggregation = Aggregation::composite;
@@ -140,7 +140,7 @@ TEST(ClassRenderer, ClassDeclarationFromRecords) {
               L"final class ?[[Missing_Element_'UML:ModelElement.name']] ^= interface end ;");
     // Members in the confined part alone: no empty interface follows them.
     empty.features.emplace_back(OperationRecord{L"", attributeName(L"reset"), Visibility::protected_, false, false,
-                                                Scope::unknown, {}});
+                                                Scope::unknown, {}, {}});
     EXPECT_EQ(joined(ClassRenderer::classDeclaration(empty)),
               L"final class ?[[Missing_Element_'UML:ModelElement.name']] ^= confined schema ! reset post ? ; end ;");
 }
@@ -165,10 +165,10 @@ ClassRecord ledger(const wchar_t* attributeName) {
     record.name = NameRecord::plain(L"Ledger");
     record.parents = {{L"g", named(L"Book")}};
     record.features.emplace_back(AttributeRecord{L"a", NameRecord::plain(attributeName), Visibility::public_,
-                                                 Changeability::changeable, std::nullopt, TypeRecord(), {}});
+                                                 Changeability::changeable, std::nullopt, TypeRecord(), {}, {}});
     record.features.emplace_back(OperationRecord{L"o", NameRecord::plain(L"post"), Visibility::protected_, false, false,
                                                  Scope::instance, {{L"p", NameRecord::plain(L"amount"), Direction::in,
-                                                                    named(L"int"), false}}});
+                                                                    named(L"int"), false}}, {}});
     return record;
 }
 

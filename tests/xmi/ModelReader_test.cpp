@@ -45,7 +45,10 @@ const char* const xmi1 =
     "<UML:ModelElement.taggedValue><UML:TaggedValue tag='author' value='me'/>"
     "<UML:TaggedValue tag='documentation' value='Money kept.'/></UML:ModelElement.taggedValue>"
     "<UML:Classifier.feature>"
-    "<UML:Attribute xmi.id='a' name='balance' visibility='private' changeability='frozen'></UML:Attribute>"
+    "<UML:Attribute xmi.id='a' name='balance' visibility='private' changeability='frozen'>"
+    "<UML:ModelElement.taggedValue><UML:TaggedValue><UML:TaggedValue.type><UML:TagDefinition xmi.idref='td'/>"
+    "</UML:TaggedValue.type><UML:TaggedValue.dataValue>In cents.</UML:TaggedValue.dataValue></UML:TaggedValue>"
+    "</UML:ModelElement.taggedValue></UML:Attribute>"
     "<UML:Operation xmi.id='o' name='deposit' visibility='public' ownerScope='classifier' isAbstract='true'>"
     "<UML:BehavioralFeature.parameter><UML:Parameter xmi.id='r' name='amount' kind='inout'/>"
     "</UML:BehavioralFeature.parameter></UML:Operation>"
@@ -56,6 +59,7 @@ const char* const xmi1 =
     "<UML:Class xmi.id='b' name='Base' comment='The root.'/>"
     "</UML:Namespace.ownedElement></UML:Package>"
     "<UML:Class xmi.id='t' name='Top'><UML:Namespace.ownedElement/></UML:Class>"
+    "<UML:TagDefinition xmi.id='td' name='documentation'/>"
     "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>";
 
 }  // namespace
@@ -76,6 +80,8 @@ TEST(ModelReader, Xmi1RecordsCarryIdsDocumentationAndPackages) {
     EXPECT_EQ(balance.visibility, Visibility::private_);
     EXPECT_EQ(balance.changeability, Changeability::frozen);
     EXPECT_FALSE(balance.initialValue.has_value());
+    ASSERT_TRUE(balance.documentation.has_value());
+    EXPECT_EQ(w(*balance.documentation), L"In cents.");
     EXPECT_EQ(balance.type.kind, TypeRecord::none);
     const auto& deposit = std::get<OperationRecord>(account.features[1]);
     EXPECT_EQ(w(deposit.id), L"o");
@@ -111,7 +117,7 @@ TEST(ModelReader, Xmi2RecordsCarryIdsDocumentationAndPackages) {
         "<generalization xmi:id='g' general='b'/>"
         "<ownedAttribute xmi:id='a' name='total' isReadOnly='true' visibility='protected'>"
         "<type href='pathmap://UML_LIBRARIES/UMLPrimitiveTypes.library.uml#Integer'/></ownedAttribute>"
-        "<ownedOperation xmi:id='o' name='add' isStatic='true'>"
+        "<ownedOperation xmi:id='o' name='add' isStatic='true'><ownedComment body='Adds one.'/>"
         "<ownedParameter xmi:id='r' name='n' direction='out' type='b'/></ownedOperation>"
         "</packagedElement></packagedElement>"
         "<packagedElement xmi:type='uml:Class' xmi:id='b' name='Base' isLeaf='true'/>"
@@ -139,9 +145,12 @@ TEST(ModelReader, Xmi2RecordsCarryIdsDocumentationAndPackages) {
     EXPECT_EQ(total.changeability, Changeability::frozen);
     EXPECT_EQ(total.type.kind, TypeRecord::library);
     EXPECT_EQ(w(total.type.name.text), L"Integer");
+    EXPECT_FALSE(total.documentation.has_value());
     const auto& add = std::get<OperationRecord>(cart.features.at(1));
     EXPECT_EQ(w(add.id), L"o");
     EXPECT_EQ(add.scope, Scope::classifier);
+    ASSERT_TRUE(add.documentation.has_value());
+    EXPECT_EQ(w(*add.documentation), L"Adds one.");
     EXPECT_EQ(add.visibility, Visibility::public_);
     ASSERT_EQ(add.parameters.size(), 1u);
     EXPECT_EQ(w(add.parameters[0].id), L"r");
