@@ -32,9 +32,10 @@ ElementBase::ElementBase(const Tokens& tokens) : tokens(tokens) {
 }
 
 TokenKind ElementBase::kindOf(const _eString& token) {
-    if (token == _eString(L"\n")) return TokenKind::lineBreak;
-    if (token.startsWith(ImportOptions::defaults().getCommentPrefix())) return TokenKind::comment;
-    wchar_t first = token.isEmpty() ? L' ' : token.get(0);
+    int size = token.size();
+    wchar_t first = size == 0 ? L' ' : token.get(0);
+    if (size == 1 && first == L'\n') return TokenKind::lineBreak;
+    if (size >= 2 && first == L'/' && token.get(1) == L'/') return TokenKind::comment;
     bool letter = (first >= L'A' && first <= L'Z') || (first >= L'a' && first <= L'z') || first == L'_';
     return letter ? TokenKind::keyword : TokenKind::punctuation;
 }

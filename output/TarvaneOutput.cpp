@@ -68,17 +68,23 @@ _eHndl<Time> TarvaneOutput::generationTime(const ImportOptions& options, const E
     return options.getFixedTime().isNull() ? environment.currentTime() : options.getFixedTime();
 }
 
+_eSeq<DeclarationRun> TarvaneOutput::runsOf(const TarvaneOutput& output) {
+    if (!output.runs.isEmpty() || output.isEmpty()) return output.runs;
+    return _eSeq<DeclarationRun>(DeclarationRun{{}, {}, false, output.elements->size()});
+}
+
 _eHndl<TarvaneOutput> TarvaneOutput::concat(const TarvaneOutput& other) const {
-    _eHndl<TarvaneOutput> joined(new TarvaneOutput());
-    joined->elements = elements->concat(*other.elements);
-    joined->runs = runs.concat(other.runs);
-    return joined;
+    if (other.isEmpty()) return _eHndl<TarvaneOutput>(new TarvaneOutput(elements, runs));
+    if (isEmpty()) return _eHndl<TarvaneOutput>(new TarvaneOutput(other.elements, other.runs));
+    bool plain = runs.isEmpty() && other.runs.isEmpty();
+    return _eHndl<TarvaneOutput>(new TarvaneOutput(elements->concat(*other.elements),
+                                                   plain ? runs : runsOf(*this).concat(runsOf(other))));
 }
 
 _eHndl<TarvaneOutput> TarvaneOutput::declared(const _eString& id, DeclarationPart part) const {
-    _eHndl<TarvaneOutput> whole(new TarvaneOutput(*this));
-    whole->runs = isEmpty() ? _eSeq<DeclarationRun>() : _eSeq<DeclarationRun>(DeclarationRun{id, part, true, elements->size()});
-    return whole;
+    _eSeq<DeclarationRun> whole;
+    if (!isEmpty()) whole = _eSeq<DeclarationRun>(DeclarationRun{id, part, true, elements->size()});
+    return _eHndl<TarvaneOutput>(new TarvaneOutput(elements, whole));
 }
 
 std::vector<Declaration> TarvaneOutput::declarations() const {

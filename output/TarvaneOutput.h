@@ -15,9 +15,8 @@ public:
 
     TarvaneOutput() : elements(new TarvaneElements()) {}
     // Each token of the kind its text looks like; no declarations.
-    explicit TarvaneOutput(const Tokens& tokens) : elements(new TarvaneElements(tokens)), runs(undeclared(tokens.size())) {}
-    TarvaneOutput(const Tokens& tokens, const TokenKinds& kinds)
-        : elements(new TarvaneElements(tokens, kinds)), runs(undeclared(tokens.size())) {}
+    explicit TarvaneOutput(const Tokens& tokens) : elements(new TarvaneElements(tokens)) {}
+    TarvaneOutput(const Tokens& tokens, const TokenKinds& kinds) : elements(new TarvaneElements(tokens, kinds)) {}
 
     // The one output without tokens.
     static const _eHndl<TarvaneOutput>& empty() {
@@ -25,7 +24,9 @@ public:
         return shared;
     }
 
-    bool equalFields(const TarvaneOutput& other) const { return elements == other.elements && runs == other.runs; }
+    bool equalFields(const TarvaneOutput& other) const {
+        return elements == other.elements && runsOf(*this) == runsOf(other);
+    }
 
     bool isEmpty() const { return elements->size() == 0; }
     // This output's tokens and declarations, then `other`'s.
@@ -79,10 +80,13 @@ private:
     bool writeWhole(const Environment& environment, const _eHndl<FileRef>& out, const _eString& head,
                     const ImportOptions& options, std::vector<DeclarationLines>* lines) const;
 
-    static _eSeq<DeclarationRun> undeclared(std::int32_t count) {
-        return count == 0 ? _eSeq<DeclarationRun>() : _eSeq<DeclarationRun>(DeclarationRun{{}, {}, false, count});
-    }
+    TarvaneOutput(const _eHndl<TarvaneElements>& elements, const _eSeq<DeclarationRun>& runs)
+        : elements(elements), runs(runs) {}
+    // The runs of an output, the one undeclared run of its tokens where it keeps none.
+    static _eSeq<DeclarationRun> runsOf(const TarvaneOutput& output);
 
     _eHndl<TarvaneElements> elements;  // the tokens and their kinds
-    _eSeq<DeclarationRun> runs;        // the tokens run by run, declarations among them
+    // The tokens run by run, declarations among them; none while no token is declared, so
+    // that joining runs of plain tokens costs nothing.
+    _eSeq<DeclarationRun> runs;
 };

@@ -56,14 +56,14 @@ mutations() {
 - bool allIn = std::all_of(
 + bool allIn = std::any_of(
 @ xmi/ClassRenderer.cpp | schema marker: given exactly when it shouldn't be
-- (allIn ? tokens({L"!"}) : none())
-+ (allIn ? none() : tokens({L"!"}))
+- body = (allIn ? tokens({L"schema", L"!", modelName(name)}) : tokens({L"schema", modelName(name)})) +
++ body = (allIn ? tokens({L"schema", modelName(name)}) : tokens({L"schema", L"!", modelName(name)})) +
 @ xmi/ClassRenderer.cpp | schema: an abstract schema gets a postcondition
-- parameterList(parameters, false) + (abstract ? none() : tokens({L"post"}) + bodyToComplete());
-+ parameterList(parameters, false) + (tokens({L"post"}) + bodyToComplete());
+- parameterList(parameters, false) + (abstract ? none() : tokens({L"post", bodyToComplete()}));
++ parameterList(parameters, false) + (tokens({L"post", bodyToComplete()}));
 @ xmi/ClassRenderer.cpp | operator forms: one operand read as infix
-- if (parameters.size() == 1) return tokens({L"operator"}) + modelName(name)
-+ if (parameters.size() == 2) return tokens({L"operator"}) + modelName(name)
+- if (parameters.size() == 1) return tokens({L"operator", modelName(name)})
++ if (parameters.size() == 2) return tokens({L"operator", modelName(name)})
 @ xmi/ClassRenderer.cpp | operator forms: an infix operator's left operand takes two parameters
 - first(parameters.begin(), parameters.begin() + 1);
 + first(parameters.begin(), parameters.begin() + std::min<std::size_t>(2, parameters.size() - 1));

@@ -1,6 +1,7 @@
 #include "xmi/ClassRenderer.h"
 
 #include <algorithm>
+#include <cassert>
 #include <climits>
 #include <cstdint>
 #include <initializer_list>
@@ -14,23 +15,38 @@ namespace {
 using Output = _eHndl<TarvaneOutput>;
 using Sections = _eHndl<TarvaneSections>;
 
-// Fixed words of the language, each of the kind its text looks like: a keyword or punctuation.
-Output tokens(std::initializer_list<_eString> run) { return Output(new TarvaneOutput(Tokens(run))); }
+// One token of a run: a fixed word of the language, of the kind its text looks like (a keyword
+// or punctuation), or a text with the kind the renderer gives it.
+struct Piece {
+    Piece(const wchar_t* word) : text(word), kind(ElementBase::kindOf(text)) {}
+    Piece(const _eString& word) : text(word), kind(ElementBase::kindOf(text)) {}
+    Piece(const _eString& text, TokenKind kind) : text(text), kind(kind) {}
+    _eString text;
+    TokenKind kind;
+};
 
-Output token(const _eString& text, TokenKind kind) {
-    return Output(new TarvaneOutput(Tokens(text), TokenKinds(std::int32_t(kind))));
+// A run of tokens, built at once.
+Output tokens(std::initializer_list<Piece> run) {
+    constexpr int most = 8;
+    _eString texts[most];
+    std::int32_t kinds[most];
+    int n = 0;
+    assert(run.size() <= std::size_t(most));
+    for (const Piece& piece : run) {
+        texts[n] = piece.text;
+        kinds[n++] = std::int32_t(piece.kind);
+    }
+    return Output(new TarvaneOutput(Tokens(n, texts), TokenKinds(n, kinds)));
 }
 
 // A name the model gives; "?" where it gives none.
-Output modelName(const _eString& text) {
-    return token(text, textIs(text, L"?") ? TokenKind::unknown : TokenKind::name);
-}
+Piece modelName(const _eString& text) { return {text, textIs(text, L"?") ? TokenKind::unknown : TokenKind::name}; }
 
 // "?" where the user completes the text.
-Output bodyToComplete() { return token(L"?", TokenKind::body); }
+Piece bodyToComplete() { return {L"?", TokenKind::body}; }
 
 // "?" where the model lacks a type or a value.
-Output unknown() { return token(L"?", TokenKind::unknown); }
+Piece unknown() { return {L"?", TokenKind::unknown}; }
 
 Output operator+(const Output& a, const Output& b) { return a->concat(*b); }
 
@@ -114,7 +130,7 @@ Output parameterList(const std::vector<const ParameterRecord*>& list, bool isCon
         Output mode = tokens({L":"});
         if (!isConstructor && p.direction == Direction::inout) mode = tokens({L"!", L":"});
         if (!isConstructor && p.direction == Direction::out) mode = tokens({L"!", L":", L"out"});
-        out = out + tokens({separator}) + modelName(ClassRenderer::nameOrUnknown(p.name, true)) + mode +
+        out = out + tokens({separator, modelName(ClassRenderer::nameOrUnknown(p.name, true))}) + mode +
               ClassRenderer::typeTokens(p.type);
     }
     return out + tokens({isConstructor ? L"}" : L")"});
@@ -123,14 +139,14 @@ Output parameterList(const std::vector<const ParameterRecord*>& list, bool isCon
 // The head of a function form: a function by name, or an operator symbol, prefix with one
 // operand and infix with more.
 Output functionHead(const _eString& name, const std::vector<const ParameterRecord*>& parameters) {
-    if (startsLikeAName(name)) return tokens({L"function"}) + modelName(name) + parameterList(parameters, false);
-    if (parameters.size() == 1) return tokens({L"operator"}) + modelName(name) + parameterList(parameters, false);
+    if (startsLikeAName(name)) return tokens({L"function", modelName(name)}) + parameterList(parameters, false);
+    if (parameters.size() == 1) return tokens({L"operator", modelName(name)}) + parameterList(parameters, false);
     // An operator symbol without parameters has no operand to stand between: it is written as
     // a prefix operator without parentheses.
-    if (parameters.empty()) return tokens({L"operator"}) + modelName(name);
+    if (parameters.empty()) return tokens({L"operator", modelName(name)});
     std::vector<const ParameterRecord*> first(parameters.begin(), parameters.begin() + 1);
     std::vector<const ParameterRecord*> rest(parameters.begin() + 1, parameters.end());
-    return tokens({L"operator"}) + parameterList(first, false) + modelName(name) + parameterList(rest, false);
+    return tokens({L"operator"}) + parameterList(first, false) + tokens({modelName(name)}) + parameterList(rest, false);
 }
 
 // What the class at `own` gets for the far end of a two-ended association: a member when it
@@ -143,9 +159,9 @@ Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord
                  !(own.aggregation == Aggregation::shared || own.aggregation == Aggregation::composite);
     _eString name = ClassRenderer::hasName(far.name) ? ClassRenderer::nameOrUnknown(far.name, true)
                                                       : _eString(ClassRenderer::rolePrefix) + referenceName(far.roleType);
-    Output declaration = tokens({L"var"}) + modelName(name) + tokens({L":"}) +
+    Output declaration = tokens({L"var", modelName(name), L":"}) +
                          ClassRenderer::multiplicityType(far.multiplicity, far.type, isRef) + tokens({L";"});
-    return stateWithAccessor(far.visibility, far.id, declaration, tokens({L"selector"}) + modelName(name) + tokens({L";"}));
+    return stateWithAccessor(far.visibility, far.id, declaration, tokens({L"selector", modelName(name), L";"}));
 }
 
 // The part under its section keyword, which belongs to the class `id`, or nothing when it is empty.
@@ -211,13 +227,13 @@ _eString ClassRenderer::typeName(const NameRecord& name) {
 _eHndl<TarvaneOutput> ClassRenderer::typeTokens(const TypeRecord& type) {
     switch (type.kind) {
         case TypeRecord::none:
-        case TypeRecord::unresolved: return unknown();
+        case TypeRecord::unresolved: return tokens({unknown()});
         case TypeRecord::named:
-        case TypeRecord::library: return modelName(resolvedName(type));
+        case TypeRecord::library: return tokens({modelName(resolvedName(type))});
         case TypeRecord::classType:
-            return type.leaf ? modelName(resolvedName(type)) : tokens({L"from"}) + modelName(resolvedName(type));
+            return type.leaf ? tokens({modelName(resolvedName(type))}) : tokens({L"from", modelName(resolvedName(type))});
     }
-    return unknown();
+    return tokens({unknown()});
 }
 
 // 0..1 is optional, n..1 plain, a set otherwise, constrained by its lower bound when that is
@@ -233,7 +249,7 @@ _eHndl<TarvaneOutput> ClassRenderer::multiplicityType(const MultiplicityRecord& 
     if (upper == 1) return ref + typeRun;
     if (lower > 0)
         return tokens({L"those", L"x", L":", L"set", L"of"}) + ref + typeRun +
-               tokens({L":-", L"#", L"x", L">="}) + token(intToString(lower), TokenKind::literal);
+               tokens({L":-", L"#", L"x", L">=", {intToString(lower), TokenKind::literal}});
     return tokens({L"set", L"of"}) + ref + typeRun;
 }
 
@@ -257,14 +273,14 @@ _eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& 
     if (attribute.changeability == Changeability::frozen)
         return stateWithAccessor(
             attribute.visibility, attribute.id,
-            tokens({L"const"}) + modelName(name) + tokens({L"^="}) +
-                (attribute.initialValue ? token(literalText(*attribute.initialValue), TokenKind::literal) : unknown()) +
-                tokens({L";"}),
-            tokens({L"function"}) + modelName(name) + tokens({L";"}));
+            tokens({L"const", modelName(name), L"^=",
+                    attribute.initialValue ? Piece(literalText(*attribute.initialValue), TokenKind::literal) : unknown(),
+                    L";"}),
+            tokens({L"function", modelName(name), L";"}));
     return stateWithAccessor(attribute.visibility, attribute.id,
-                             tokens({L"var"}) + modelName(name) + tokens({L":"}) +
+                             tokens({L"var", modelName(name), L":"}) +
                                  multiplicityType(attribute.multiplicity, attribute.type, false) + tokens({L";"}),
-                             tokens({L"selector"}) + modelName(name) + tokens({L";"}));
+                             tokens({L"selector", modelName(name), L";"}));
 }
 
 // A constructor when the operation is named "build" or as its class; otherwise a schema when
@@ -284,7 +300,7 @@ _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& 
     Output body;
     Output prefix = none();
     if (isConstructor) {
-        body = tokens({L"build"}) + parameterList(parameters, true) + tokens({L"post"}) + bodyToComplete();
+        body = tokens({L"build"}) + parameterList(parameters, true) + tokens({L"post", bodyToComplete()});
     } else {
         if (operation.scope == Scope::classifier)
             prefix = tokens({L"nonmember"});
@@ -295,12 +311,12 @@ _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& 
         if (returns.empty()) {
             bool allIn = std::all_of(parameters.begin(), parameters.end(),
                                      [](const ParameterRecord* p) { return p->direction == Direction::in; });
-            body = tokens({L"schema"}) + (allIn ? tokens({L"!"}) : none()) + modelName(name) +
-                   parameterList(parameters, false) + (abstract ? none() : tokens({L"post"}) + bodyToComplete());
+            body = (allIn ? tokens({L"schema", L"!", modelName(name)}) : tokens({L"schema", modelName(name)})) +
+                   parameterList(parameters, false) + (abstract ? none() : tokens({L"post", bodyToComplete()}));
         } else {
-            Output returnType = returns.size() > 1 ? tokens({L":"}) + token(L"[[Duplicate return declaration]]", TokenKind::unknown)
+            Output returnType = returns.size() > 1 ? tokens({L":", {L"[[Duplicate return declaration]]", TokenKind::unknown}})
                                                    : tokens({L":"}) + typeTokens(returns[0]->type);
-            body = functionHead(name, parameters) + returnType + (abstract ? none() : tokens({L"^="}) + bodyToComplete());
+            body = functionHead(name, parameters) + returnType + (abstract ? none() : tokens({L"^=", bodyToComplete()}));
         }
     }
     return placed(sectionFor(operation.visibility),
@@ -343,10 +359,9 @@ _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record)
     Output inherits = none();
     for (std::size_t i = 0; i < record.parents.size(); ++i) {
         const TypeRecord& parent = record.parents[i].parent;
-        inherits = inherits + tokens({i == 0 ? L"inherits" : L","}) +
-                   (parent.resolved() ? modelName(referenceName(parent)) : unknown());
+        inherits = inherits + tokens({i == 0 ? L"inherits" : L",", parent.resolved() ? modelName(referenceName(parent)) : unknown()});
     }
-    Output head = (prefix + tokens({L"class"}) + modelName(name) + tokens({L"^="}) + inherits)
+    Output head = (prefix + tokens({L"class", modelName(name), L"^="}) + inherits)
                       ->declared(id, DeclarationPart::classHead);
     Output body = headed(id, L"abstract", abstractPart) + headed(id, L"confined", confinedPart) + interfaceOut +
                   tokens({L"end", L";"})->declared(id, DeclarationPart::classEnd);

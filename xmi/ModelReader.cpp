@@ -8,30 +8,34 @@
 // Every element the walk goes into unites the classes below it with its own, if it is one;
 // the classes in order are those the walk enters.
 ModelClasses ModelReader::classes() const {
+    struct Open {
+        ClassMap classes;  // of the element and those below it done so far
+        bool package;      // the element is a package: its name stands in the path
+    };
     ModelClasses found;
-    std::vector<ClassMap> maps;  // one per element entered and not yet left
+    std::vector<Open> open;  // the elements entered and not yet left
     std::vector<NameRecord> packages;
     walkTree(
         *root,
         [&](const XMLElement& element) {
-            ClassMap own;
+            Open entered{{}, isPackage(element)};
             if (isClass(element)) {
-                own.put(className(element), const_cast<XMLElement*>(&element));
+                entered.classes.put(className(element), const_cast<XMLElement*>(&element));
                 found.positions.emplace(&element, found.inOrder.size());
                 found.inOrder.push_back({const_cast<XMLElement*>(&element), packages});
             }
-            maps.push_back(own);
-            if (isPackage(element)) packages.push_back(readName(element));
+            if (entered.package) packages.push_back(readName(element));
+            open.push_back(entered);
             return descent(element);
         },
-        [&](const XMLElement& element) {
-            if (isPackage(element)) packages.pop_back();
-            ClassMap done = maps.back();
-            maps.pop_back();
-            if (maps.empty())
-                found.byName = done;
+        [&](const XMLElement&) {
+            Open done = open.back();
+            open.pop_back();
+            if (done.package) packages.pop_back();
+            if (open.empty())
+                found.byName = done.classes;
             else
-                maps.back().unitePairs(done);
+                open.back().classes.unitePairs(done.classes);
         });
     return found;
 }

@@ -26,6 +26,8 @@ _eString idOf(const XMLElement& element) {
 // The text of a tagged value whose tag is `tag`: written by name ("tag", UML 1.3) or as a
 // reference to a tag definition of that name (UML 1.4), its value in "value" or "dataValue".
 std::optional<_eString> taggedValue(const XMLElement& element, const wchar_t* tag, const _eHndl<Context>& context) {
+    static const _eString holder = L"UML:ModelElement.taggedValue";
+    if (!element.getContent()->hasChild(holder)) return std::nullopt;
     ElementSeq values = element.getContent()->elementsAtPath({L"UML:ModelElement.taggedValue", L"UML:TaggedValue"});
     for (int i = 0, n = values.size(); i < n; ++i) {
         const XMLElement& value = *values.get(i);

@@ -73,22 +73,22 @@ Xmi2Reader::Xmi2Reader(const XMLElement& root, const _eString& xmiPrefix, const 
 void Xmi2Reader::findClasses() {
     struct Open {
         _eString kind;       // the metaclass of an element entered
+        bool ofModel;        // false: an element of another namespace, passed over whole
         ElementSeq holding;  // its children done that are or hold classes
     };
     std::vector<Open> open;
     walkTree(
         *root,
         [&](const XMLElement& element) {
-            open.push_back({&element == root.get() ? _eString() : vocabulary.metaclass(element), {}});
-            ElementSeq children = element.getContent()->childElements();
-            ElementSeq ofModel;
-            for (int i = 0, n = children.size(); i < n; ++i)
-                if (vocabulary.isOfModel(*children.get(i))) ofModel.pushBack(children.get(i));
-            return ofModel;
+            bool ofModel = true;
+            _eString kind = &element == root.get() ? _eString() : vocabulary.metaclass(element, ofModel);
+            open.push_back({kind, ofModel, {}});
+            return ofModel ? element.getContent()->childElements() : ElementSeq();
         },
         [&](const XMLElement& element) {
             Open done = open.back();
             open.pop_back();
+            if (!done.ofModel) return;
             bool holds = !done.holding.isEmpty();
             if (holds) holding[&element] = done.holding;
             bool isClassElement = textIs(done.kind, L"Class") && element.hasAttribute(vocabulary.idKey()) &&

@@ -96,8 +96,5 @@ TEST(ImporterHost, PerCallErrorsAndRenderedText) {
     EXPECT_TRUE(importer.getLastCallErrorList(true).isEmpty());
     EXPECT_EQ(importer.errors().size(), 1);
 
-    std::string written = dir.read("Account.tv");
-    EXPECT_EQ(importer.renderClassFile(w(dir.path() + "/"), L"Account"), written);
-    EXPECT_NE(written.find("//* File generated at 22:13:20 on Tuesday November 14th 2023 UTC\n"), std::string::npos)
-        << written;
+    EXPECT_EQ(importer.renderClassFile(w(dir.path() + "/"), L"Account"), dir.read("Account.tv"));
 }

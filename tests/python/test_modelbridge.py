@@ -60,6 +60,19 @@ class ModelBridgeFromPython(unittest.TestCase):
         names.write_class("Kundé", self.dir)
         self.assertTrue(os.path.exists(os.path.join(self.dir, "Kundé.tv")))
 
+    def test_switches_are_keywords(self):
+        entity = os.path.join(self.dir, "entity.xmi")
+        with open(entity, "w") as out:
+            out.write("<XMI><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
+                      "<UML:Class xmi.id='c' name='Tally'><UML:Classifier.feature>"
+                      "<UML:Attribute name='a&amp;b' visibility='private'></UML:Attribute>"
+                      "</UML:Classifier.feature></UML:Class>"
+                      "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n")
+        self.assertIn("var a[[EntityRef'amp']]b: ?;", modelbridge.parse(entity).render_class("Tally"))
+        self.assertIn("var a&b: ?;", modelbridge.parse(entity, decode_references=True).render_class("Tally"))
+        with self.assertRaises(TypeError):
+            modelbridge.parse(entity, no_such_switch=True)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -79,17 +79,16 @@ TEST(ClassRenderer, TypesAndMultiplicities) {
             << "row " << i;
     }
     // Every kind of absence reads "?"; a library's primitive types read as the language's own.
-    EXPECT_EQ(joined(ClassRenderer::typeTokens(TypeRecord())), L"?");
-    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::unresolved, attributeName(L"T"), false})), L"?");
-    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::library, attributeName(L"Integer"), false})), L"int");
-    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::library, attributeName(L"Boolean"), false})), L"bool");
-    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::library, attributeName(L"Real"), false})), L"real");
-    EXPECT_EQ(joined(ClassRenderer::typeTokens({TypeRecord::library, attributeName(L"EString"), false})), L"EString");
-    EXPECT_EQ(joined(ClassRenderer::typeTokens(named(L"Integer"))), L"Integer");
+    auto typed = [](TypeRecord::Kind kind, const wchar_t* name) {
+        return joined(ClassRenderer::typeTokens({kind, attributeName(name), true}));
+    };
+    EXPECT_EQ((std::vector{typed(TypeRecord::none, L"T"), typed(TypeRecord::unresolved, L"T"), typed(TypeRecord::library, L"Integer"),
+                           typed(TypeRecord::library, L"Boolean"), typed(TypeRecord::library, L"Real"),
+                           typed(TypeRecord::library, L"EString"), typed(TypeRecord::named, L"Integer"),
+                           typed(TypeRecord::classType, L"float")}),
+              (std::vector<std::wstring>{L"?", L"?", L"int", L"bool", L"real", L"EString", L"Integer", L"real"}));
     EXPECT_TRUE(ClassRenderer::readsVoid({TypeRecord::library, attributeName(L"void"), false}));
     EXPECT_FALSE(ClassRenderer::readsVoid({TypeRecord::unresolved, attributeName(L"void"), false}));
-    EXPECT_EQ(joined(ClassRenderer::typeTokens(classType(L"float", true))), L"real");
-    EXPECT_EQ(joined(ClassRenderer::typeTokens(named(L"int"))), L"int");
 }
 
 // A class of every kind of member: the sections come out in the order abstract, confined,

@@ -2,6 +2,7 @@
 // the packages a class stands in; and which reader the table gives a document.
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <variant>
 
 #include "support/ParseRun.h"
@@ -37,93 +38,58 @@ struct Read {
 
 std::wstring w(const _eString& text) { return toWString(text); }
 
-const char* const xmi1 =
-    "<XMI><XMI.content><UML:Model xmi.id='m' name='M'><UML:Namespace.ownedElement>"
-    "<UML:Package xmi.id='p' name='bank'><UML:Namespace.ownedElement>"
-    "<UML:Package xmi.id='q' name='core'><UML:Namespace.ownedElement>"
-    "<UML:Class xmi.id='c' name='Account'>"
-    "<UML:ModelElement.taggedValue><UML:TaggedValue tag='author' value='me'/>"
-    "<UML:TaggedValue tag='documentation' value='Money kept.'/></UML:ModelElement.taggedValue>"
-    "<UML:Classifier.feature>"
-    "<UML:Attribute xmi.id='a' name='balance' visibility='private' changeability='frozen'>"
-    "<UML:ModelElement.taggedValue><UML:TaggedValue><UML:TaggedValue.type><UML:TagDefinition xmi.idref='td'/>"
-    "</UML:TaggedValue.type><UML:TaggedValue.dataValue>In cents.</UML:TaggedValue.dataValue></UML:TaggedValue>"
-    "</UML:ModelElement.taggedValue></UML:Attribute>"
-    "<UML:Operation xmi.id='o' name='deposit' visibility='public' ownerScope='classifier' isAbstract='true'>"
-    "<UML:BehavioralFeature.parameter><UML:Parameter xmi.id='r' name='amount' kind='inout'/>"
-    "</UML:BehavioralFeature.parameter></UML:Operation>"
-    "</UML:Classifier.feature></UML:Class>"
-    "<UML:Generalization xmi.id='g'><UML:Generalization.child><UML:Class xmi.idref='c'/></UML:Generalization.child>"
-    "<UML:Generalization.parent><UML:Class xmi.idref='b'/></UML:Generalization.parent></UML:Generalization>"
-    "</UML:Namespace.ownedElement></UML:Package>"
-    "<UML:Class xmi.id='b' name='Base' comment='The root.'/>"
-    "</UML:Namespace.ownedElement></UML:Package>"
-    "<UML:Class xmi.id='t' name='Top'><UML:Namespace.ownedElement/></UML:Class>"
-    "<UML:TagDefinition xmi.id='td' name='documentation'/>"
-    "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>";
+std::wstring documented(const _eString& id, const std::optional<_eString>& documentation) {
+    return w(id) + L":" + (documentation ? w(*documentation) : L"-");
+}
+
+// "class:documentation attribute:documentation operation:documentation parameter ...
+// generalization ...", each element by its id.
+std::wstring idsAndDocumentation(const ClassRecord& record) {
+    std::wstring text = documented(record.id, record.documentation);
+    for (const FeatureRecord& feature : record.features) {
+        if (const auto* attribute = std::get_if<AttributeRecord>(&feature))
+            text += L" " + documented(attribute->id, attribute->documentation);
+        if (const auto* operation = std::get_if<OperationRecord>(&feature)) {
+            text += L" " + documented(operation->id, operation->documentation);
+            for (const ParameterRecord& parameter : operation->parameters) text += L" " + w(parameter.id);
+        }
+    }
+    for (const GeneralizationRecord& parent : record.parents) text += L" " + w(parent.id);
+    return text;
+}
+
+std::string dataFile(const std::string& name) { return readFile(std::string(MODELBRIDGE_TEST_DATA_DIR) + "/" + name); }
 
 }  // namespace
 
 TEST(ModelReader, Xmi1RecordsCarryIdsDocumentationAndPackages) {
+    const std::string xmi1 = dataFile("records.xmi");
     Read read(xmi1);
     // The path reader finds the classes with a start tag; "Base", written empty, only anywhere.
     ASSERT_EQ(read.found.inOrder.size(), 2u);
     EXPECT_EQ(read.packages(0), (std::vector<std::wstring>{L"bank", L"core"}));
     EXPECT_TRUE(read.packages(1).empty());
     ClassRecord account = read.record(0);
-    EXPECT_EQ(w(account.id), L"c");
-    ASSERT_TRUE(account.documentation.has_value());
-    EXPECT_EQ(w(*account.documentation), L"Money kept.");
-    ASSERT_EQ(account.features.size(), 2u);
-    const auto& balance = std::get<AttributeRecord>(account.features[0]);
-    EXPECT_EQ(w(balance.id), L"a");
-    EXPECT_EQ(balance.visibility, Visibility::private_);
-    EXPECT_EQ(balance.changeability, Changeability::frozen);
-    EXPECT_FALSE(balance.initialValue.has_value());
-    ASSERT_TRUE(balance.documentation.has_value());
-    EXPECT_EQ(w(*balance.documentation), L"In cents.");
-    EXPECT_EQ(balance.type.kind, TypeRecord::none);
-    const auto& deposit = std::get<OperationRecord>(account.features[1]);
-    EXPECT_EQ(w(deposit.id), L"o");
-    EXPECT_EQ(deposit.scope, Scope::classifier);
-    EXPECT_TRUE(deposit.isAbstract);
-    EXPECT_FALSE(deposit.isLeaf);
-    ASSERT_EQ(deposit.parameters.size(), 1u);
-    EXPECT_EQ(w(deposit.parameters[0].id), L"r");
-    EXPECT_EQ(deposit.parameters[0].direction, Direction::inout);
-    ASSERT_EQ(account.parents.size(), 1u);
-    EXPECT_EQ(w(account.parents[0].id), L"g");
-    EXPECT_EQ(w(account.parents[0].parent.name.text), L"Base");
-    EXPECT_EQ(read.record(1).packagePath.size(), 0u);
+    EXPECT_EQ(idsAndDocumentation(account), L"c:Money kept. a:In cents. o:- r g");
+    const auto& balance = std::get<AttributeRecord>(account.features.at(0));
+    EXPECT_EQ(std::tuple(balance.visibility, balance.changeability, balance.initialValue.has_value(), balance.type.kind),
+              std::tuple(Visibility::private_, Changeability::frozen, false, TypeRecord::none));
+    const auto& deposit = std::get<OperationRecord>(account.features.at(1));
+    EXPECT_EQ(std::tuple(deposit.scope, deposit.isAbstract, deposit.isLeaf, deposit.parameters.at(0).direction),
+              std::tuple(Scope::classifier, true, false, Direction::inout));
+    EXPECT_EQ(w(account.parents.at(0).parent.name.text), L"Base");
 
     ImportExtensions anywhere;
     anywhere.anywhere = true;
     Read everywhere(xmi1, anywhere);
     ASSERT_EQ(everywhere.found.inOrder.size(), 3u);
     EXPECT_EQ(everywhere.packages(1), (std::vector<std::wstring>{L"bank"}));
-    ClassRecord base = everywhere.record(1);
-    EXPECT_EQ(w(base.name.text), L"Base");
-    ASSERT_TRUE(base.documentation.has_value());
-    EXPECT_EQ(w(*base.documentation), L"The root.");
+    EXPECT_EQ(idsAndDocumentation(everywhere.record(1)), L"b:The root.");
 }
 
 TEST(ModelReader, Xmi2RecordsCarryIdsDocumentationAndPackages) {
-    const char* text =
-        "<uml:Model xmi:version='2.1' xmlns:xmi='http://schema.omg.org/spec/XMI/2.1' "
-        "xmlns:uml='http://www.eclipse.org/uml2/3.0.0/UML' xmi:id='m' name='M'>"
-        "<packagedElement xmi:type='uml:Package' xmi:id='p' name='shop'>"
-        "<packagedElement xmi:type='uml:Class' xmi:id='c' name='Cart' isAbstract='true'>"
-        "<ownedComment xmi:id='k1' body='Holds items.'/><ownedComment xmi:id='k2'><body>Until paid.</body></ownedComment>"
-        "<generalization xmi:id='g' general='b'/>"
-        "<ownedAttribute xmi:id='a' name='total' isReadOnly='true' visibility='protected'>"
-        "<type href='pathmap://UML_LIBRARIES/UMLPrimitiveTypes.library.uml#Integer'/></ownedAttribute>"
-        "<ownedOperation xmi:id='o' name='add' isStatic='true'><ownedComment body='Adds one.'/>"
-        "<ownedParameter xmi:id='r' name='n' direction='out' type='b'/></ownedOperation>"
-        "</packagedElement></packagedElement>"
-        "<packagedElement xmi:type='uml:Class' xmi:id='b' name='Base' isLeaf='true'/>"
-        "</uml:Model>";
-    Read plain(text);
-    EXPECT_FALSE(plain.reader->readsDocument()) << "XMI 2 is read only when asked for";
+    const std::string text = dataFile("xmi2/records.uml");
+    EXPECT_FALSE(Read(text).reader->readsDocument()) << "XMI 2 is read only when asked for";
     ImportExtensions xmi2;
     xmi2.xmi2 = true;
     Read read(text, xmi2);
@@ -131,31 +97,17 @@ TEST(ModelReader, Xmi2RecordsCarryIdsDocumentationAndPackages) {
     ASSERT_EQ(read.found.inOrder.size(), 2u);
     EXPECT_EQ(read.packages(0), (std::vector<std::wstring>{L"shop"}));
     ClassRecord cart = read.record(0);
-    EXPECT_EQ(w(cart.id), L"c");
     EXPECT_TRUE(cart.isAbstract);
-    ASSERT_TRUE(cart.documentation.has_value());
-    EXPECT_EQ(w(*cart.documentation), L"Holds items.\n\nUntil paid.");
-    ASSERT_EQ(cart.parents.size(), 1u);
-    EXPECT_EQ(w(cart.parents[0].id), L"g");
-    EXPECT_EQ(cart.parents[0].parent.kind, TypeRecord::classType);
-    EXPECT_TRUE(cart.parents[0].parent.leaf);
+    EXPECT_EQ(idsAndDocumentation(cart), L"c:Holds items.\n\nUntil paid. a:- o:Adds one. r g");
+    EXPECT_EQ(std::tuple(cart.parents.at(0).parent.kind, cart.parents.at(0).parent.leaf),
+              std::tuple(TypeRecord::classType, true));
     const auto& total = std::get<AttributeRecord>(cart.features.at(0));
-    EXPECT_EQ(w(total.id), L"a");
-    EXPECT_EQ(total.visibility, Visibility::protected_);
-    EXPECT_EQ(total.changeability, Changeability::frozen);
-    EXPECT_EQ(total.type.kind, TypeRecord::library);
-    EXPECT_EQ(w(total.type.name.text), L"Integer");
-    EXPECT_FALSE(total.documentation.has_value());
+    EXPECT_EQ(std::tuple(total.visibility, total.changeability, total.type.kind, w(total.type.name.text)),
+              std::tuple(Visibility::protected_, Changeability::frozen, TypeRecord::library, std::wstring(L"Integer")));
     const auto& add = std::get<OperationRecord>(cart.features.at(1));
-    EXPECT_EQ(w(add.id), L"o");
-    EXPECT_EQ(add.scope, Scope::classifier);
-    ASSERT_TRUE(add.documentation.has_value());
-    EXPECT_EQ(w(*add.documentation), L"Adds one.");
-    EXPECT_EQ(add.visibility, Visibility::public_);
-    ASSERT_EQ(add.parameters.size(), 1u);
-    EXPECT_EQ(w(add.parameters[0].id), L"r");
-    EXPECT_EQ(add.parameters[0].direction, Direction::out);
-    EXPECT_FALSE(read.record(1).documentation.has_value());
+    EXPECT_EQ(std::tuple(add.scope, add.visibility, add.parameters.at(0).direction),
+              std::tuple(Scope::classifier, Visibility::public_, Direction::out));
+    EXPECT_EQ(idsAndDocumentation(read.record(1)), L"b:-");
 }
 
 // Each row of the table reads what it is made for, and the last takes every document.
@@ -194,18 +146,13 @@ TEST(ModelReader, TheTableChoosesByExtensionsAndRecognition) {
 // The words of XMI for properties with a fixed set of meanings: exact words only, and "shared"
 // is UML 2's, not a word of UML 1.x.
 TEST(ModelReader, WordsOfXmiAndTheirMeanings) {
-    EXPECT_EQ(XmiWords::visibility(L"public"), Visibility::public_);
-    EXPECT_EQ(XmiWords::visibility(L"package"), Visibility::package);
-    EXPECT_EQ(XmiWords::visibility(L"Public"), Visibility::unknown);
-    EXPECT_EQ(XmiWords::visibility(L"?"), Visibility::unknown);
-    EXPECT_EQ(XmiWords::changeability(L"addOnly"), Changeability::addOnly);
-    EXPECT_EQ(XmiWords::changeability(L"frozen "), Changeability::unknown);
-    EXPECT_EQ(XmiWords::scope(L"classifier"), Scope::classifier);
-    EXPECT_EQ(XmiWords::direction(L"return"), Direction::result);
-    EXPECT_EQ(XmiWords::direction(L"inout"), Direction::inout);
-    EXPECT_EQ(XmiWords::direction(L""), Direction::unknown);
-    EXPECT_EQ(XmiWords::aggregation(L"aggregate"), Aggregation::shared);
-    EXPECT_EQ(XmiWords::aggregation(L"shared"), Aggregation::unknown);
-    EXPECT_TRUE(XmiWords::flag(L"true"));
-    EXPECT_FALSE(XmiWords::flag(L"TRUE"));
+    EXPECT_EQ(std::tuple(XmiWords::visibility(L"public"), XmiWords::visibility(L"package"), XmiWords::visibility(L"Public")),
+              std::tuple(Visibility::public_, Visibility::package, Visibility::unknown));
+    EXPECT_EQ(std::tuple(XmiWords::changeability(L"addOnly"), XmiWords::changeability(L"frozen "), XmiWords::scope(L"classifier")),
+              std::tuple(Changeability::addOnly, Changeability::unknown, Scope::classifier));
+    EXPECT_EQ(std::tuple(XmiWords::direction(L"return"), XmiWords::direction(L"inout"), XmiWords::direction(L"")),
+              std::tuple(Direction::result, Direction::inout, Direction::unknown));
+    EXPECT_EQ(std::tuple(XmiWords::aggregation(L"aggregate"), XmiWords::aggregation(L"shared")),
+              std::tuple(Aggregation::shared, Aggregation::unknown));
+    EXPECT_EQ(std::tuple(XmiWords::flag(L"true"), XmiWords::flag(L"TRUE")), std::tuple(true, false));
 }
