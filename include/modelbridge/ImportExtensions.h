@@ -9,7 +9,11 @@
 //
 // The switches are also known by name (`importSwitches`), so that the command line, the C API
 // and Python take each new one without a change of their own.
-#pragma once
+//
+// It is installed beside the facade's headers and beside the importer's, where hosts of either
+// find it; the guard makes the two copies one.
+#ifndef MODELBRIDGE_IMPORT_EXTENSIONS_H
+#define MODELBRIDGE_IMPORT_EXTENSIONS_H
 
 #include <cstddef>
 #include <cstdint>
@@ -73,3 +77,5 @@ inline bool setImportSwitch(ImportExtensions& extensions, std::string_view name,
         }
     return false;
 }
+
+#endif
