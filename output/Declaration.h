@@ -23,6 +23,14 @@ enum class TokenKind : std::int32_t {
 
 using TokenKinds = _eSeq<std::int32_t>;
 
+// A token of generated text: its text, and what it is.
+struct OutputToken {
+    _eString text;
+    TokenKind kind = TokenKind::keyword;
+
+    bool operator==(const OutputToken&) const = default;
+};
+
 // The part of a class a declaration is.
 enum class DeclarationPart : std::int32_t {
     classHead,  // modifiers, "class", the name, "^=", the inherits list

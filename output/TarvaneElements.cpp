@@ -26,9 +26,26 @@ _eSet<_eString> setOf(std::initializer_list<const wchar_t*> words) {
 
 }  // namespace
 
-ElementBase::ElementBase(const Tokens& tokens) : tokens(tokens) {
-    _eSeqReader<_eString> reader(tokens);
-    for (int i = 0, n = tokens.size(); i < n; ++i) kinds.pushBack(std::int32_t(kindOf(reader.next())));
+ElementBase::ElementBase(const Tokens& texts) {
+    _eSeqReader<_eString> reader(texts);
+    for (int i = 0, n = texts.size(); i < n; ++i) {
+        _eString text = reader.next();
+        tokens.pushBack({text, kindOf(text)});
+    }
+}
+
+Tokens ElementBase::texts() const {
+    Tokens out;
+    _eSeqReader<OutputToken> reader(tokens);
+    for (int i = 0, n = tokens.size(); i < n; ++i) out.pushBack(reader.next().text);
+    return out;
+}
+
+TokenKinds ElementBase::kinds() const {
+    TokenKinds out;
+    _eSeqReader<OutputToken> reader(tokens);
+    for (int i = 0, n = tokens.size(); i < n; ++i) out.pushBack(std::int32_t(reader.next().kind));
+    return out;
 }
 
 TokenKind ElementBase::kindOf(const _eString& token) {
@@ -55,12 +72,12 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
     bool first = true;
     std::int32_t line = 1;
     const bool byKind = options.getCommentsByKind();
-    _eSeqReader<_eString> reader(tokens);
-    _eSeqReader<std::int32_t> kindReader(kinds);
+    _eSeqReader<OutputToken> reader(tokens);
     if (lines != nullptr) lines->reserve(std::size_t(tokens.size()));
     for (int i = 0, n = tokens.size(); i < n && status == FileError::success; ++i) {
-        _eString current = reader.next();
-        TokenKind kind = TokenKind(kindReader.next());
+        OutputToken token = reader.next();
+        const _eString& current = token.text;
+        TokenKind kind = token.kind;
         if (current == newLine) {
             breakPending = true;
             if (lines != nullptr) lines->push_back({line, line});

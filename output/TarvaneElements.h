@@ -26,11 +26,10 @@ public:
 
     ElementBase() = default;
     // Each token of the kind its text looks like (`kindOf`).
-    explicit ElementBase(const Tokens& tokens);
-    // `kinds` holds one kind for each token.
-    ElementBase(const Tokens& tokens, const TokenKinds& kinds) : tokens(tokens), kinds(kinds) {}
+    explicit ElementBase(const Tokens& texts);
+    explicit ElementBase(const _eSeq<OutputToken>& tokens) : tokens(tokens) {}
 
-    bool equalFields(const ElementBase& other) const { return tokens == other.tokens && kinds == other.kinds; }
+    bool equalFields(const ElementBase& other) const { return tokens == other.tokens; }
 
     // The kind of a token known only by its text: a line break, a comment by its prefix "//",
     // a keyword when it starts with a letter, punctuation otherwise.
@@ -57,8 +56,10 @@ public:
     virtual std::int32_t breakPosition(const _eString& text, std::int32_t room, const ImportOptions& options) const;
 
     std::int32_t size() const { return tokens.size(); }
-    const Tokens& getTokens() const { return tokens; }
-    const TokenKinds& getKinds() const { return kinds; }
+    const _eSeq<OutputToken>& getTokens() const { return tokens; }
+    // The texts of the tokens, and their kinds, each in a sequence of its own.
+    Tokens texts() const;
+    TokenKinds kinds() const;
 
     // Writes every token, in lines, and a last line end; `status` is the first failed write's
     // code. A token is a comment by its kind where the options tell comments by kind, else by
@@ -67,8 +68,7 @@ public:
                  FileError::_eEnum& status, std::vector<TokenLines>* lines = nullptr) const;
 
 private:
-    Tokens tokens;      // in order; "\n" asks for a line break
-    TokenKinds kinds;   // one `TokenKind` per token
+    _eSeq<OutputToken> tokens;  // in order; "\n" asks for a line break
 };
 
 class TarvaneElements : public _eClass<TarvaneElements, ElementBase> {
@@ -87,8 +87,7 @@ public:
     bool closesBlock(const _eString&, const _eString& current) const override { return blockClosers().contains(current); }
 
     _eHndl<TarvaneElements> concat(const TarvaneElements& other) const {
-        return _eHndl<TarvaneElements>(
-            new TarvaneElements(getTokens().concat(other.getTokens()), getKinds().concat(other.getKinds())));
+        return _eHndl<TarvaneElements>(new TarvaneElements(getTokens().concat(other.getTokens())));
     }
 
     static const _eSet<_eString>& blockOpeners();

@@ -16,7 +16,7 @@ public:
     TarvaneOutput() : elements(new TarvaneElements()) {}
     // Each token of the kind its text looks like; no declarations.
     explicit TarvaneOutput(const Tokens& tokens) : elements(new TarvaneElements(tokens)) {}
-    TarvaneOutput(const Tokens& tokens, const TokenKinds& kinds) : elements(new TarvaneElements(tokens, kinds)) {}
+    explicit TarvaneOutput(const _eSeq<OutputToken>& tokens) : elements(new TarvaneElements(tokens)) {}
 
     // The one output without tokens.
     static const _eHndl<TarvaneOutput>& empty() {
@@ -36,8 +36,9 @@ public:
     // The same tokens as one declaration of the element `id`, which takes the place of any
     // declarations within them.
     _eHndl<TarvaneOutput> declared(const _eString& id, DeclarationPart part) const;
-    const Tokens& tokens() const { return elements->getTokens(); }
-    const TokenKinds& kinds() const { return elements->getKinds(); }
+    // The texts of the tokens and their kinds (each a sequence made anew).
+    Tokens tokens() const { return elements->texts(); }
+    TokenKinds kinds() const { return elements->kinds(); }
     // In the order of their tokens; the tokens between them belong to none.
     std::vector<Declaration> declarations() const;
 

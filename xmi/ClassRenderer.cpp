@@ -28,15 +28,11 @@ struct Piece {
 // A run of tokens, built at once.
 Output tokens(std::initializer_list<Piece> run) {
     constexpr int most = 8;
-    _eString texts[most];
-    std::int32_t kinds[most];
+    OutputToken made[most];
     int n = 0;
     assert(run.size() <= std::size_t(most));
-    for (const Piece& piece : run) {
-        texts[n] = piece.text;
-        kinds[n++] = std::int32_t(piece.kind);
-    }
-    return Output(new TarvaneOutput(Tokens(n, texts), TokenKinds(n, kinds)));
+    for (const Piece& piece : run) made[n++] = {piece.text, piece.kind};
+    return Output(new TarvaneOutput(_eSeq<OutputToken>(n, made)));
 }
 
 // A name the model gives; "?" where it gives none.

@@ -19,8 +19,14 @@ void forEachChild(const XMLcontent& content, const wchar_t* name, Visit visit) {
         if (const auto* element = dynamic_cast<const Element*>(children.get(i).get())) visit(*element);
 }
 
+// The names every element is asked for, made once.
+const _eString& idName() {
+    static const _eString name = L"xmi.id";
+    return name;
+}
+
 _eString idOf(const XMLElement& element) {
-    return element.hasAttribute(L"xmi.id") ? element.attributeText(L"xmi.id", Context::shared()) : _eString();
+    return element.hasAttribute(idName()) ? element.attributeText(idName(), Context::shared()) : _eString();
 }
 
 // The text of a tagged value whose tag is `tag`: written by name ("tag", UML 1.3) or as a
@@ -51,7 +57,8 @@ std::optional<_eString> taggedValue(const XMLElement& element, const wchar_t* ta
 // that some exporters write.
 std::optional<_eString> XMLElement::documentation(const _eHndl<Context>& context) const {
     if (std::optional<_eString> text = taggedValue(*this, L"documentation", context)) return text;
-    if (hasAttribute(L"comment")) return attributeText(L"comment", context);
+    static const _eString comment = L"comment";
+    if (hasAttribute(comment)) return attributeText(comment, context);
     return std::nullopt;
 }
 
