@@ -1,5 +1,7 @@
 #include "xml/XMLDocument.h"
 
+#include <cassert>
+
 #include "xmi/ClassRenderer.h"
 #include "xmi/Xmi1Reader.h"
 
@@ -46,12 +48,12 @@ _eHndl<Context> XMLDocument::generationContext() const {
     return _eHndl<Context>(new Context(built.isNull() ? XMLDictionary::empty() : built));
 }
 
-// The class map holds only classes the reader found, so the lookup of its element always
-// succeeds.
+// The class map holds only classes the reader found, so the lookup of its element succeeds.
 _eHndl<TarvaneOutput> XMLDocument::declaration(const _eString& className) const {
     auto [index, end] = classes.lookup(className);
     if (index == end) return TarvaneOutput::empty();
     const FoundClass* at = found.find(*classes.at(index).second);
+    assert(at != nullptr);
     return ClassRenderer::classDeclaration(modelReader().readClass(*at, generationContext()));
 }
 

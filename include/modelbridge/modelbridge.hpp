@@ -41,9 +41,6 @@ struct Diagnostic {
 // How a model is read and its text laid out. Every extension is off by default: a model parsed
 // with default options gives exactly the library's specified results.
 struct Options {
-    // Every extension of the importer, each described where the value is declared;
-    // `setImportSwitch(options.extensions, "decode-references", true)` sets one by name.
-    ImportExtensions extensions;
     bool xmi2 = false;      // also read UML 2 models saved as XMI 2.x (as `extensions.xmi2`)
     bool anywhere = false;  // find classes wherever exporters put them (as `extensions.anywhere`)
     int lineWidth = 100;    // generated lines break beyond this column (20 to 10000)
@@ -52,6 +49,9 @@ struct Options {
     // The header's time line is taken from the environment variable SOURCE_DATE_EPOCH (seconds
     // since 1970, UTC) when it is set, so that builds repeat byte for byte.
     bool reproducible = false;
+    // Every extension of the importer, each described where the value is declared;
+    // `setImportSwitch(options.extensions, "decode-references", true)` sets one by name.
+    ImportExtensions extensions;
 };
 
 // The outcome of one call that writes: whether it wrote everything, and the diagnostics that
