@@ -1,7 +1,8 @@
 // Any bytes through the whole path: parse, analyse, list, generate every class one by one and
-// all together. Nothing may crash; failures come back as data. Inputs of odd length take the
-// extensions (XMI 2 documents read as such, XMI 1.x documents searched anywhere), those of even
-// length the specified road, so that every road is fuzzed at the cost of one.
+// all together, and render one. Nothing may crash; failures come back as data. Inputs of odd
+// length take every switch of the extensions (XMI 2 documents read as such, XMI 1.x documents
+// searched anywhere, references decoded, model text never a comment), those of even length the
+// specified road, so that every road is fuzzed at the cost of one.
 #include <cstdint>
 
 #include "FuzzInput.h"
@@ -12,8 +13,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static _eHndl<Environment> environment(new Environment());
     std::string path = writeInput(data, size);
     XMLImporter importer(environment.get());
-    importer.findClassesAnywhere(size % 2 == 1);
-    importer.readXmi2Models(size % 2 == 1);
+    ImportExtensions extensions;
+    for (const ImportSwitch& each : importSwitches) extensions.*each.field = size % 2 == 1;
+    importer.chooseExtensions(extensions);
     bool success = false;
     importer.attemptParse(fromPlatformText(path), _eString(), success);
     importer.getParseDiagnostics();
@@ -28,6 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         bool generated = false;
         if (i < 8) importer.generateClassFile(directory, names.get(i), generated);
     }
+    if (!names.isEmpty()) importer.renderClassFile(directory, names.get(0));
     bool generated = false;
     importer.generateSingleFile(directory, L"all", all, generated);
     importer.getErrorList(false);
