@@ -1,10 +1,11 @@
 // `ClassRenderer`: every rule of generated class text in one place. It turns the records that a
-// reader of the model fills (xmi/ClassRecords.h) into flat runs of Tarvane tokens: the class
-// declaration with its modifiers, `inherits` list and sections; attributes as variables or
-// constants with their accessors; operations as constructors, schemas, functions or operators;
-// the members that associations give; multiplicities as collection types; literals; names with
-// the reserved-word escape and the names of the built-in data types. Layout into lines is the
-// business of the output writer.
+// reader of the model fills (xmi/ClassRecords.h) into runs of Tarvane tokens, each token with
+// its kind and each member's run a declaration tagged with the id of its model element: the
+// class declaration with its modifiers, `inherits` list and sections; attributes as variables
+// or constants with their accessors; operations as constructors, schemas, functions or
+// operators; the members that associations give; multiplicities as collection types; literals;
+// names with the reserved-word escape and the names of the built-in and library data types.
+// Layout into lines is the business of the output writer.
 #pragma once
 
 #include "output/TarvaneSections.h"
