@@ -28,7 +28,7 @@ struct mb_model {
     std::string report;  // of the parse
     // The last write of each thread through the calls without an outcome; a thread's entry
     // lives until its next such write, or the model's end.
-    std::mutex lastLock;
+    mutable std::mutex lastLock;
     std::map<std::thread::id, modelbridge::Result> lastByThread;
 
     mb_model(const modelbridge::Model& model, std::string report) : model(model), report(std::move(report)) {}
@@ -106,10 +106,9 @@ int written(mb_model* model, bool known, mb_outcome** outcome, Write write) {
 // The calling thread's last write on the model without an outcome.
 const std::vector<modelbridge::Diagnostic>* lastOf(const mb_model* model) {
     if (model == nullptr) return nullptr;
-    auto& owned = const_cast<mb_model&>(*model);
-    std::lock_guard<std::mutex> lock(owned.lastLock);
-    auto found = owned.lastByThread.find(std::this_thread::get_id());
-    return found == owned.lastByThread.end() ? nullptr : &found->second.diagnostics;
+    std::lock_guard<std::mutex> lock(model->lastLock);
+    auto found = model->lastByThread.find(std::this_thread::get_id());
+    return found == model->lastByThread.end() ? nullptr : &found->second.diagnostics;
 }
 
 }  // namespace

@@ -107,7 +107,8 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             lead = separator;
             column += separator.size();
         }
-        line += countUnits(lead, L'\n');
+        // Lines are counted only for a caller that asks where its tokens stand.
+        if (lines != nullptr) line += countUnits(lead, L'\n');
         std::int32_t firstLine = line;
         if (!comment) {
             _eString text = tokenText(current);

@@ -122,26 +122,32 @@ bool TarvaneOutput::writeWhole(const Environment& environment, const _eHndl<File
     return written;
 }
 
-TarvaneOutput::Layout TarvaneOutput::layOut(const ImportOptions& options, const FileName& file,
-                                            const FileName& sourceFile, const Environment& environment) const {
-    Layout layout;
+std::string TarvaneOutput::inMemory(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
+                                    const Environment& environment, std::vector<DeclarationLines>* lines) const {
     char* bytes = nullptr;
     std::size_t size = 0;
     std::FILE* stream = open_memstream(&bytes, &size);
-    if (stream == nullptr) return layout;
+    if (stream == nullptr) return {};
     _eHndl<FileRef> out(new FileRef(stream, true));
     writeWhole(environment, out, header(file, sourceFile, environment, *generationTime(options, environment)), options,
-               &layout.declarations);
+               lines);
     std::fclose(stream);
     out->forgetStream();
-    layout.bytes.assign(bytes, size);
+    std::string text(bytes, size);
     std::free(bytes);
+    return text;
+}
+
+TarvaneOutput::Layout TarvaneOutput::layOut(const ImportOptions& options, const FileName& file,
+                                            const FileName& sourceFile, const Environment& environment) const {
+    Layout layout;
+    layout.bytes = inMemory(options, file, sourceFile, environment, &layout.declarations);
     return layout;
 }
 
 std::string TarvaneOutput::render(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
                                   const Environment& environment) const {
-    return layOut(options, file, sourceFile, environment).bytes;
+    return inMemory(options, file, sourceFile, environment, nullptr);
 }
 
 FileName TarvaneOutput::target(const ImportOptions& options, const FileName& file, const Environment& environment) {

@@ -80,6 +80,9 @@ private:
     // receives where each declaration stands.
     bool writeWhole(const Environment& environment, const _eHndl<FileRef>& out, const _eString& head,
                     const ImportOptions& options, std::vector<DeclarationLines>* lines) const;
+    // The whole text as `writeFile` writes it, laid out in memory; `lines` as for `writeWhole`.
+    std::string inMemory(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
+                         const Environment& environment, std::vector<DeclarationLines>* lines) const;
 
     TarvaneOutput(const _eHndl<TarvaneElements>& elements, const _eSeq<DeclarationRun>& runs)
         : elements(elements), runs(runs) {}
