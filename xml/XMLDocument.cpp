@@ -2,6 +2,7 @@
 
 #include <cassert>
 
+#include "runtime/StringUtils.h"
 #include "xmi/ClassRenderer.h"
 #include "xmi/Xmi1Reader.h"
 
@@ -64,10 +65,25 @@ void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const
     addErrors(errors);
 }
 
+// The one place where a name the model gives becomes a file: a name that would make a path of
+// its own names no file, so that no class is written outside the directory given.
+bool XMLDocument::namesOneFile(const _eString& className) {
+    if (textIs(className, L".") || textIs(className, L"..")) return false;
+    for (int i = 0, n = className.size(); i < n; ++i)
+        if (className.get(i) == L'/' || className.get(i) == 0) return false;
+    return true;
+}
+
 void XMLDocument::generateClassFile(const _eString& className, const _eString& outputDirectory,
                                     const FileName& sourceFile, const _eHndl<const Environment>& environment,
                                     const ImportOptions& options) {
     if (!startGeneration()) return;
+    if (!namesOneFile(className)) {
+        XMLErrors refused;
+        ::addError(refused, Location::nowhere(), XMLErrorType::fileName, {className + L".tv"});
+        addErrors(refused);
+        return;
+    }
     write(*declaration(className), FileName(outputDirectory, className, L"tv", environment.get()), sourceFile,
           environment, options);
 }
@@ -75,7 +91,7 @@ void XMLDocument::generateClassFile(const _eString& className, const _eString& o
 std::string XMLDocument::renderClassFile(const _eString& className, const _eString& outputDirectory,
                                          const FileName& sourceFile, const Environment& environment,
                                          const ImportOptions& options) const {
-    if (!modelReader().readsDocument()) return {};
+    if (!modelReader().readsDocument() || !namesOneFile(className)) return {};
     return declaration(className)->render(options, FileName(outputDirectory, className, L"tv", &environment),
                                           sourceFile, environment);
 }

@@ -17,7 +17,8 @@ public:
                classes == other.classes;
     }
 
-    // Writes the file of one class into `outputDirectory`, laid out by `options`.
+    // Writes the file of one class into `outputDirectory`, laid out by `options`. A class whose
+    // name holds a "/", or is "." or "..", gets no file: a `fileName` error names it.
     virtual void generateClassFile(const _eString& className, const _eString& outputDirectory,
                                    const FileName& sourceFile, const _eHndl<const Environment>& environment,
                                    const ImportOptions& options);
@@ -25,7 +26,7 @@ public:
     virtual void generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                     const _eHndl<const Environment>& environment, const ImportOptions& options);
     // The text of the file of one class, as `generateClassFile` would write it into
-    // `outputDirectory`; empty when the reader doesn't read the document.
+    // `outputDirectory`; empty when the reader doesn't read the document or the name is refused.
     std::string renderClassFile(const _eString& className, const _eString& outputDirectory, const FileName& sourceFile,
                                 const Environment& environment, const ImportOptions& options) const;
     // Builds the class map, with the classes that the chosen reader finds; the dictionary follows
@@ -44,6 +45,10 @@ public:
     const _eFrom<XMLElement>& getRoot() const { return root; }
     // The id dictionary of the tree, built on the first request after `analyse`; null before.
     const _eHndl<XMLDictionary>& getDictionary() const;
+
+    // The name of a class stands for one file in the directory given: no separator, no unit 0,
+    // neither "." nor "..".
+    static bool namesOneFile(const _eString& className);
 
 private:
     // Starts a generation: its errors stand alone in `lastGenerationErrors`. False, with a
