@@ -49,7 +49,9 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
         case A::newCDSect: result(new XMLCDSect(at, symbol<XMLCharData>(stack, 2))); break;
         case A::emptyCharData: result(new XMLCharData(at)); break;
         case A::emptyElement:
-            result(ElementCreation::createEmptyElement(symbol<XMLEmptyElemTag>(stack, 1), naming).get());
+            result(ElementCreation::createEmptyElement(symbol<XMLEmptyElemTag>(stack, 1), naming,
+                                                       extensions.everyForm)
+                       .get());
             break;
         case A::element:
             result(ElementCreation::createElement(symbol<XMLSTag>(stack, 1), symbol<XMLcontent>(stack, 2),

@@ -22,23 +22,21 @@
 
 namespace {
 
-// The host reads UML 2 models always: the switch of the extensions it needs no option for.
-bool alwaysOn(const ImportSwitch& each) { return each.field == &ImportExtensions::xmi2; }
-
-// The switch that the option "--NAME" turns on; null for any other word.
-const ImportSwitch* switchOption(const std::string& arg) {
-    for (const ImportSwitch& each : importSwitches)
-        if (!alwaysOn(each) && arg == std::string("--") + each.name) return &each;
+// The switch that the option "--NAME" turns on, or "--no-NAME" off; null for any other word.
+const ImportSwitch* switchOption(const std::string& arg, bool& on) {
+    for (const ImportSwitch& each : importSwitches) {
+        on = arg == std::string("--") + each.name;
+        if (on || arg == std::string("--no-") + each.name) return &each;
+    }
     return nullptr;
 }
 
-// The options of the extensions, one for each switch the library knows.
+// The options of the extensions, one pair for each switch the library knows.
 std::string switchOptions() {
     std::string text;
     for (const ImportSwitch& each : importSwitches) {
-        if (alwaysOn(each)) continue;
         // The help starts in column 22, on the next line when the option reaches it.
-        std::string option = std::string("  --") + each.name;
+        std::string option = std::string("  --") + each.name + ", --no-" + each.name;
         option = option.size() < 21 ? option + std::string(21 - option.size(), ' ') : option + "\n" + std::string(21, ' ');
         text += option + each.help + "\n";
     }
@@ -55,7 +53,11 @@ const std::string usage =
     "                     (default: the current directory)\n"
     "  --list             list the classes of the model and write nothing\n"
     "  --class NAME       generate this class; may be given more than once (default: every class)\n"
-    "  --single FILE      write the chosen classes into one file FILE.tv instead of one file each\n" +
+    "  --single FILE      write the chosen classes into one file FILE.tv instead of one file each\n"
+    "Every extension of the library is on unless turned off one by one (--no-NAME), or all of\n"
+    "them with --specified, which reads the model exactly as XMI 1.x specifies (later --NAME\n"
+    "options turn single ones back on):\n"
+    "  --specified        no extension: XMI 1.x only, classes on its one path, text as written\n" +
     switchOptions() +
     "  --line-width N     break generated lines beyond column N (20 to 10000; default 100)\n"
     "  --indent TEXT      indent generated text by TEXT, where \\t stands for a tab and \\\\ for a\n"
@@ -91,7 +93,9 @@ struct Options {
     std::string directory = ".";
     bool list = false;
     bool profile = false;
-    ImportExtensions extensions;  // the switches given; UML 2 models always read
+    bool specified = false;
+    std::vector<std::pair<bool ImportExtensions::*, bool>> switches;  // as given, in order
+    ImportExtensions extensions;  // what they come to: every switch, unless specified
     bool quiet = false;
     bool progress = false;
     std::vector<std::string> classes;
@@ -168,8 +172,10 @@ bool readOptions(int argc, char** argv, Options& options) {
             options.layoutChosen = true;
         } else if (arg == "--list") {
             options.list = true;
-        } else if (const ImportSwitch* chosen = switchOption(arg)) {
-            options.extensions.*chosen->field = true;
+        } else if (arg == "--specified") {
+            options.specified = true;
+        } else if (bool on; const ImportSwitch* chosen = switchOption(arg, on)) {
+            options.switches.emplace_back(chosen->field, on);
         } else if (arg == "--profile") {
             options.profile = true;
         } else if (arg == "-q" || arg == "--quiet") {
@@ -190,6 +196,8 @@ bool readOptions(int argc, char** argv, Options& options) {
         std::fprintf(stderr, "%s", usage.c_str());
         return false;
     }
+    options.extensions = options.specified ? ImportExtensions() : everyExtension();
+    for (const auto& [field, on] : options.switches) options.extensions.*field = on;
     if (options.directory.empty()) options.directory = ".";
     if (options.directory.back() != '/') options.directory += '/';
     return true;
@@ -345,9 +353,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "%s: %s\n", program, toUtf8(refusal).c_str());
         return 2;
     }
-    ImportExtensions extensions = options.extensions;
-    extensions.xmi2 = true;
-    importer.chooseExtensions(extensions);
+    importer.chooseExtensions(options.extensions);
     ProgressDisplay display;
     if (options.progress && isatty(STDERR_FILENO)) importer.reportProgress(&ProgressDisplay::show, &display);
 

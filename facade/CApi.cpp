@@ -15,9 +15,10 @@ static_assert(int(modelbridge::Severity::information) == MB_INFORMATION && int(m
                   int(modelbridge::Severity::error) == MB_ERROR && int(modelbridge::Severity::fatal) == MB_FATAL,
               "the C severities are the facade's in order");
 static_assert(importSwitches[0].flag == MB_XMI2 && importSwitches[1].flag == MB_ANYWHERE &&
-                  importSwitches[2].flag == MB_PLAIN_MODEL_TEXT && importSwitches[3].flag == MB_DECODE_REFERENCES,
+                  importSwitches[2].flag == MB_PLAIN_MODEL_TEXT && importSwitches[3].flag == MB_DECODE_REFERENCES &&
+                  importSwitches[4].flag == MB_EVERY_FORM,
               "the C flags are the bits of the switches");
-static_assert(std::size(importSwitches) == 4, "every switch has its flag in the C header");
+static_assert(std::size(importSwitches) == 5, "every switch has its flag in the C header");
 
 struct mb_outcome {
     modelbridge::Result result;
@@ -76,7 +77,9 @@ bool holds(const mb_model& model, const char* name) {
 // The options of the facade that the C options choose.
 modelbridge::Options optionsOf(const mb_parse_options& options) {
     modelbridge::Options chosen;
-    for (const ImportSwitch& each : importSwitches) chosen.extensions.*each.field = (options.flags & each.flag) != 0;
+    bool specified = (options.flags & MB_SPECIFIED) != 0;
+    for (const ImportSwitch& each : importSwitches)
+        chosen.extensions.*each.field = !specified && (options.flags & each.flag) != 0;
     chosen.reproducible = (options.flags & MB_REPRODUCIBLE) != 0;
     if (options.line_width != 0) chosen.lineWidth = options.line_width;
     if (options.indent != nullptr) chosen.indent = options.indent;
@@ -119,6 +122,7 @@ void mb_parse_options_init(mb_parse_options* options) {
     if (options == nullptr) return;
     *options = mb_parse_options();
     options->size = sizeof(mb_parse_options);
+    for (const ImportSwitch& each : importSwitches) options->flags |= each.flag;
 }
 
 int mb_parse_with(const char* path, const mb_parse_options* options, mb_model** model) {

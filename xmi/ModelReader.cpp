@@ -48,7 +48,7 @@ namespace {
 // gives for a document, or null when it doesn't recognise the document.
 struct ReaderRow {
     bool (*enabled)(const ImportExtensions& extensions);
-    std::shared_ptr<const ModelReader> (*recognise)(const XMLElement& root);
+    std::shared_ptr<const ModelReader> (*recognise)(const XMLElement& root, const ImportExtensions& extensions);
 };
 
 const ReaderRow readerTable[] = {
@@ -62,6 +62,6 @@ const ReaderRow readerTable[] = {
 std::shared_ptr<const ModelReader> ModelReader::choose(const XMLElement& root, const ImportExtensions& extensions) {
     for (const ReaderRow& row : readerTable)
         if (row.enabled(extensions))
-            if (std::shared_ptr<const ModelReader> reader = row.recognise(root)) return reader;
+            if (std::shared_ptr<const ModelReader> reader = row.recognise(root, extensions)) return reader;
     return nullptr;  // never: the last row takes every document
 }

@@ -50,6 +50,9 @@ public:
     // The reader follows references through the dictionary of XMI 1.x ids ("xmi.id"), which
     // the document then builds for it.
     virtual bool readsXmi1Ids() const = 0;
+    // Ids borne inside "XMI.extension" (the tools' own records, their diagrams among them, which
+    // often repeat the ids of the model's elements) count in that dictionary.
+    virtual bool countsExtensionIds() const { return true; }
     // The name of a class element as the model gives it.
     virtual NameRecord readName(const XMLElement& element) const = 0;
 

@@ -57,14 +57,21 @@ const TypeRecord unresolvedType{TypeRecord::unresolved, {}, false};
 }  // namespace
 
 TypeRecord XMLElement::readType(const _eString& elementName, const _eHndl<Context>& context) const {
-    if (hasAttribute(L"type")) {
-        _eFrom<XMLElement> found = context->lookup(attributeText(L"type", context));
-        return found.isNull() ? unresolvedType : found->typeRecord(context);
-    }
+    if (hasAttribute(L"type")) return typeOfAttribute(attributeText(L"type", context), context);
     ElementSeq children = content->childrenNamed(elementName);
     if (children.isEmpty()) return {};
     if (children.size() != 1) return unresolvedType;
     return children.get(0)->referencedType(context);
+}
+
+// Where features name their types (straight under their class), a text that no element bears as
+// its id is the name of the type.
+TypeRecord XMLElement::typeOfAttribute(const _eString& text, const _eHndl<Context>& context) {
+    _eFrom<XMLElement> found = context->lookup(text);
+    if (!found.isNull()) return found->typeRecord(context);
+    if (context->getForms() == MemberForms::everyByName && !text.isEmpty())
+        return {TypeRecord::named, NameRecord::plain(text), false};
+    return unresolvedType;
 }
 
 // A reference that can't be followed is only the key of a failing lookup, whatever message
@@ -74,8 +81,17 @@ TypeRecord XMLElement::referencedType(const _eHndl<Context>& context) const {
     return found.isNull() ? unresolvedType : found->typeRecord(context);
 }
 
+// In every form, "multiplicity" as an XML attribute: "0..*", "1..n", "1", or "*" for 0..*.
 MultiplicityRecord XMLElement::readMultiplicity(const _eString& multiplicityElement,
                                                 const _eHndl<Context>& context) const {
+    if (std::optional<_eString> written = olderAttribute(L"multiplicity", context)) {
+        _eString text = trimSpaces(*written);
+        if (text.isEmpty()) return {};
+        for (int i = 0, n = text.size(); i + 1 < n; ++i)
+            if (text.get(i) == L'.' && text.get(i + 1) == L'.') return {true, trimSpaces(text.take(i)), trimSpaces(text.drop(i + 2))};
+        if (textIs(text, L"*")) return {true, _eString(L"0"), text};
+        return {true, text, text};
+    }
     ElementSeq ranges = content->elementsAtPath(
         {multiplicityElement, L"UML:Multiplicity", L"UML:Multiplicity.range", L"UML:MultiplicityRange"});
     if (ranges.size() != 1) return {};
@@ -89,13 +105,14 @@ bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedEl
 // The dictionary of the subtree, built bottom-up with a stack of its own rather than by
 // recursion, so that the nesting of the input doesn't decide the depth of the machine stack.
 // Each element folds its children's dictionaries from the left, then enters its own id.
-_eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute) const {
+_eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool extensions) const {
     std::vector<_eHndl<XMLDictionary>> folded;  // of the children done so far, per element entered
     _eHndl<XMLDictionary> result;
     walkTree(
         *this,
         [&](const XMLElement& element) {
             folded.emplace_back();
+            if (!extensions && textIs(element.name, L"XMI.extension")) return ElementSeq();
             return element.content->childElements();
         },
         [&](const XMLElement& element) {
@@ -146,8 +163,28 @@ NameRecord XMLElement::readName() const {
     return {NameRecord::element, written.get(0)->getContent()->text()};
 }
 
+// In every form, where the visibility is left out: the number some exporters write as "scope".
 _eString XMLElement::visibility(const _eHndl<Context>& context) const {
-    return attributeOrSubElement(L"visibility", L"UML:ModelElement.visibility", context);
+    _eString written = attributeOrSubElement(L"visibility", L"UML:ModelElement.visibility", context);
+    std::optional<_eString> scope = textIs(written, L"?") ? olderAttribute(L"scope", context) : std::nullopt;
+    if (!scope) return written;
+    static const std::pair<const wchar_t*, const wchar_t*> numbers[] = {
+        {L"200", L"public"}, {L"201", L"private"}, {L"202", L"protected"}, {L"203", L"package"}};
+    for (const auto& [number, word] : numbers)
+        if (textIs(*scope, number)) return _eString(word);
+    return *scope;
+}
+
+std::optional<_eString> XMLElement::olderAttribute(const wchar_t* name, const _eHndl<Context>& context) const {
+    if (!context->everyForm() || !hasAttribute(name)) return std::nullopt;
+    return attributeText(name, context);
+}
+
+_eString XMLElement::flagOrOlder(const _eString& written, const wchar_t* olderName, const _eHndl<Context>& context) const {
+    if (!textIs(written, L"?")) return written;
+    std::optional<_eString> older = olderAttribute(olderName, context);
+    if (!older) return written;
+    return _eString(textIs(*older, L"1") || textIs(*older, L"true") ? L"true" : L"false");
 }
 
 _eString XMLElement::parameterKind(const _eHndl<Context>& context) const {
@@ -155,11 +192,12 @@ _eString XMLElement::parameterKind(const _eHndl<Context>& context) const {
 }
 
 _eString XMLElement::isLeaf(const _eHndl<Context>& context) const {
-    return attributeOrSubElement(L"isLeaf", L"UML:GeneralizableElement.isLeaf", context);
+    return flagOrOlder(attributeOrSubElement(L"isLeaf", L"UML:GeneralizableElement.isLeaf", context), L"leaf", context);
 }
 
 _eString XMLElement::isAbstract(const _eHndl<Context>& context) const {
-    return attributeOrSubElement(L"isAbstract", L"UML:GeneralizableElement.isAbstract", context);
+    return flagOrOlder(attributeOrSubElement(L"isAbstract", L"UML:GeneralizableElement.isAbstract", context),
+                       L"abstract", context);
 }
 
 namespace {
@@ -185,17 +223,16 @@ _eString XMLElement::canonicalTagName(const _eString& tag, TagNaming naming) {
     return naming == TagNaming::specified ? XMLNames::derived<withShortPrefix>(tag) : XMLNames::derived<withUmlPrefix>(tag);
 }
 
-_eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
-                                                  const _eHndl<XMLETag>& endTag, TagNaming naming) {
-    if (startTag->getAttributes()->getAttributes().containsKey(L"xmi.idref"))
-        return new UnrecognisedElement(startTag, content, endTag, naming);
-    using Maker = XMLElement* (*)(const _eHndl<XMLSTag>&, const _eHndl<XMLcontent>&, const _eHndl<XMLETag>&, TagNaming);
+namespace {
+
+// The element of the class its canonical tag name decides, built from either form of tag: a
+// start tag with content and end tag, or an empty-element tag.
+template <class... Parts>
+_eFrom<XMLElement> elementOfTag(const _eString& canonical, const Parts&... parts) {
+    using Maker = XMLElement* (*)(const Parts&...);
     static const _eMap<_eString, Maker> classes = [] {
         _eMap<_eString, Maker> m;
-        auto make = []<class C>(C*) -> Maker {
-            return [](const _eHndl<XMLSTag>& s, const _eHndl<XMLcontent>& c, const _eHndl<XMLETag>& e,
-                      TagNaming n) -> XMLElement* { return new C(s, c, e, n); };
-        };
+        auto make = []<class C>(C*) -> Maker { return [](const Parts&... p) -> XMLElement* { return new C(p...); }; };
         m.put(L"XMI", make(static_cast<XMIRootElement*>(nullptr)));
         m.put(L"XMI.content", make(static_cast<XMIContentElement*>(nullptr)));
         m.put(L"UML:Model", make(static_cast<Model_ManagementModelElement*>(nullptr)));
@@ -209,11 +246,22 @@ _eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTa
         m.put(L"UML:Generalization", make(static_cast<FCGeneralizationElement*>(nullptr)));
         return m;
     }();
-    _eString canonical = XMLElement::canonicalTagName(startTag->getName(), naming);
-    if (!classes.containsKey(canonical)) return new UnrecognisedElement(startTag, content, endTag, naming);
-    return classes.get(canonical)(startTag, content, endTag, naming);
+    if (!classes.containsKey(canonical)) return new UnrecognisedElement(parts...);
+    return classes.get(canonical)(parts...);
 }
 
-_eFrom<XMLElement> ElementCreation::createEmptyElement(const _eHndl<XMLEmptyElemTag>& emptyTag, TagNaming naming) {
-    return new UnrecognisedElement(emptyTag, naming);
+}  // namespace
+
+_eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
+                                                  const _eHndl<XMLETag>& endTag, TagNaming naming) {
+    if (startTag->getAttributes()->getAttributes().containsKey(L"xmi.idref"))
+        return new UnrecognisedElement(startTag, content, endTag, naming);
+    return elementOfTag(XMLElement::canonicalTagName(startTag->getName(), naming), startTag, content, endTag, naming);
+}
+
+_eFrom<XMLElement> ElementCreation::createEmptyElement(const _eHndl<XMLEmptyElemTag>& emptyTag, TagNaming naming,
+                                                       bool byTag) {
+    if (!byTag || emptyTag->getAttributes()->getAttributes().containsKey(L"xmi.idref"))
+        return new UnrecognisedElement(emptyTag, naming);
+    return elementOfTag(XMLElement::canonicalTagName(emptyTag->getName(), naming), emptyTag, naming);
 }

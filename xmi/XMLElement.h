@@ -31,8 +31,9 @@ public:
     // What a reference to this element reads as in a type: by default its name.
     virtual TypeRecord typeRecord(const _eHndl<Context>& context) const;
 
-    // The elements of the subtree by the ids in their attribute `idAttribute`.
-    _eHndl<XMLDictionary> dictionary(const _eString& idAttribute = L"xmi.id") const;
+    // The elements of the subtree by the ids in their attribute `idAttribute`; without
+    // `extensions`, none within an "XMI.extension".
+    _eHndl<XMLDictionary> dictionary(const _eString& idAttribute = L"xmi.id", bool extensions = true) const;
     // The attribute's text if it is there, else the one child element's "xmi.value" or text;
     // none if neither.
     std::optional<_eString> propertyText(const _eString& attribute, const _eString& subElement,
@@ -45,6 +46,9 @@ public:
     NameRecord readName() const;
     // The type of the feature, given by the attribute "type" or the one child `elementName`.
     TypeRecord readType(const _eString& elementName, const _eHndl<Context>& context) const;
+    // What the id in an XML attribute leads to (or, for features that name their types, the
+    // type of that name).
+    static TypeRecord typeOfAttribute(const _eString& text, const _eHndl<Context>& context);
     // What the reference in this element's content leads to: followed exactly one step.
     TypeRecord referencedType(const _eHndl<Context>& context) const;
     // The one range at `multiplicityElement`, "UML:Multiplicity", "UML:Multiplicity.range",
@@ -55,6 +59,11 @@ public:
     // The pairs of a class: "isLeaf" and "isAbstract".
     _eString isLeaf(const _eHndl<Context>& context) const;
     _eString isAbstract(const _eHndl<Context>& context) const;
+    // The XML attribute `name` when every form is read; none otherwise.
+    std::optional<_eString> olderAttribute(const wchar_t* name, const _eHndl<Context>& context) const;
+    // A flag as written, or, where it is left out ("?") and every form is read, the older
+    // attribute `olderName` ("1" or "true" for true).
+    _eString flagOrOlder(const _eString& written, const wchar_t* olderName, const _eHndl<Context>& context) const;
     // The text that documents the element, if the model gives one.
     std::optional<_eString> documentation(const _eHndl<Context>& context) const;
     // An element built from a tag of the vocabulary, not an `UnrecognisedElement`.
@@ -133,8 +142,6 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule20, 9};
     using _eClass::_eClass;
     bool equalFields(const FCClassifierFeatureElement& other) const { return XMLElement::equalFields(other); }
-    // The attributes, then the operations, each kind in document order.
-    void readFeatures(const _eHndl<Context>& context, std::vector<FeatureRecord>& features) const;
 };
 
 // "UML:Attribute".
@@ -156,6 +163,9 @@ public:
     OperationRecord read(const _eHndl<Context>& context) const;
     // A parameter at "UML:BehavioralFeature.parameter", "UML:Parameter".
     static ParameterRecord readParameter(const XMLElement& parameter, const _eHndl<Context>& context);
+    // The result that the operation's own "type" attribute gives, where no parameter is one.
+    std::optional<ParameterRecord> olderResult(const _eHndl<Context>& context,
+                                               const std::vector<ParameterRecord>& parameters) const;
 };
 
 // "UML:Class".
@@ -171,6 +181,9 @@ public:
     // Everything the class declaration is made of: its name and modifiers, its features, the
     // associations that involve it and the parents its generalizations give.
     static ClassRecord readClass(const XMLElement& element, const _eHndl<Context>& context);
+    // The attributes of `content`, then its operations, each kind in document order.
+    static void readFeatures(const XMLcontent& content, const _eHndl<Context>& context,
+                             std::vector<FeatureRecord>& features);
 };
 
 // "UML:Association": known through the dictionary, wherever it stands.
@@ -184,7 +197,18 @@ public:
     // The ids that the ends refer to: the classes that the association involves.
     Names endTypeIds(const _eHndl<Context>& context) const;
     // The elements at "UML:Association.connection", "UML:AssociationEnd" that name their type by a child.
-    ElementSeq ends() const;
+    ElementSeq ends(const _eHndl<Context>& context) const;
+
+private:
+    // How an end names its type: `named` false when it doesn't.
+    struct EndType {
+        bool named = false;
+        _eString id;          // as written
+        bool single = false;  // one element names it
+        TypeRecord type;      // what it reads as
+        TypeRecord role;      // what names an unnamed end
+    };
+    static EndType endType(const XMLElement& end, const _eHndl<Context>& context);
 };
 
 // "UML:Generalization": known through the dictionary, wherever it stands.
@@ -202,6 +226,12 @@ public:
     static const Names& childNames();
     static const Names& parentNames();
     static const Names& innerNames();
+
+private:
+    // The id at `elementNames` and one of the inner elements, or in the XML attribute
+    // `attribute` or `older`.
+    _eString endId(const Names& elementNames, const wchar_t* attribute, const wchar_t* older,
+                   const _eHndl<Context>& context) const;
 };
 
 // The factory that the reductions call: the tag name decides the class.
@@ -209,7 +239,8 @@ class ElementCreation {
 public:
     static _eFrom<XMLElement> createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
                                             const _eHndl<XMLETag>& endTag, TagNaming naming = TagNaming::specified);
-    // Always an `UnrecognisedElement`, with empty content.
+    // An `UnrecognisedElement`, with empty content; with `byTag`, the class of its tag as for a
+    // start tag, unless it is a reference.
     static _eFrom<XMLElement> createEmptyElement(const _eHndl<XMLEmptyElemTag>& emptyTag,
-                                                 TagNaming naming = TagNaming::specified);
+                                                 TagNaming naming = TagNaming::specified, bool byTag = false);
 };

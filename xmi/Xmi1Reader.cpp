@@ -51,15 +51,28 @@ std::optional<_eString> taggedValue(const XMLElement& element, const wchar_t* ta
     return std::nullopt;
 }
 
+// In every form, an initial value written as an XML attribute, "initialValue" or "value"; an
+// empty one is none.
+std::optional<_eString> olderInitialValue(const XMLElement& element, const _eHndl<Context>& context) {
+    for (const wchar_t* name : {L"initialValue", L"value"})
+        if (std::optional<_eString> text = element.olderAttribute(name, context))
+            if (!text->isEmpty()) return text;
+    return std::nullopt;
+}
+
+MemberForms formsOf(const ImportExtensions& extensions) {
+    return extensions.everyForm ? MemberForms::every : MemberForms::specified;
+}
+
 }  // namespace
 
 // What documents an element: its tagged value "documentation", else the "comment" attribute
-// that some exporters write.
+// that some exporters write; in every form also a "documentation" attribute.
 std::optional<_eString> XMLElement::documentation(const _eHndl<Context>& context) const {
     if (std::optional<_eString> text = taggedValue(*this, L"documentation", context)) return text;
     static const _eString comment = L"comment";
     if (hasAttribute(comment)) return attributeText(comment, context);
-    return std::nullopt;
+    return olderAttribute(L"documentation", context);
 }
 
 bool Xmi1Reader::readsDocument() const { return root->getName() == _eString(L"XMI"); }
@@ -71,14 +84,15 @@ bool Xmi1Reader::isPackage(const XMLElement& element) const {
 }
 
 ClassRecord Xmi1Reader::readClass(const FoundClass& found, const _eHndl<Context>& context) const {
-    ClassRecord record = FCClassElement::readClass(*found.element, context);
-    record.documentation = found.element->documentation(context);
+    _eHndl<Context> reading = context->reading(forms);
+    ClassRecord record = FCClassElement::readClass(*found.element, reading);
+    record.documentation = found.element->documentation(reading);
     record.packagePath = found.packagePath;
     return record;
 }
 
-std::shared_ptr<const ModelReader> Xmi1PathReader::recognise(const XMLElement& root) {
-    return std::make_shared<const Xmi1PathReader>(root);
+std::shared_ptr<const ModelReader> Xmi1PathReader::recognise(const XMLElement& root, const ImportExtensions& extensions) {
+    return std::make_shared<const Xmi1PathReader>(root, formsOf(extensions));
 }
 
 bool Xmi1PathReader::isClass(const XMLElement& element) const {
@@ -100,8 +114,9 @@ ElementSeq Xmi1PathReader::descent(const XMLElement& element) const {
     return index == end ? ElementSeq() : element.getContent()->childrenInSet(steps.elements().get(index).second);
 }
 
-std::shared_ptr<const ModelReader> Xmi1AnywhereReader::recognise(const XMLElement& root) {
-    return std::make_shared<const Xmi1AnywhereReader>(root);
+std::shared_ptr<const ModelReader> Xmi1AnywhereReader::recognise(const XMLElement& root,
+                                                                 const ImportExtensions& extensions) {
+    return std::make_shared<const Xmi1AnywhereReader>(root, formsOf(extensions));
 }
 
 bool Xmi1AnywhereReader::isClass(const XMLElement& element) const {
@@ -118,8 +133,9 @@ TypeRecord FCClassElement::typeRecord(const _eHndl<Context>& context) const {
     return {TypeRecord::classType, readName(), XmiWords::flag(isLeaf(context))};
 }
 
-// The features of every "UML:Classifier.feature" in turn; then the associations and
-// generalizations that name the class's id, in the order the dictionary keeps them.
+// The features of every "UML:Classifier.feature" in turn (in every form, then those straight
+// under the class); then the associations and generalizations that name the class's id, in the
+// order the dictionary keeps them.
 ClassRecord FCClassElement::readClass(const XMLElement& element, const _eHndl<Context>& context) {
     ClassRecord record;
     record.id = idOf(element);
@@ -128,8 +144,10 @@ ClassRecord FCClassElement::readClass(const XMLElement& element, const _eHndl<Co
     record.isAbstract = XmiWords::flag(element.isAbstract(context));
     forEachChild<FCClassifierFeatureElement>(*element.getContent(), L"UML:Classifier.feature",
                                              [&](const FCClassifierFeatureElement& group) {
-                                                 group.readFeatures(context, record.features);
+                                                 readFeatures(*group.getContent(), context, record.features);
                                              });
+    if (context->everyForm())
+        readFeatures(*element.getContent(), context->reading(MemberForms::everyByName), record.features);
     if (!element.hasAttribute(L"xmi.id")) return record;
     Associations associations = context->getDictionary()->associationsOf(record.id, context);
     for (int i = 0, n = associations.size(); i < n; ++i) record.associations.push_back(associations.at(i)->read(context));
@@ -139,11 +157,12 @@ ClassRecord FCClassElement::readClass(const XMLElement& element, const _eHndl<Co
     return record;
 }
 
-void FCClassifierFeatureElement::readFeatures(const _eHndl<Context>& context, std::vector<FeatureRecord>& features) const {
-    forEachChild<FCAttributeElement>(*getContent(), L"UML:Attribute", [&](const FCAttributeElement& attribute) {
+void FCClassElement::readFeatures(const XMLcontent& content, const _eHndl<Context>& context,
+                                  std::vector<FeatureRecord>& features) {
+    forEachChild<FCAttributeElement>(content, L"UML:Attribute", [&](const FCAttributeElement& attribute) {
         features.emplace_back(attribute.read(context));
     });
-    forEachChild<FCOperationElement>(*getContent(), L"UML:Operation", [&](const FCOperationElement& operation) {
+    forEachChild<FCOperationElement>(content, L"UML:Operation", [&](const FCOperationElement& operation) {
         features.emplace_back(operation.read(context));
     });
 }
@@ -158,6 +177,8 @@ AttributeRecord FCAttributeElement::read(const _eHndl<Context>& context) const {
     ElementSeq expressions = getContent()->elementsAtPath({L"UML:Attribute.initialValue", L"UML:Expression"});
     if (expressions.size() == 1)
         record.initialValue = expressions.get(0)->propertyText(L"body", L"UML:Expression.body", context);
+    else if (expressions.isEmpty())
+        record.initialValue = olderInitialValue(*this, context);
     record.type = readType(L"UML:StructuralFeature.type", context);
     record.multiplicity = readMultiplicity(L"UML:StructuralFeature.multiplicity", context);
     record.documentation = documentation(context);
@@ -169,13 +190,35 @@ OperationRecord FCOperationElement::read(const _eHndl<Context>& context) const {
     record.id = idOf(*this);
     record.name = readName();
     record.visibility = XmiWords::visibility(visibility(context));
-    record.isAbstract = XmiWords::flag(attributeOrSubElement(L"isAbstract", L"UML:Operation.isAbstract", context));
+    record.isAbstract = XmiWords::flag(
+        flagOrOlder(attributeOrSubElement(L"isAbstract", L"UML:Operation.isAbstract", context), L"abstract", context));
     record.isLeaf = XmiWords::flag(attributeOrSubElement(L"isLeaf", L"UML:Operation.isLeaf", context));
     record.scope = XmiWords::scope(attributeOrSubElement(L"ownerScope", L"UML:Feature.ownerScope", context));
+    if (record.scope == Scope::unknown)
+        if (std::optional<_eString> older = olderAttribute(L"static", context))
+            record.scope = textIs(*older, L"1") || textIs(*older, L"true") ? Scope::classifier : Scope::instance;
     ElementSeq all = getContent()->elementsAtPath({L"UML:BehavioralFeature.parameter", L"UML:Parameter"});
+    if (context->everyForm()) all = all.concat(getContent()->childrenNamed(L"UML:Parameter"));
     for (int i = 0, n = all.size(); i < n; ++i) record.parameters.push_back(readParameter(*all.get(i), context));
+    if (std::optional<ParameterRecord> result = olderResult(context, record.parameters))
+        record.parameters.push_back(*result);
     record.documentation = documentation(context);
     return record;
+}
+
+// In every form, an operation without a result parameter whose XML attribute "type" gives its
+// result: by id, or by name straight under the class; "void" or nothing is no result.
+std::optional<ParameterRecord> FCOperationElement::olderResult(const _eHndl<Context>& context,
+                                                               const std::vector<ParameterRecord>& parameters) const {
+    std::optional<_eString> type = olderAttribute(L"type", context);
+    if (!type || type->isEmpty()) return std::nullopt;
+    for (const ParameterRecord& each : parameters)
+        if (each.direction == Direction::result) return std::nullopt;
+    ParameterRecord result;
+    result.direction = Direction::result;
+    result.type = readType(L"UML:Operation.type", context);
+    result.voidResult = !result.type.resolved() || ClassRenderer::readsVoid(result.type);
+    return result;
 }
 
 // A result is void when its type element says "void" by value or by what it refers to; a
@@ -205,31 +248,51 @@ ParameterRecord FCOperationElement::readParameter(const XMLElement& parameter, c
     return record;
 }
 
-ElementSeq FCAssociationElement::ends() const {
+// In every form an end may also name its type by the child "UML:AssociationEnd.participant",
+// or by the XML attribute "type" or "participant".
+FCAssociationElement::EndType FCAssociationElement::endType(const XMLElement& end, const _eHndl<Context>& context) {
+    ElementSeq types = end.getContent()->childrenNamed(L"UML:AssociationEnd.type");
+    if (types.isEmpty() && context->everyForm()) {
+        types = end.getContent()->childrenNamed(L"UML:AssociationEnd.participant");
+        if (types.isEmpty())
+            for (const wchar_t* name : {L"type", L"participant"})
+                if (std::optional<_eString> id = end.olderAttribute(name, context)) {
+                    TypeRecord type = typeOfAttribute(*id, context);
+                    return {true, *id, true, type, type};
+                }
+        if (types.isEmpty()) return {};
+        return {true, types.get(0)->getContent()->referencedId(context), types.size() == 1,
+                end.readType(L"UML:AssociationEnd.participant", context),
+                types.size() == 1 ? types.get(0)->referencedType(context) : TypeRecord()};
+    }
+    if (types.isEmpty()) return {};
+    return {true, types.get(0)->getContent()->referencedId(context), types.size() == 1,
+            end.readType(L"UML:AssociationEnd.type", context),
+            types.size() == 1 ? types.get(0)->referencedType(context) : TypeRecord()};
+}
+
+ElementSeq FCAssociationElement::ends(const _eHndl<Context>& context) const {
     ElementSeq all = getContent()->elementsAtPath({L"UML:Association.connection", L"UML:AssociationEnd"});
     ElementSeq out;
     for (int i = 0, n = all.size(); i < n; ++i)
-        if (all.get(i)->getContent()->hasChild(L"UML:AssociationEnd.type")) out.pushBack(all.get(i));
+        if (endType(*all.get(i), context).named) out.pushBack(all.get(i));
     return out;
 }
 
 Names FCAssociationElement::endTypeIds(const _eHndl<Context>& context) const {
-    ElementSeq all = ends();
+    ElementSeq all = ends(context);
     Names ids;
-    for (int i = 0, n = all.size(); i < n; ++i) {
-        ElementSeq types = all.get(i)->getContent()->childrenNamed(L"UML:AssociationEnd.type");
-        ids.add(types.get(0)->getContent()->referencedId(context));
-    }
+    for (int i = 0, n = all.size(); i < n; ++i) ids.add(endType(*all.get(i), context).id);
     return ids;
 }
 
 AssociationRecord FCAssociationElement::read(const _eHndl<Context>& context) const {
     AssociationRecord record;
     record.id = idOf(*this);
-    ElementSeq all = ends();
+    ElementSeq all = ends(context);
     for (int i = 0, n = all.size(); i < n; ++i) {
         const XMLElement& end = *all.get(i);
-        ElementSeq types = end.getContent()->childrenNamed(L"UML:AssociationEnd.type");
+        EndType type = endType(end, context);
         AssociationEndRecord endRecord;
         endRecord.id = idOf(end);
         endRecord.name = end.readName();
@@ -238,10 +301,10 @@ AssociationRecord FCAssociationElement::read(const _eHndl<Context>& context) con
             XmiWords::flag(end.attributeOrSubElement(L"isNavigable", L"UML:AssociationEnd.isNavigable", context));
         endRecord.aggregation =
             XmiWords::aggregation(end.attributeOrSubElement(L"aggregation", L"UML:AssociationEnd.aggregation", context));
-        endRecord.typeId = types.get(0)->getContent()->referencedId(context);
-        endRecord.singleType = types.size() == 1;
-        endRecord.type = end.readType(L"UML:AssociationEnd.type", context);
-        if (endRecord.singleType) endRecord.roleType = types.get(0)->referencedType(context);
+        endRecord.typeId = type.id;
+        endRecord.singleType = type.single;
+        endRecord.type = type.type;
+        endRecord.roleType = type.role;
         endRecord.multiplicity = end.readMultiplicity(L"UML:AssociationEnd.multiplicity", context);
         record.ends.push_back(endRecord);
     }
@@ -263,12 +326,20 @@ const Names& FCGeneralizationElement::innerNames() {
     return names;
 }
 
+// In every form the ids may also stand in the XML attributes "child" or "subtype", "parent" or
+// "supertype".
+_eString FCGeneralizationElement::endId(const Names& elementNames, const wchar_t* attribute, const wchar_t* older,
+                                        const _eHndl<Context>& context) const {
+    for (const wchar_t* name : {attribute, older})
+        if (std::optional<_eString> id = olderAttribute(name, context)) return *id;
+    return getContent()->grandchildAttributeInSet(elementNames, innerNames(), L"xmi.idref", context);
+}
+
 _eString FCGeneralizationElement::childId(const _eHndl<Context>& context) const {
-    return getContent()->grandchildAttributeInSet(childNames(), innerNames(), L"xmi.idref", context);
+    return endId(childNames(), L"child", L"subtype", context);
 }
 
 TypeRecord FCGeneralizationElement::readParent(const _eHndl<Context>& context) const {
-    _eFrom<XMLElement> found =
-        context->lookup(getContent()->grandchildAttributeInSet(parentNames(), innerNames(), L"xmi.idref", context));
+    _eFrom<XMLElement> found = context->lookup(endId(parentNames(), L"parent", L"supertype", context));
     return found.isNull() ? TypeRecord{TypeRecord::unresolved, {}, false} : TypeRecord{TypeRecord::named, found->readName(), false};
 }

@@ -14,12 +14,16 @@ public:
     // The attribute "name", else the one "UML:ModelElement.name".
     NameRecord readName(const XMLElement& element) const override;
     bool readsXmi1Ids() const override { return true; }
+    // In every form, the ids of the tools' records are left out.
+    bool countsExtensionIds() const override { return forms == MemberForms::specified; }
 
 protected:
-    using ModelReader::ModelReader;
+    Xmi1Reader(const XMLElement& root, MemberForms forms) : ModelReader(root), forms(forms) {}
 
     // "UML:Package" and "UML:Subsystem".
     bool isPackage(const XMLElement& element) const override;
+
+    MemberForms forms;  // the forms of members read
 };
 
 // The one path of an XMI 1.x document: "XMI", "XMI.content", "UML:Model",
@@ -28,9 +32,10 @@ protected:
 // count: a reference or an empty-element tag stops the path.
 class Xmi1PathReader : public Xmi1Reader {
 public:
-    explicit Xmi1PathReader(const XMLElement& root) : Xmi1Reader(root) {}
+    explicit Xmi1PathReader(const XMLElement& root, MemberForms forms = MemberForms::specified)
+        : Xmi1Reader(root, forms) {}
     // Every document: the path reader is the last row of the table.
-    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root);
+    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ImportExtensions& extensions = {});
 
 protected:
     bool isClass(const XMLElement& element) const override;
@@ -42,9 +47,10 @@ protected:
 // start tag or as an empty-element tag. A class that holds another comes first, whole.
 class Xmi1AnywhereReader : public Xmi1Reader {
 public:
-    explicit Xmi1AnywhereReader(const XMLElement& root) : Xmi1Reader(root) {}
+    explicit Xmi1AnywhereReader(const XMLElement& root, MemberForms forms = MemberForms::specified)
+        : Xmi1Reader(root, forms) {}
     // Every document, as the path reader: an XMI 1.x document and anything not XMI 2.
-    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root);
+    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ImportExtensions& extensions = {});
 
 protected:
     bool isClass(const XMLElement& element) const override;

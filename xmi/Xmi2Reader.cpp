@@ -35,7 +35,7 @@ const TypeRecord unresolvedType{TypeRecord::unresolved, {}, false};
 
 }  // namespace
 
-std::shared_ptr<const ModelReader> Xmi2Reader::recognise(const XMLElement& root) {
+std::shared_ptr<const ModelReader> Xmi2Reader::recognise(const XMLElement& root, const ImportExtensions&) {
     Names xmiPrefixes;
     Names umlPrefixes;
     const AttributeMap& attributes = root.getAttributes();

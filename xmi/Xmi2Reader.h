@@ -22,7 +22,7 @@ public:
     // The reading of the document of `root` if it is an XMI 2 document: its root is "XMI" in a
     // prefix bound to an XMI 2 namespace, or an element of UML with that prefix's "version".
     // Null otherwise.
-    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root);
+    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ImportExtensions& extensions = {});
 
     // Made by `recognise` only; `xmiPrefix` names the XMI attributes, `umlPrefixes` the
     // prefixes bound to UML.

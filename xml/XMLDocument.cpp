@@ -19,7 +19,7 @@ void XMLDocument::analyse() {
 }
 
 const _eHndl<XMLDictionary>& XMLDocument::getDictionary() const {
-    if (analysed && dictionary.isNull()) dictionary = root->dictionary();
+    if (analysed && dictionary.isNull()) dictionary = root->dictionary(L"xmi.id", modelReader().countsExtensionIds());
     return dictionary;
 }
 

@@ -45,6 +45,13 @@ struct ImportExtensions {
     // data. Off by default: an entity reads as the placeholder "[[EntityRef'amp']]", and a
     // reference in character data is left out of its text.
     bool decodeReferences = false;
+    // Members read in every form exporters write, into the same declarations as their long
+    // forms: attributes, operations, parameters, generalizations and association ends written as
+    // empty-element tags; ids, names and multiplicities in XML attributes ("type", "child" and
+    // "parent", "participant", multiplicity="0..*"); features straight under the class, with the
+    // older attribute names ("scope", "static", "abstract", "value", a "type" by name). Off by
+    // default: an empty-element tag is a reference or nothing.
+    bool everyForm = false;
 };
 
 static_assert(std::is_trivially_copyable_v<ImportExtensions>, "extensions are copied as bytes up to their size");
@@ -66,7 +73,17 @@ inline constexpr ImportSwitch importSwitches[] = {
      "never lay out a text of the model as a comment, whatever it starts with"},
     {"decode-references", &ImportExtensions::decodeReferences, 16u,
      "read entities and character references as the characters they stand for"},
+    {"every-form", &ImportExtensions::everyForm, 32u,
+     "read members in every form exporters write (empty-element tags, ids in XML attributes)"},
 };
+
+// Every switch on: what the command line, the facade, the C API and Python read with unless
+// the specified behaviour is asked for.
+inline ImportExtensions everyExtension() {
+    ImportExtensions extensions;
+    for (const ImportSwitch& each : importSwitches) extensions.*each.field = true;
+    return extensions;
+}
 
 // Sets the switch of that name; false when there is none.
 inline bool setImportSwitch(ImportExtensions& extensions, std::string_view name, bool on) {

@@ -38,13 +38,16 @@ enum {
 };
 
 /* Flags of the options: the switches of the library's extensions (mb_switch_name tells them
- * all by name), and the header's time. */
+ * all by name), and the header's time. mb_parse_options_init sets every switch; MB_SPECIFIED
+ * turns them all off, for exactly the library's specified results. */
 enum {
     MB_XMI2 = 1,               /* also read UML 2 models saved as XMI 2.x */
     MB_ANYWHERE = 2,           /* find classes wherever exporters put them */
     MB_REPRODUCIBLE = 4,       /* the header's time from SOURCE_DATE_EPOCH when it is set */
     MB_PLAIN_MODEL_TEXT = 8,   /* never lay out a text of the model as a comment */
-    MB_DECODE_REFERENCES = 16  /* entities and character references read as their characters */
+    MB_DECODE_REFERENCES = 16, /* entities and character references read as their characters */
+    MB_EVERY_FORM = 32,        /* members in every form exporters write */
+    MB_SPECIFIED = 0x40000000  /* no extension, whatever the other flags say */
 };
 
 /* Options of a parse, for mb_parse_with. It opens with its own size, so that a library newer
@@ -58,7 +61,7 @@ typedef struct mb_parse_options {
     const char* file_prefix; /* before the name of every file written; null for none */
 } mb_parse_options;
 
-/* The options of mb_parse: the same fields, without a size. */
+/* The options of mb_parse: the same fields, without a size; a null pointer for every default. */
 typedef struct mb_options {
     unsigned flags;
     int line_width;

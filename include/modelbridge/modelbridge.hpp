@@ -38,8 +38,9 @@ struct Diagnostic {
     std::string text;     // "model.xmi (2,6): Fatal error! Syntax error at ''c''."
 };
 
-// How a model is read and its text laid out. Every extension is off by default: a model parsed
-// with default options gives exactly the library's specified results.
+// How a model is read and its text laid out. Every extension is on by default, so that as much
+// of a model as the library can read reaches the text; `Options::specified()` turns them all
+// off, for exactly the library's specified results.
 struct Options {
     bool xmi2 = false;      // also read UML 2 models saved as XMI 2.x (as `extensions.xmi2`)
     bool anywhere = false;  // find classes wherever exporters put them (as `extensions.anywhere`)
@@ -50,8 +51,15 @@ struct Options {
     // since 1970, UTC) when it is set, so that builds repeat byte for byte.
     bool reproducible = false;
     // Every extension of the importer, each described where the value is declared;
-    // `setImportSwitch(options.extensions, "decode-references", true)` sets one by name.
-    ImportExtensions extensions;
+    // `setImportSwitch(options.extensions, "decode-references", false)` sets one by name.
+    ImportExtensions extensions = everyExtension();
+
+    // The options of the specified behaviour: no extension.
+    static Options specified() {
+        Options options;
+        options.extensions = ImportExtensions();
+        return options;
+    }
 };
 
 // The outcome of one call that writes: whether it wrote everything, and the diagnostics that

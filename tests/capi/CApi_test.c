@@ -68,14 +68,29 @@ int main(int argc, char** argv) {
     /* Options that open with their size; the switches known by name and flag. */
     mb_parse_options options;
     mb_parse_options_init(&options);
-    CHECK(options.size == sizeof options && options.flags == 0 && options.line_width == 0);
+    CHECK(options.size == sizeof options && options.line_width == 0 &&
+          options.flags == (MB_XMI2 | MB_ANYWHERE | MB_PLAIN_MODEL_TEXT | MB_DECODE_REFERENCES | MB_EVERY_FORM));
     options.line_width = 5;
     CHECK(mb_parse_with(model_path, &options, &model) == MB_INVALID_ARGUMENT);
     mb_free(model);
     options.size = 1;
     CHECK(mb_parse_with(model_path, &options, &model) == MB_INVALID_ARGUMENT && model == NULL);
-    CHECK(mb_switch_count() == 4 && strcmp(mb_switch_name(3), "decode-references") == 0);
-    CHECK(mb_switch_flag(3) == MB_DECODE_REFERENCES && mb_switch_name(4) == NULL && mb_switch_flag(-1) == 0);
+    CHECK(mb_switch_count() == 5 && strcmp(mb_switch_name(3), "decode-references") == 0);
+    CHECK(mb_switch_flag(4) == MB_EVERY_FORM && mb_switch_name(5) == NULL && mb_switch_flag(-1) == 0);
+
+    /* Every extension by default: a class in a subsystem is found; MB_SPECIFIED turns them all off. */
+    char nested[4096];
+    snprintf(nested, sizeof nested, "%s/nested.xmi", directory);
+    FILE* nestedFile = fopen(nested, "w");
+    fputs("<XMI><XMI.content><UML:Model><UML:Namespace.ownedElement><UML:Subsystem><UML:Class xmi.id='n' name='Inner'/>"
+          "</UML:Subsystem></UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n", nestedFile);
+    fclose(nestedFile);
+    CHECK(mb_parse(nested, NULL, &model) == MB_OK && mb_class_count(model) == 1);
+    mb_free(model);
+    mb_parse_options_init(&options);
+    options.flags |= MB_SPECIFIED;
+    CHECK(mb_parse_with(nested, &options, &model) == MB_OK && mb_class_count(model) == 0);
+    mb_free(model);
 
     char bad[4096];
     snprintf(bad, sizeof bad, "%s/bad.xmi", directory);

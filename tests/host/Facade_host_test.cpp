@@ -114,15 +114,17 @@ TEST_F(Facade, DiagnosticsInPartsAndOptions) {
     EXPECT_TRUE(fs::exists(dir / "tv_Customer.tv"));
     EXPECT_EQ(Model::parse(bank).renderClass("Customer").find("22:13:20 on Tuesday"), std::string::npos);
 
-    // The extensions by name: a class inside a subsystem is found only with "anywhere".
+    // Every extension by default; the specified options have none, and take them back by name:
+    // a class inside a subsystem is found only with "anywhere".
     fs::path nested = write("nested.xmi", "<XMI><XMI.content><UML:Model><UML:Namespace.ownedElement><UML:Subsystem>"
                                              "<UML:Class xmi.id='n' name='Inner'/></UML:Subsystem>"
                                              "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>");
-    modelbridge::Options switched;
+    modelbridge::Options switched = modelbridge::Options::specified();
+    EXPECT_TRUE(Model::parse(nested, switched).classes().empty());
     EXPECT_TRUE(setImportSwitch(switched.extensions, "anywhere", true));
     EXPECT_FALSE(setImportSwitch(switched.extensions, "everywhere", true));
-    EXPECT_TRUE(Model::parse(nested).classes().empty());
     EXPECT_EQ(Model::parse(nested, switched).classes(), std::vector<std::string>{"Inner"});
+    EXPECT_EQ(Model::parse(nested).classes(), std::vector<std::string>{"Inner"});
 }
 
 // A Latin-1 model's names come back in UTF-8, and the same text finds them again and names

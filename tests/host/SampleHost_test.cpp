@@ -115,19 +115,20 @@ TEST_F(SampleHost, FoldersAreMadeAndRunsThatWriteNothingFail) {
     EXPECT_NE(stat((dir + "/none").c_str(), &info), 0);  // no folder for nothing
     EXPECT_NE(stat((dir + "/Nope.tv").c_str(), &info), 0);
 
-    // Classes off the specified path: the host names the option that finds them.
+    // Classes off the specified path: the host finds them, and names the option that finds them
+    // when the specified road is asked for.
     const std::string offModel = std::string(MODELBRIDGE_PROJECT_DIR) + "/tests/data/anywhere/magicdraw.xmi";
     const std::string offPath =
         "modelbridge-gen: no class stands on the path that XMI 1.x specifies, but 2 stand "
         "elsewhere in the model; --anywhere finds them\n";
-    HostRun plain = run(offModel + " -q -o " + dir);
+    HostRun plain = run(offModel + " -q --specified -o " + dir);
     EXPECT_EQ(plain.status, 1);
     EXPECT_EQ(plain.err, offPath + "modelbridge-gen: nothing to generate\n");
-    HostRun listed = run(offModel + " -q --list");
+    HostRun listed = run(offModel + " -q --list --specified");
     EXPECT_EQ(listed.status, 0);
     EXPECT_EQ(listed.out, "");
     EXPECT_EQ(listed.err, offPath);
-    HostRun anywhere = run(offModel + " --anywhere -q -o " + dir);
+    HostRun anywhere = run(offModel + " -q -o " + dir);
     EXPECT_EQ(anywhere.status, 0) << anywhere.err;
     EXPECT_EQ(anywhere.out, dir + "/Inner.tv\n" + dir + "/Outer.tv\n");
 
@@ -224,14 +225,15 @@ TEST_F(SampleHost, HelpManualAndReadmeAgree) {
     HostRun help = run("--help");
     EXPECT_EQ(help.status, 0);
     std::set<std::string> named = optionsAndCodes(help.out);
-    EXPECT_EQ(named.size(), 16u + 3u);
+    EXPECT_EQ(named.size(), 24u + 3u);
     EXPECT_EQ(named, optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/examples/modelbridge-gen.1.in")));
     std::set<std::string> codes = optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/README.md"));
     for (const char* code : {"0", "1", "2"}) EXPECT_EQ(codes.count(code), 1u) << code;
 }
 
-// Each switch of the library's extensions is an option of its own: decoded references and
-// model text that is never a comment change the text; without them it is as specified.
+// Each switch of the library's extensions is an option of its own, on by default: decoded
+// references and model text that is never a comment change the text; without them, switched
+// off one by one or all at once, it is as specified.
 TEST_F(SampleHost, SwitchesOfTheExtensionsAreOptions) {
     TempDir models;
     std::string model = models.write(
@@ -244,9 +246,13 @@ TEST_F(SampleHost, SwitchesOfTheExtensionsAreOptions) {
         const char* options;
         const char* text;
     };
+    const char* specified = "abstract\n\tvar\n\t//count\n\t: ?;\n\tvar a[[EntityRef'amp']]b: ?;\n";
+    const char* extended = "abstract\n\tvar //count: ?;\n\tvar a&b: ?;\n";
     const Row rows[] = {
-        {"", "abstract\n\tvar\n\t//count\n\t: ?;\n\tvar a[[EntityRef'amp']]b: ?;\n"},
-        {"--plain-model-text --decode-references", "abstract\n\tvar //count: ?;\n\tvar a&b: ?;\n"},
+        {"--specified", specified},
+        {"--no-plain-model-text --no-decode-references", specified},
+        {"", extended},
+        {"--specified --plain-model-text --decode-references", extended},
     };
     for (const Row& row : rows) {
         HostRun host = run(model + " -q -o " + dir + " " + row.options);
@@ -254,5 +260,5 @@ TEST_F(SampleHost, SwitchesOfTheExtensionsAreOptions) {
         std::string text = readFile(dir + "/Tally.tv");
         EXPECT_TRUE(contains(text, row.text)) << row.options << "\n" << text;
     }
-    EXPECT_EQ(run(model + " --xmi2").status, 2) << "the host reads UML 2 models always";
+    EXPECT_EQ(run(model + " --no-everywhere").status, 2);
 }

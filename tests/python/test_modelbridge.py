@@ -68,8 +68,11 @@ class ModelBridgeFromPython(unittest.TestCase):
                       "<UML:Attribute name='a&amp;b' visibility='private'></UML:Attribute>"
                       "</UML:Classifier.feature></UML:Class>"
                       "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n")
-        self.assertIn("var a[[EntityRef'amp']]b: ?;", modelbridge.parse(entity).render_class("Tally"))
-        self.assertIn("var a&b: ?;", modelbridge.parse(entity, decode_references=True).render_class("Tally"))
+        entity_ref = "var a[[EntityRef'amp']]b: ?;"
+        self.assertIn(entity_ref, modelbridge.parse(entity, specified=True).render_class("Tally"))
+        self.assertIn(entity_ref, modelbridge.parse(entity, decode_references=False).render_class("Tally"))
+        self.assertIn("var a&b: ?;", modelbridge.parse(entity, specified=True, decode_references=True).render_class("Tally"))
+        self.assertIn("var a&b: ?;", modelbridge.parse(entity).render_class("Tally"))
         with self.assertRaises(TypeError):
             modelbridge.parse(entity, no_such_switch=True)
 

@@ -12,17 +12,13 @@
 #include "environment/PlatformText.h"
 #include "support/TempDir.h"
 
-struct Extensions {
-    bool anywhere = false;
-    bool xmi2 = false;
-};
+using Extensions = ImportExtensions;
 
 struct ImportRun {
     ImportRun(const std::string& model, Extensions extensions, const std::string& fileName = "model.xmi") {
         _eHndl<Environment> environment(new Environment());
         XMLImporter importer(environment.get());
-        importer.findClassesAnywhere(extensions.anywhere);
-        importer.readXmi2Models(extensions.xmi2);
+        importer.chooseExtensions(extensions);
         importer.attemptParse(fromPlatformText(dir.write(fileName, model)), L"", parsed);
         _eSeq<_eString> list = importer.getClassList();
         _eSet<_eString> all;
