@@ -230,7 +230,10 @@ ParameterRecord Xmi2Reader::readParameter(const XMLElement& element) const {
     ParameterRecord record;
     record.id = vocabulary.id(element);
     record.name = readName(element);
-    record.direction = XmiWords::direction(vocabulary.property(element, L"direction", L"in"));
+    // Some exporters write the direction as "kind", the name UML 1.x gives it.
+    std::optional<_eString> direction = vocabulary.property(element, L"direction");
+    if (!direction) direction = vocabulary.property(element, L"kind");
+    record.direction = XmiWords::direction(direction.value_or(_eString(L"in")));
     record.type = readReference(element, L"type");
     if (record.direction != Direction::result) return record;
     bool untyped = typeCount(element) == 0;

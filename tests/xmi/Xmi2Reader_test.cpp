@@ -60,6 +60,12 @@ TEST(Xmi2Reader, OnlyWhenAskedForAndEmptyModels) {
     EXPECT_FALSE(specified.generated);
     EXPECT_EQ(specified.errors, (std::vector<std::wstring>{L"model.xmi (1,1): Fatal error! Not an XMI document."}));
 
+    // A result written with the "kind" of UML 1.x, as some exporters do, is the result.
+    ImportRun kind = xmi2(papyrus(
+        "<packagedElement xmi:type='uml:Class' xmi:id='c' name='C'><ownedOperation xmi:id='o' name='size'>"
+        "<ownedParameter xmi:id='r' name='returnparam' kind='return' type='c'/></ownedOperation></packagedElement>"));
+    EXPECT_NE(kind.files["C.tv"].find("function size: from C ^= ?;"), std::string::npos) << kind.files["C.tv"];
+
     ImportRun empty = xmi2(papyrus("<packagedElement xmi:type='uml:Package' xmi:id='p' name='P'/>"));
     EXPECT_TRUE(empty.parsed && empty.generated && empty.errors.empty());
     EXPECT_TRUE(empty.classes.empty());
