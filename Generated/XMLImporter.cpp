@@ -221,6 +221,7 @@ void XMLImporter::parseFile(const FileName* file, bool showProgress) {
     _eHndl<XMLLex> lexer(new XMLLex(state->environment.get(), state->tabWidth));
     bool opened = false;
     lexer->openFile(_eHndl<FileName>(new FileName(*file)), opened);
+    if (opened && state->extensions.decodeEncodings) lexer->readAsUtf8();
     if (opened) {
         std::int32_t start = state->environment->processorTime();
         processAllTokens(parser, lexer, showProgress);

@@ -38,6 +38,7 @@ set(MODELBRIDGE_SOURCES
   output/TarvaneElements.cpp
   output/TarvaneOutput.cpp
   xml/XMLLex.cpp
+  xml/TextEncodings.cpp
   xml/XMLcontent.cpp
   xml/XMLDocument.cpp
   xml/XMLValues.cpp

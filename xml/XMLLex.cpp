@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "xml/TextEncodings.h"
+
 namespace {
 
 // The punctuation that the grammar tells apart, each its own token.
@@ -67,6 +69,38 @@ void XMLLex::openFile(const _eHndl<FileName>& fileName, bool& succeeded) {
     file = ref;
     location = new Location(fileName);
     succeeded = true;
+}
+
+void XMLLex::readAsUtf8() {
+    _eFreeze freeze(this);
+    std::FILE* stream = file.isNull() ? nullptr : file->getStream();
+    if (stream == nullptr || bytesLeft <= 0) return;
+    std::string head(std::size_t(std::min<std::int32_t>(bytesLeft, 1024)), '\0');
+    head.resize(std::fread(head.data(), 1, head.size(), stream));
+    TextEncodings::Encoding encoding = TextEncodings::detect(head);
+    std::size_t mark = TextEncodings::markLength(head, encoding);
+    bool whole = encoding == TextEncodings::Encoding::asIs || encoding == TextEncodings::Encoding::utf8Mark;
+    if (whole && std::fseek(stream, long(mark), SEEK_SET) == 0) {
+        bytesLeft -= std::int32_t(mark);
+        return;
+    }
+    // Converted, or read on where the stream can't go back: the rest joins what was read.
+    std::string bytes = head;
+    bytes.resize(std::size_t(bytesLeft));
+    bytes.resize(head.size() + std::fread(bytes.data() + head.size(), 1, bytes.size() - head.size(), stream));
+    converted = std::make_shared<std::string>(TextEncodings::toUtf8(bytes, encoding));
+    FileError::_eEnum error;
+    environment->close(file, error);
+    file.reset();
+    bytesLeft = 0;
+    if (converted->empty()) return;
+    std::FILE* memory = fmemopen(converted->data(), converted->size(), "r");
+    if (memory == nullptr) {
+        addError(errors, location, XMLErrorType::fileRead, {path});
+        return;
+    }
+    file = new FileRef(memory, false);
+    bytesLeft = std::int32_t(converted->size());
 }
 
 void XMLLex::closeFile() {

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <string>
 
 #include "Generated/StackValue.h"
 #include "Generated/XMLError.h"
@@ -20,6 +22,10 @@ public:
     // Opens the file for reading and learns its size; failures go to the error set.
     virtual void openFile(const _eHndl<FileName>& fileName, bool& succeeded);
     virtual void closeFile();
+    // After `openFile`: an input that a byte-order mark, UTF-16 or its declared encoding
+    // (ISO-8859-1, windows-1252) tells is read as the UTF-8 that stands for the same characters;
+    // a UTF-8 mark is passed over. Anything else is read as it stands.
+    void readAsUtf8();
     // The token of the next byte; at the end `Token::endOfFile`, again and again, a line further each time.
     virtual void nextToken(_eHndl<Terminal>& token);
     // Reads on while the next byte is a `member`, each as `nextToken` would have read it, at
@@ -49,4 +55,5 @@ private:
     _eString path;                     // the file's name, for messages
     _eHndl<const Environment> environment;
     std::int32_t tabWidth;             // distance of tab stops
+    std::shared_ptr<std::string> converted;  // the input as UTF-8, when `readAsUtf8` converted it: `file` reads it
 };

@@ -52,6 +52,11 @@ struct ImportExtensions {
     // older attribute names ("scope", "static", "abstract", "value", a "type" by name). Off by
     // default: an empty-element tag is a reference or nothing.
     bool everyForm = false;
+    // The input read as the characters it stands for whatever its encoding: a UTF-8 byte-order
+    // mark is passed over, UTF-16 with its mark (or with "<?" as its first characters) and a
+    // declared ISO-8859-1 or windows-1252 are converted to UTF-8 before the lexer reads them.
+    // Off by default: bytes are read as they stand, and a byte-order mark is a syntax error.
+    bool decodeEncodings = false;
 };
 
 static_assert(std::is_trivially_copyable_v<ImportExtensions>, "extensions are copied as bytes up to their size");
@@ -75,6 +80,8 @@ inline constexpr ImportSwitch importSwitches[] = {
      "read entities and character references as the characters they stand for"},
     {"every-form", &ImportExtensions::everyForm, 32u,
      "read members in every form exporters write (empty-element tags, ids in XML attributes)"},
+    {"decode-encodings", &ImportExtensions::decodeEncodings, 64u,
+     "read a byte-order mark, UTF-16, ISO-8859-1 and windows-1252 as the characters they stand for"},
 };
 
 // Every switch on: what the command line, the facade, the C API and Python read with unless
