@@ -233,7 +233,7 @@ void XMLImporter::parseFile(const FileName* file, bool showProgress) {
         state->document = dynamic_cast<XMLDocument*>(parser->getResult().get());
         if (!state->document.isNull())
             state->document.uniquePointer()->chooseReader(
-                ModelReader::choose(*state->document->getRoot(), state->extensions));
+                ModelReader::choose(*state->document->getRoot(), state->extensions), state->extensions.safeNames);
         lexer->closeFile();
         addErrors(parser->getErrors());
     } else {

@@ -46,6 +46,7 @@ set(MODELBRIDGE_SOURCES
   xmi/ClassRenderer.cpp
   xmi/Context.cpp
   xmi/ModelReader.cpp
+  xmi/ModelNames.cpp
   xmi/XMLDictionary.cpp
   xmi/XMLElement.cpp
   xmi/Xmi1Reader.cpp

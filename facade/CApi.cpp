@@ -16,9 +16,10 @@ static_assert(int(modelbridge::Severity::information) == MB_INFORMATION && int(m
               "the C severities are the facade's in order");
 static_assert(importSwitches[0].flag == MB_XMI2 && importSwitches[1].flag == MB_ANYWHERE &&
                   importSwitches[2].flag == MB_PLAIN_MODEL_TEXT && importSwitches[3].flag == MB_DECODE_REFERENCES &&
-                  importSwitches[4].flag == MB_EVERY_FORM && importSwitches[5].flag == MB_DECODE_ENCODINGS,
+                  importSwitches[4].flag == MB_EVERY_FORM && importSwitches[5].flag == MB_DECODE_ENCODINGS &&
+                  importSwitches[6].flag == MB_SAFE_NAMES,
               "the C flags are the bits of the switches");
-static_assert(std::size(importSwitches) == 6, "every switch has its flag in the C header");
+static_assert(std::size(importSwitches) == 7, "every switch has its flag in the C header");
 
 struct mb_outcome {
     modelbridge::Result result;

@@ -48,8 +48,14 @@ struct TypeRecord {
     Kind kind = none;
     NameRecord name;    // of the element found
     bool leaf = false;  // for a class: it is a leaf
+    _eString id;        // of the element found, where it has one
 
     bool resolved() const { return kind == named || kind == classType || kind == library; }
+    static TypeRecord unresolvedReference() {
+        TypeRecord record;
+        record.kind = unresolved;
+        return record;
+    }
 };
 
 // The one multiplicity range of a feature, if it has exactly one.

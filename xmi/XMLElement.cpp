@@ -48,11 +48,18 @@ XMLErrors XMLElement::getErrors() const {
     return all;
 }
 
-TypeRecord XMLElement::typeRecord(const _eHndl<Context>&) const { return {TypeRecord::named, readName(), false}; }
+TypeRecord XMLElement::typeRecord(const _eHndl<Context>&) const {
+    return {TypeRecord::named, readName(), false, ownId()};
+}
+
+_eString XMLElement::ownId() const {
+    static const _eString idName = L"xmi.id";
+    return hasAttribute(idName) ? attributeText(idName, Context::shared()) : _eString();
+}
 
 namespace {
 
-const TypeRecord unresolvedType{TypeRecord::unresolved, {}, false};
+const TypeRecord unresolvedType = TypeRecord::unresolvedReference();
 
 }  // namespace
 
@@ -70,7 +77,7 @@ TypeRecord XMLElement::typeOfAttribute(const _eString& text, const _eHndl<Contex
     _eFrom<XMLElement> found = context->lookup(text);
     if (!found.isNull()) return found->typeRecord(context);
     if (context->getForms() == MemberForms::everyByName && !text.isEmpty())
-        return {TypeRecord::named, NameRecord::plain(text), false};
+        return {TypeRecord::named, NameRecord::plain(text), false, {}};
     return unresolvedType;
 }
 

@@ -73,6 +73,8 @@ public:
     const AttributeMap& getAttributes() const { return attributes; }
     const _eHndl<XMLcontent>& getContent() const { return content; }
     bool hasAttribute(const _eString& attribute) const { return attributes.containsKey(attribute); }
+    // The "xmi.id" of the element; empty when it has none.
+    _eString ownId() const;
     _eString attributeText(const _eString& attribute, const _eHndl<Context>& context) const;
 
     // "Foundation.Core.X", "Model_Management.X" and "Foundation.Data_Types.X" become "UML:X".

@@ -19,15 +19,7 @@ void forEachChild(const XMLcontent& content, const wchar_t* name, Visit visit) {
         if (const auto* element = dynamic_cast<const Element*>(children.get(i).get())) visit(*element);
 }
 
-// The names every element is asked for, made once.
-const _eString& idName() {
-    static const _eString name = L"xmi.id";
-    return name;
-}
-
-_eString idOf(const XMLElement& element) {
-    return element.hasAttribute(idName()) ? element.attributeText(idName(), Context::shared()) : _eString();
-}
+_eString idOf(const XMLElement& element) { return element.ownId(); }
 
 // The text of a tagged value whose tag is `tag`: written by name ("tag", UML 1.3) or as a
 // reference to a tag definition of that name (UML 1.4), its value in "value" or "dataValue".
@@ -130,7 +122,7 @@ ElementSeq Xmi1AnywhereReader::descent(const XMLElement& element) const {
 }
 
 TypeRecord FCClassElement::typeRecord(const _eHndl<Context>& context) const {
-    return {TypeRecord::classType, readName(), XmiWords::flag(isLeaf(context))};
+    return {TypeRecord::classType, readName(), XmiWords::flag(isLeaf(context)), ownId()};
 }
 
 // The features of every "UML:Classifier.feature" in turn (in every form, then those straight
@@ -341,5 +333,6 @@ _eString FCGeneralizationElement::childId(const _eHndl<Context>& context) const 
 
 TypeRecord FCGeneralizationElement::readParent(const _eHndl<Context>& context) const {
     _eFrom<XMLElement> found = context->lookup(endId(parentNames(), L"parent", L"supertype", context));
-    return found.isNull() ? TypeRecord{TypeRecord::unresolved, {}, false} : TypeRecord{TypeRecord::named, found->readName(), false};
+    return found.isNull() ? TypeRecord::unresolvedReference()
+                          : TypeRecord{TypeRecord::named, found->readName(), false, found->ownId()};
 }

@@ -28,10 +28,10 @@ TypeRecord libraryType(const _eString& href) {
     int hash = -1;
     for (int i = 0, n = href.size(); i < n; ++i)
         if (href.get(i) == L'#') hash = i;
-    return {TypeRecord::library, NameRecord::plain(href.drop(hash + 1)), false};
+    return {TypeRecord::library, NameRecord::plain(href.drop(hash + 1)), false, {}};
 }
 
-const TypeRecord unresolvedType{TypeRecord::unresolved, {}, false};
+const TypeRecord unresolvedType = TypeRecord::unresolvedReference();
 
 }  // namespace
 
@@ -133,6 +133,7 @@ TypeRecord Xmi2Reader::typeOfElement(const XMLElement& target) const {
     record.name = readName(target);
     record.kind = textIs(vocabulary.metaclass(target), L"Class") ? TypeRecord::classType : TypeRecord::named;
     record.leaf = record.kind == TypeRecord::classType && XmiWords::flag(vocabulary.property(target, L"isLeaf", L"false"));
+    record.id = vocabulary.id(target);
     return record;
 }
 

@@ -16,6 +16,13 @@ void XMLDocument::analyse() {
     analysed = true;
     found = modelReader().readsDocument() ? modelReader().classes() : ModelClasses();
     classes = found.byName;
+    if (!namesMadeSafe) return;
+    names = std::make_shared<const ModelNames>(found, modelReader());
+    classes = names->classMap();
+}
+
+_eString XMLDocument::nameOf(const XMLElement& element) const {
+    return names ? names->className(element) : modelReader().className(element);
 }
 
 const _eHndl<XMLDictionary>& XMLDocument::getDictionary() const {
@@ -55,7 +62,8 @@ _eHndl<TarvaneOutput> XMLDocument::declaration(const _eString& className) const 
     if (index == end) return TarvaneOutput::empty();
     const FoundClass* at = found.find(*classes.at(index).second);
     assert(at != nullptr);
-    return ClassRenderer::classDeclaration(modelReader().readClass(*at, generationContext()));
+    ClassRecord record = modelReader().readClass(*at, generationContext());
+    return ClassRenderer::classDeclaration(names ? names->apply(record, *at->element) : record);
 }
 
 void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
@@ -104,7 +112,9 @@ void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& cl
     _eHndl<Context> context = generationContext();
     _eHndl<TarvaneOutput> output = TarvaneOutput::empty();
     for (const FoundClass& each : (analysed ? found : walked).inOrder)
-        if (classNames.contains(modelReader().className(*each.element)))
-            output = output->concat(*ClassRenderer::classDeclaration(modelReader().readClass(each, context)));
+        if (classNames.contains(nameOf(*each.element))) {
+            ClassRecord record = modelReader().readClass(each, context);
+            output = output->concat(*ClassRenderer::classDeclaration(names ? names->apply(record, *each.element) : record));
+        }
     write(*output, targetFile, sourceFile, environment, options);
 }

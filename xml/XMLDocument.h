@@ -3,6 +3,7 @@
 #pragma once
 
 #include "output/TarvaneOutput.h"
+#include "xmi/ModelNames.h"
 #include "xmi/ModelReader.h"
 #include "xmi/XMLDictionary.h"
 
@@ -33,8 +34,14 @@ public:
     // when it is first asked for.
     virtual void analyse();
     // How the classes of the document are found and read, by `analyse` and by generation; until
-    // one is chosen, along the one path of XMI 1.x.
-    void chooseReader(const std::shared_ptr<const ModelReader>& modelReader) { reader = modelReader; }
+    // one is chosen, along the one path of XMI 1.x. With `safeNames`, every name the text
+    // carries is made an identifier and same-named classes are told apart by their packages.
+    void chooseReader(const std::shared_ptr<const ModelReader>& modelReader, bool safeNames = false) {
+        reader = modelReader;
+        namesMadeSafe = safeNames;
+    }
+    // The names changed, once `analyse` has made them safe; null otherwise.
+    const ModelNames* getNames() const { return names.get(); }
     virtual ClassMap getClasses() const { return classes; }
     // Every error joins those of the document, and those of the generation under way.
     void addError(const _eHndl<XMLError>& error) override;
@@ -57,6 +64,8 @@ private:
     const ModelReader& modelReader() const;
     // A fresh context on the dictionary; on the empty one before `analyse`.
     _eHndl<Context> generationContext() const;
+    // The name a class element found is known by.
+    _eString nameOf(const XMLElement& element) const;
     // The declaration of the class of that name; empty when there is none.
     _eHndl<TarvaneOutput> declaration(const _eString& className) const;
     void write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
@@ -68,5 +77,7 @@ private:
     ClassMap classes;                          // class name to class element
     mutable std::shared_ptr<const ModelReader> reader;  // how classes are found and read; null: the path of XMI 1.x
     ModelClasses found;                        // what the reader found, in order, with where each stands
+    bool namesMadeSafe = false;                // names are made safe at analysis
+    std::shared_ptr<const ModelNames> names;   // the names made safe; null when they aren't
     XMLErrors generationErrors;                // of the last generation alone
 };

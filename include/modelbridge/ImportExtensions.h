@@ -57,6 +57,13 @@ struct ImportExtensions {
     // declared ISO-8859-1 or windows-1252 are converted to UTF-8 before the lexer reads them.
     // Off by default: bytes are read as they stand, and a byte-order mark is a syntax error.
     bool decodeEncodings = false;
+    // Every name the text carries is a Tarvane identifier: characters other than letters, digits
+    // and "_" become "_" (letters beyond ASCII stay), a leading digit gets a "_" before it, and
+    // "operator<<" is the operator "<<". Classes that share a name in different packages are
+    // named with as many of their packages as tell them apart ("AssociationType_Enum"), in
+    // their files, the class list and every reference to them. Off by default: names stand as
+    // the model writes them.
+    bool safeNames = false;
 };
 
 static_assert(std::is_trivially_copyable_v<ImportExtensions>, "extensions are copied as bytes up to their size");
@@ -82,6 +89,8 @@ inline constexpr ImportSwitch importSwitches[] = {
      "read members in every form exporters write (empty-element tags, ids in XML attributes)"},
     {"decode-encodings", &ImportExtensions::decodeEncodings, 64u,
      "read a byte-order mark, UTF-16, ISO-8859-1 and windows-1252 as the characters they stand for"},
+    {"safe-names", &ImportExtensions::safeNames, 128u,
+     "make every name an identifier, and tell same-named classes apart by their packages"},
 };
 
 // Every switch on: what the command line, the facade, the C API and Python read with unless

@@ -48,6 +48,7 @@ enum {
     MB_DECODE_REFERENCES = 16, /* entities and character references read as their characters */
     MB_EVERY_FORM = 32,        /* members in every form exporters write */
     MB_DECODE_ENCODINGS = 64,  /* a byte-order mark, UTF-16, ISO-8859-1 and windows-1252 read */
+    MB_SAFE_NAMES = 128,       /* every name an identifier; same-named classes told apart */
     MB_SPECIFIED = 0x40000000  /* no extension, whatever the other flags say */
 };
 

@@ -225,7 +225,7 @@ TEST_F(SampleHost, HelpManualAndReadmeAgree) {
     HostRun help = run("--help");
     EXPECT_EQ(help.status, 0);
     std::set<std::string> named = optionsAndCodes(help.out);
-    EXPECT_EQ(named.size(), 26u + 3u);
+    EXPECT_EQ(named.size(), 28u + 3u);
     EXPECT_EQ(named, optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/examples/modelbridge-gen.1.in")));
     std::set<std::string> codes = optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/README.md"));
     for (const char* code : {"0", "1", "2"}) EXPECT_EQ(codes.count(code), 1u) << code;
@@ -247,12 +247,13 @@ TEST_F(SampleHost, SwitchesOfTheExtensionsAreOptions) {
         const char* text;
     };
     const char* specified = "abstract\n\tvar\n\t//count\n\t: ?;\n\tvar a[[EntityRef'amp']]b: ?;\n";
-    const char* extended = "abstract\n\tvar //count: ?;\n\tvar a&b: ?;\n";
+    const char* decoded = "abstract\n\tvar //count: ?;\n\tvar a&b: ?;\n";
     const Row rows[] = {
         {"--specified", specified},
-        {"--no-plain-model-text --no-decode-references", specified},
-        {"", extended},
-        {"--specified --plain-model-text --decode-references", extended},
+        {"--no-plain-model-text --no-decode-references --no-safe-names", specified},
+        {"", "abstract\n\tvar __count: ?;\n\tvar a_b: ?;\n"},
+        {"--no-safe-names", decoded},
+        {"--specified --plain-model-text --decode-references", decoded},
     };
     for (const Row& row : rows) {
         HostRun host = run(model + " -q -o " + dir + " " + row.options);

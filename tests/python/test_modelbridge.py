@@ -70,9 +70,10 @@ class ModelBridgeFromPython(unittest.TestCase):
                       "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>\n")
         entity_ref = "var a[[EntityRef'amp']]b: ?;"
         self.assertIn(entity_ref, modelbridge.parse(entity, specified=True).render_class("Tally"))
-        self.assertIn(entity_ref, modelbridge.parse(entity, decode_references=False).render_class("Tally"))
+        self.assertIn(entity_ref, modelbridge.parse(entity, decode_references=False, safe_names=False).render_class("Tally"))
         self.assertIn("var a&b: ?;", modelbridge.parse(entity, specified=True, decode_references=True).render_class("Tally"))
-        self.assertIn("var a&b: ?;", modelbridge.parse(entity).render_class("Tally"))
+        self.assertIn("var a&b: ?;", modelbridge.parse(entity, safe_names=False).render_class("Tally"))
+        self.assertIn("var a_b: ?;", modelbridge.parse(entity).render_class("Tally"))
         with self.assertRaises(TypeError):
             modelbridge.parse(entity, no_such_switch=True)
 

@@ -15,9 +15,9 @@ NameRecord attributeName(const wchar_t* text) { return NameRecord::plain(text); 
 
 NameRecord elementName(const wchar_t* text) { return {NameRecord::element, text}; }
 
-TypeRecord named(const wchar_t* name) { return {TypeRecord::named, attributeName(name), false}; }
+TypeRecord named(const wchar_t* name) { return {TypeRecord::named, attributeName(name), false, {}}; }
 
-TypeRecord classType(const wchar_t* name, bool leaf) { return {TypeRecord::classType, attributeName(name), leaf}; }
+TypeRecord classType(const wchar_t* name, bool leaf) { return {TypeRecord::classType, attributeName(name), leaf, {}}; }
 
 }  // namespace
 
@@ -80,15 +80,15 @@ TEST(ClassRenderer, TypesAndMultiplicities) {
     }
     // Every kind of absence reads "?"; a library's primitive types read as the language's own.
     auto typed = [](TypeRecord::Kind kind, const wchar_t* name) {
-        return joined(ClassRenderer::typeTokens({kind, attributeName(name), true}));
+        return joined(ClassRenderer::typeTokens({kind, attributeName(name), true, {}}));
     };
     EXPECT_EQ((std::vector{typed(TypeRecord::none, L"T"), typed(TypeRecord::unresolved, L"T"), typed(TypeRecord::library, L"Integer"),
                            typed(TypeRecord::library, L"Boolean"), typed(TypeRecord::library, L"Real"),
                            typed(TypeRecord::library, L"EString"), typed(TypeRecord::named, L"Integer"),
                            typed(TypeRecord::classType, L"float")}),
               (std::vector<std::wstring>{L"?", L"?", L"int", L"bool", L"real", L"EString", L"Integer", L"real"}));
-    EXPECT_TRUE(ClassRenderer::readsVoid({TypeRecord::library, attributeName(L"void"), false}));
-    EXPECT_FALSE(ClassRenderer::readsVoid({TypeRecord::unresolved, attributeName(L"void"), false}));
+    EXPECT_TRUE(ClassRenderer::readsVoid({TypeRecord::library, attributeName(L"void"), false, {}}));
+    EXPECT_FALSE(ClassRenderer::readsVoid({TypeRecord::unresolved, attributeName(L"void"), false, {}}));
 }
 
 // A class of every kind of member: the sections come out in the order abstract, confined,

@@ -1,0 +1,62 @@
+// Names made safe: identifiers everywhere a name stands, operators kept, and same-named classes
+// in different packages told apart in their files, the class list and every reference.
+#include <gtest/gtest.h>
+
+#include "support/ImportRun.h"
+#include "xmi/ModelNames.h"
+
+TEST(ModelNames, Identifiers) {
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
+        {L"Customer Negotiation", L"Customer_Negotiation"},
+        {L"TextBlock*", L"TextBlock_"},
+        {L"Kund\u00e9", L"Kund\u00e9"},
+        {L"Kund\xC3\xA9", L"Kund\xC3\xA9"},  // the bytes of UTF-8 are letters too
+        {L"2nd", L"_2nd"},
+        {L"a-b.c", L"a_b_c"},
+        {L"", L"?"},
+        {L"?", L"?"},
+        {L"_ok9", L"_ok9"},
+    };
+    for (const auto& [written, given] : rows)
+        EXPECT_EQ(toWString(ModelNames::identifier(written)), given) << written;
+}
+
+// Two classes "Enum" in two packages, a third in a package of the same name deeper down, and
+// one at the top: each file is named by as many packages as tell it apart, and the attribute
+// typed by one of them by id names that one.
+TEST(ModelNames, SameNamedClassesInPackages) {
+    const std::string model = R"(<XMI><XMI.content><UML:Model xmi.id="m"><UML:Namespace.ownedElement>
+<UML:Package xmi.id="p1" name="Association Type"><UML:Namespace.ownedElement>
+ <UML:Class xmi.id="e1" name="Enum"/>
+</UML:Namespace.ownedElement></UML:Package>
+<UML:Package xmi.id="p2" name="Visibility"><UML:Namespace.ownedElement>
+ <UML:Class xmi.id="e2" name="Enum"/>
+ <UML:Package xmi.id="p3" name="Inner"><UML:Namespace.ownedElement>
+  <UML:Class xmi.id="e3" name="Enum"/>
+ </UML:Namespace.ownedElement></UML:Package>
+</UML:Namespace.ownedElement></UML:Package>
+<UML:Class xmi.id="u" name="User of it">
+ <UML:Classifier.feature>
+  <UML:Attribute xmi.id="a" name="kind!"><UML:StructuralFeature.type><UML:Class xmi.idref="e2"/></UML:StructuralFeature.type></UML:Attribute>
+  <UML:Operation xmi.id="o" name="operator &lt;&lt;"><UML:BehavioralFeature.parameter>
+   <UML:Parameter xmi.id="x" name="1st"><UML:Parameter.type><UML:Class xmi.idref="e3"/></UML:Parameter.type></UML:Parameter>
+   <UML:Parameter xmi.id="y" name="other"><UML:Parameter.type><UML:Class xmi.idref="e1"/></UML:Parameter.type></UML:Parameter>
+   <UML:Parameter xmi.id="r" kind="return"><UML:Parameter.type><UML:Class xmi.idref="u"/></UML:Parameter.type></UML:Parameter>
+  </UML:BehavioralFeature.parameter></UML:Operation>
+ </UML:Classifier.feature>
+</UML:Class>
+<UML:Generalization xmi.id="g" child="u" parent="e1"/>
+</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>)";
+    ImportRun run(model, everyExtension());
+    EXPECT_EQ(run.classes, (std::vector<std::wstring>{L"Association_Type_Enum", L"Inner_Enum", L"User_of_it",
+                                                      L"Visibility_Enum"}));
+    const std::string& user = run.files["User_of_it.tv"];
+    EXPECT_NE(user.find("class User_of_it ^= inherits Association_Type_Enum\n"), std::string::npos) << user;
+    EXPECT_NE(user.find("var kind_: from Visibility_Enum;"), std::string::npos) << user;
+    EXPECT_NE(user.find("operator (_1st: from Inner_Enum) << (other: from Association_Type_Enum): from User_of_it"), std::string::npos) << user;
+    EXPECT_NE(run.files["Inner_Enum.tv"].find("class Inner_Enum ^="), std::string::npos);
+
+    ImportExtensions written = everyExtension();
+    written.safeNames = false;
+    EXPECT_EQ(ImportRun(model, written).classes, (std::vector<std::wstring>{L"Enum", L"User of it"}));
+}

@@ -1,0 +1,152 @@
+#include "xmi/ModelNames.h"
+
+#include <map>
+
+#include "runtime/StringUtils.h"
+#include "xmi/ClassRenderer.h"
+
+namespace {
+
+bool isWordUnit(wchar_t c) {
+    return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z') || (c >= L'0' && c <= L'9') || c == L'_' || c >= 128;
+}
+
+// Nothing but symbols: an operator's name.
+bool isSymbol(const _eString& text) {
+    if (text.isEmpty()) return false;
+    for (int i = 0, n = text.size(); i < n; ++i)
+        if (isWordUnit(text.get(i)) || text.get(i) == L' ') return false;
+    return true;
+}
+
+// The names of the packages at the end of `path`, at most `depth` of them, each an identifier,
+// before `name`, joined by "_".
+_eString qualified(const std::vector<_eString>& path, std::size_t depth, const _eString& name) {
+    _eString text = name;
+    for (std::size_t i = 0; i < depth && i < path.size(); ++i) text = path[path.size() - 1 - i] + L"_" + text;
+    return text;
+}
+
+}  // namespace
+
+_eString ModelNames::identifier(const _eString& text) {
+    if (text.isEmpty() || textIs(text, L"?")) return L"?";
+    _eString out = text;
+    for (int i = 0, n = out.size(); i < n; ++i)
+        if (!isWordUnit(out.get(i))) out.replaceAt(i, L'_');
+    if (out.get(0) >= L'0' && out.get(0) <= L'9') out = _eString(L"_") + out;
+    return out;
+}
+
+// Each class by its name as an identifier; where classes share one, each by the fewest of its
+// innermost packages that tell them all apart.
+ModelNames::ModelNames(const ModelClasses& found, const ModelReader& reader) {
+    struct Named {
+        const XMLElement* element;
+        _eString written;
+        _eString base;
+        std::vector<_eString> path;
+    };
+    std::vector<Named> all;
+    std::map<std::wstring, std::vector<std::size_t>> byBase;
+    for (const FoundClass& each : found.inOrder) {
+        Named named{each.element.get(), reader.className(*each.element), {}, {}};
+        named.base = identifier(named.written);
+        for (const NameRecord& package : each.packagePath)
+            named.path.push_back(identifier(ClassRenderer::nameText(package, false)));
+        byBase[toWString(named.base)].push_back(all.size());
+        all.push_back(named);
+        inOrder.push_back(each.element.get());
+    }
+    std::vector<_eString> given(all.size());
+    for (std::size_t i = 0; i < all.size(); ++i) given[i] = all[i].base;
+    for (const auto& [base, members] : byBase) {
+        if (members.size() < 2) continue;
+        std::size_t deepest = 0;
+        for (std::size_t member : members) deepest = std::max(deepest, all[member].path.size());
+        for (std::size_t depth = 1; depth <= deepest; ++depth) {
+            std::map<std::wstring, int> seen;
+            for (std::size_t member : members) ++seen[toWString(qualified(all[member].path, depth, all[member].base))];
+            bool distinct = seen.size() == members.size();
+            if (!distinct && depth < deepest) continue;
+            for (std::size_t member : members) given[member] = qualified(all[member].path, depth, all[member].base);
+            break;
+        }
+    }
+    std::map<std::wstring, bool> reported;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        byElement.emplace(all[i].element, given[i]);
+        _eString id = all[i].element->ownId();
+        if (!id.isEmpty()) byId.emplace(toWString(id), given[i]);
+        if (!(given[i] == all[i].written) && reported.emplace(toWString(all[i].written + L"\n" + given[i]), true).second)
+            changes.push_back({all[i].written, given[i]});
+    }
+}
+
+_eString ModelNames::className(const XMLElement& element) const {
+    auto at = byElement.find(&element);
+    return at == byElement.end() ? _eString(L"?") : at->second;
+}
+
+ClassMap ModelNames::classMap() const {
+    ClassMap map;
+    for (const XMLElement* element : inOrder) {
+        _eString name = className(*element);
+        if (!map.containsKey(name)) map.put(name, const_cast<XMLElement*>(element));
+    }
+    return map;
+}
+
+NameRecord ModelNames::memberName(const NameRecord& name) const {
+    if (!ClassRenderer::hasName(name)) return name;
+    return NameRecord::plain(identifier(ClassRenderer::nameText(name, false)));
+}
+
+// An operator's symbol stays, also behind the word "operator" ("operator<<" is the operator
+// "<<"); any other name becomes an identifier.
+NameRecord ModelNames::operationName(const NameRecord& name) const {
+    if (!ClassRenderer::hasName(name)) return name;
+    _eString text = ClassRenderer::nameText(name, false);
+    if (isSymbol(text)) return name;
+    _eString word = L"operator";
+    if (text.startsWith(word)) {
+        _eString symbol = trimSpaces(text.drop(word.size()));
+        if (isSymbol(symbol)) return NameRecord::plain(symbol);
+    }
+    return NameRecord::plain(identifier(text));
+}
+
+TypeRecord ModelNames::type(TypeRecord type) const {
+    if (!type.resolved()) return type;
+    auto at = type.id.isEmpty() ? byId.end() : byId.find(toWString(type.id));
+    if (at != byId.end())
+        type.name = NameRecord::plain(at->second);
+    else if (ClassRenderer::hasName(type.name))
+        type.name = NameRecord::plain(identifier(ClassRenderer::nameText(type.name, false)));
+    return type;
+}
+
+ClassRecord ModelNames::apply(ClassRecord record, const XMLElement& element) const {
+    record.name = NameRecord::plain(className(element));
+    for (GeneralizationRecord& parent : record.parents) parent.parent = type(parent.parent);
+    for (FeatureRecord& feature : record.features) {
+        if (auto* attribute = std::get_if<AttributeRecord>(&feature)) {
+            attribute->name = memberName(attribute->name);
+            attribute->type = type(attribute->type);
+            continue;
+        }
+        auto& operation = std::get<OperationRecord>(feature);
+        operation.name = operationName(operation.name);
+        for (ParameterRecord& parameter : operation.parameters) {
+            parameter.name = memberName(parameter.name);
+            parameter.type = type(parameter.type);
+        }
+    }
+    for (AssociationRecord& association : record.associations)
+        for (AssociationEndRecord& end : association.ends) {
+            end.name = memberName(end.name);
+            end.type = type(end.type);
+            end.roleType = type(end.roleType);
+        }
+    return record;
+}
