@@ -5,6 +5,9 @@
 #include "Generated/XMLImporter.h"
 #include "Generated/XMLParser.h"
 #include "xml/XMLDocument.h"
+#include <string>
+#include <vector>
+
 #include "xml/XMLLex.h"
 
 struct XMLImporter::State {
@@ -18,6 +21,7 @@ struct XMLImporter::State {
     std::int32_t tabWidth = 4;                  // column step of a tab in the lexer
     _eString parseDiagnostics;                  // report of the last parse
     ImportExtensions extensions;                // what the host chose beyond the specified behaviour
+    std::vector<std::string> libraryFolders;    // the extensions' folders, copied
     _eHndl<ImportOptions> layout;               // a host's layout of generated text; null: the defaults
     _eHndl<ImportOptions> importOptions;        // the layout with what the extensions add; null: the defaults
     ProgressSink progressSink = nullptr;        // a host's display of progress; null: none

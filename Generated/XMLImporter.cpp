@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "environment/PlatformText.h"
 #include "runtime/Failure.h"
 #include "runtime/StringUtils.h"
 #include "xmi/ModelReader.h"
@@ -34,6 +35,11 @@ void XMLImporter::chooseExtensions(const ImportExtensions& extensions) {
     std::size_t known = std::min<std::size_t>(extensions.size, sizeof(ImportExtensions));
     std::memcpy(static_cast<void*>(&chosen), &extensions, known);
     chosen.size = sizeof(ImportExtensions);
+    state->libraryFolders.clear();
+    for (std::uint32_t i = 0; chosen.libraryFolders != nullptr && i < chosen.libraryFolderCount; ++i)
+        if (chosen.libraryFolders[i] != nullptr) state->libraryFolders.emplace_back(chosen.libraryFolders[i]);
+    chosen.libraryFolders = nullptr;
+    chosen.libraryFolderCount = 0;
     state->extensions = chosen;
     settleOptions();
 }
@@ -233,7 +239,10 @@ void XMLImporter::parseFile(const FileName* file, bool showProgress) {
         state->document = dynamic_cast<XMLDocument*>(parser->getResult().get());
         if (!state->document.isNull())
             state->document.uniquePointer()->chooseReader(
-                ModelReader::choose(*state->document->getRoot(), state->extensions), state->extensions.safeNames);
+                ModelReader::choose(*state->document->getRoot(),
+                                    {toPlatformText(file->fullPathText()), state->libraryFolders,
+                                     state->environment, state->extensions}),
+                state->extensions.safeNames);
         lexer->closeFile();
         addErrors(parser->getErrors());
     } else {

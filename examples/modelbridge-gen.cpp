@@ -59,6 +59,8 @@ const std::string usage =
     "options turn single ones back on):\n"
     "  --specified        no extension: XMI 1.x only, classes on its one path, text as written\n" +
     switchOptions() +
+    "  --library DIR      look in DIR for the files that types are referred to in; may be given\n"
+    "                     more than once\n" +
     "  --line-width N     break generated lines beyond column N (20 to 10000; default 100)\n"
     "  --indent TEXT      indent generated text by TEXT, where \\t stands for a tab and \\\\ for a\n"
     "                     backslash (default: one tab)\n"
@@ -96,6 +98,8 @@ struct Options {
     bool specified = false;
     std::vector<std::pair<bool ImportExtensions::*, bool>> switches;  // as given, in order
     ImportExtensions extensions;  // what they come to: every switch, unless specified
+    std::vector<std::string> libraries;         // --library folders, in order
+    std::vector<const char*> libraryFolders;    // the same, as `extensions` holds them
     bool quiet = false;
     bool progress = false;
     std::vector<std::string> classes;
@@ -172,6 +176,10 @@ bool readOptions(int argc, char** argv, Options& options) {
             options.layoutChosen = true;
         } else if (arg == "--list") {
             options.list = true;
+        } else if (arg == "--library") {
+            std::string folder;
+            if (!takeText("--library", folder)) return false;
+            options.libraries.push_back(folder);
         } else if (arg == "--specified") {
             options.specified = true;
         } else if (bool on; const ImportSwitch* chosen = switchOption(arg, on)) {
@@ -198,6 +206,9 @@ bool readOptions(int argc, char** argv, Options& options) {
     }
     options.extensions = options.specified ? ImportExtensions() : everyExtension();
     for (const auto& [field, on] : options.switches) options.extensions.*field = on;
+    for (const std::string& folder : options.libraries) options.libraryFolders.push_back(folder.c_str());
+    options.extensions.libraryFolders = options.libraryFolders.data();
+    options.extensions.libraryFolderCount = std::uint32_t(options.libraryFolders.size());
     if (options.directory.empty()) options.directory = ".";
     if (options.directory.back() != '/') options.directory += '/';
     return true;

@@ -17,9 +17,9 @@ static_assert(int(modelbridge::Severity::information) == MB_INFORMATION && int(m
 static_assert(importSwitches[0].flag == MB_XMI2 && importSwitches[1].flag == MB_ANYWHERE &&
                   importSwitches[2].flag == MB_PLAIN_MODEL_TEXT && importSwitches[3].flag == MB_DECODE_REFERENCES &&
                   importSwitches[4].flag == MB_EVERY_FORM && importSwitches[5].flag == MB_DECODE_ENCODINGS &&
-                  importSwitches[6].flag == MB_SAFE_NAMES,
+                  importSwitches[6].flag == MB_SAFE_NAMES && importSwitches[7].flag == MB_CROSS_FILE_TYPES,
               "the C flags are the bits of the switches");
-static_assert(std::size(importSwitches) == 7, "every switch has its flag in the C header");
+static_assert(std::size(importSwitches) == 8, "every switch has its flag in the C header");
 
 struct mb_outcome {
     modelbridge::Result result;
@@ -85,6 +85,10 @@ modelbridge::Options optionsOf(const mb_parse_options& options) {
     if (options.line_width != 0) chosen.lineWidth = options.line_width;
     if (options.indent != nullptr) chosen.indent = options.indent;
     if (options.file_prefix != nullptr) chosen.filePrefix = options.file_prefix;
+    if (options.library_folders != nullptr && options.library_folder_count > 0) {
+        chosen.extensions.libraryFolders = options.library_folders;
+        chosen.extensions.libraryFolderCount = std::uint32_t(options.library_folder_count);
+    }
     return chosen;
 }
 

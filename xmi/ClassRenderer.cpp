@@ -90,11 +90,17 @@ std::int32_t boundValue(const std::optional<_eString>& bound) {
     return std::int32_t(value);
 }
 
-// The standard primitive types of UML libraries as the names of the language's own.
+// The standard primitive types of UML libraries, Ecore's and XML Schema's as the names of the
+// language's own.
 _eString libraryTypeName(const _eString& name) {
-    if (textIs(name, L"Integer")) return L"int";
-    if (textIs(name, L"Boolean")) return L"bool";
-    if (textIs(name, L"Real")) return L"real";
+    static const std::pair<const wchar_t*, const wchar_t*> names[] = {
+        {L"Integer", L"int"},  {L"Boolean", L"bool"}, {L"Real", L"real"},     {L"EInt", L"int"},
+        {L"ELong", L"int"},    {L"EShort", L"int"},   {L"EBoolean", L"bool"}, {L"EDouble", L"real"},
+        {L"EFloat", L"real"},  {L"EString", L"String"}, {L"integer", L"int"}, {L"boolean", L"bool"},
+        {L"double", L"real"},  {L"float", L"real"},   {L"decimal", L"real"},  {L"string", L"String"},
+    };
+    for (const auto& [library, own] : names)
+        if (textIs(name, library)) return own;
     return name;
 }
 

@@ -48,7 +48,7 @@ namespace {
 // gives for a document, or null when it doesn't recognise the document.
 struct ReaderRow {
     bool (*enabled)(const ImportExtensions& extensions);
-    std::shared_ptr<const ModelReader> (*recognise)(const XMLElement& root, const ImportExtensions& extensions);
+    std::shared_ptr<const ModelReader> (*recognise)(const XMLElement& root, const ModelSource& source);
 };
 
 const ReaderRow readerTable[] = {
@@ -59,9 +59,9 @@ const ReaderRow readerTable[] = {
 
 }  // namespace
 
-std::shared_ptr<const ModelReader> ModelReader::choose(const XMLElement& root, const ImportExtensions& extensions) {
+std::shared_ptr<const ModelReader> ModelReader::choose(const XMLElement& root, const ModelSource& source) {
     for (const ReaderRow& row : readerTable)
-        if (row.enabled(extensions))
-            if (std::shared_ptr<const ModelReader> reader = row.recognise(root, extensions)) return reader;
+        if (row.enabled(source.extensions))
+            if (std::shared_ptr<const ModelReader> reader = row.recognise(root, source)) return reader;
     return nullptr;  // never: the last row takes every document
 }

@@ -14,6 +14,7 @@
 
 #include "modelbridge/ImportExtensions.h"
 #include "xmi/ClassRecords.h"
+#include "xmi/TypeLibraries.h"
 #include "xmi/XMLElement.h"
 
 // One class a reader found: its element and the packages it stands in.
@@ -37,6 +38,13 @@ struct ModelClasses {
     }
 };
 
+// A reference that leads nowhere the reader could read, and the file or library that would
+// resolve it (empty where none is known).
+struct UnresolvedReference {
+    _eString reference;
+    std::string where;
+};
+
 class ModelReader {
 public:
     virtual ~ModelReader() = default;
@@ -55,15 +63,18 @@ public:
     virtual bool countsExtensionIds() const { return true; }
     // The name of a class element as the model gives it.
     virtual NameRecord readName(const XMLElement& element) const = 0;
+    // The references into other files and libraries that the classes read so far left
+    // unresolved, each once.
+    virtual std::vector<UnresolvedReference> unresolvedReferences() const { return {}; }
 
     // The classes of the document, found by one walk from its root.
     ModelClasses classes() const;
     // The name a class element is known by: its key among the classes.
     _eString className(const XMLElement& element) const;
 
-    // The reader of the document of `root`: the first row of the table that `extensions`
-    // leaves on and that recognises the document.
-    static std::shared_ptr<const ModelReader> choose(const XMLElement& root, const ImportExtensions& extensions);
+    // The reader of the document of `root`: the first row of the table that the extensions of
+    // `source` leave on and that recognises the document.
+    static std::shared_ptr<const ModelReader> choose(const XMLElement& root, const ModelSource& source);
 
 protected:
     explicit ModelReader(const XMLElement& root) : root(const_cast<XMLElement*>(&root)) {}

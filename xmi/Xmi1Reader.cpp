@@ -83,8 +83,8 @@ ClassRecord Xmi1Reader::readClass(const FoundClass& found, const _eHndl<Context>
     return record;
 }
 
-std::shared_ptr<const ModelReader> Xmi1PathReader::recognise(const XMLElement& root, const ImportExtensions& extensions) {
-    return std::make_shared<const Xmi1PathReader>(root, formsOf(extensions));
+std::shared_ptr<const ModelReader> Xmi1PathReader::recognise(const XMLElement& root, const ModelSource& source) {
+    return std::make_shared<const Xmi1PathReader>(root, formsOf(source.extensions));
 }
 
 bool Xmi1PathReader::isClass(const XMLElement& element) const {
@@ -107,8 +107,8 @@ ElementSeq Xmi1PathReader::descent(const XMLElement& element) const {
 }
 
 std::shared_ptr<const ModelReader> Xmi1AnywhereReader::recognise(const XMLElement& root,
-                                                                 const ImportExtensions& extensions) {
-    return std::make_shared<const Xmi1AnywhereReader>(root, formsOf(extensions));
+                                                                 const ModelSource& source) {
+    return std::make_shared<const Xmi1AnywhereReader>(root, formsOf(source.extensions));
 }
 
 bool Xmi1AnywhereReader::isClass(const XMLElement& element) const {

@@ -35,7 +35,7 @@ public:
     explicit Xmi1PathReader(const XMLElement& root, MemberForms forms = MemberForms::specified)
         : Xmi1Reader(root, forms) {}
     // Every document: the path reader is the last row of the table.
-    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ImportExtensions& extensions = {});
+    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ModelSource& source = {});
 
 protected:
     bool isClass(const XMLElement& element) const override;
@@ -50,7 +50,7 @@ public:
     explicit Xmi1AnywhereReader(const XMLElement& root, MemberForms forms = MemberForms::specified)
         : Xmi1Reader(root, forms) {}
     // Every document, as the path reader: an XMI 1.x document and anything not XMI 2.
-    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ImportExtensions& extensions = {});
+    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ModelSource& source = {});
 
 protected:
     bool isClass(const XMLElement& element) const override;

@@ -23,19 +23,13 @@ bool isUmlNamespace(const std::wstring& uri) {
     return false;
 }
 
-// A type in a library outside the document: named by the fragment of its "href".
-TypeRecord libraryType(const _eString& href) {
-    int hash = -1;
-    for (int i = 0, n = href.size(); i < n; ++i)
-        if (href.get(i) == L'#') hash = i;
-    return {TypeRecord::library, NameRecord::plain(href.drop(hash + 1)), false, {}};
-}
+TypeRecord libraryType(const _eString& name) { return {TypeRecord::library, NameRecord::plain(name), false, {}}; }
 
 const TypeRecord unresolvedType = TypeRecord::unresolvedReference();
 
 }  // namespace
 
-std::shared_ptr<const ModelReader> Xmi2Reader::recognise(const XMLElement& root, const ImportExtensions&) {
+std::shared_ptr<const ModelReader> Xmi2Reader::recognise(const XMLElement& root, const ModelSource& source) {
     Names xmiPrefixes;
     Names umlPrefixes;
     const AttributeMap& attributes = root.getAttributes();
@@ -54,17 +48,54 @@ std::shared_ptr<const ModelReader> Xmi2Reader::recognise(const XMLElement& root,
     }
     _eString rootPrefix = prefix(root.getName());
     if (textIs(local(root.getName()), L"XMI") && xmiPrefixes.contains(rootPrefix))
-        return std::make_shared<const Xmi2Reader>(root, rootPrefix, umlPrefixes);
+        return std::make_shared<const Xmi2Reader>(root, rootPrefix, umlPrefixes, source);
     if (!umlPrefixes.contains(rootPrefix)) return nullptr;
     for (int i = 0, n = xmiPrefixes.size(); i < n; ++i)
         if (root.hasAttribute(xmiPrefixes.at(i) + L":version"))
-            return std::make_shared<const Xmi2Reader>(root, xmiPrefixes.at(i), umlPrefixes);
+            return std::make_shared<const Xmi2Reader>(root, xmiPrefixes.at(i), umlPrefixes, source);
     return nullptr;
 }
 
-Xmi2Reader::Xmi2Reader(const XMLElement& root, const _eString& xmiPrefix, const Names& umlPrefixes)
+Xmi2Reader::Xmi2Reader(const XMLElement& root, const _eString& xmiPrefix, const Names& umlPrefixes,
+                       const ModelSource& source)
     : ModelReader(root), vocabulary(xmiPrefix, umlPrefixes), idrefKey(xmiPrefix + L":idref") {
+    if (source.extensions.crossFileTypes) libraries = std::make_shared<TypeLibraries>(source);
     findClasses();
+}
+
+// Without the libraries, by the fragment after its "#"; with them, by the name the file or
+// library gives it, "?" where none does.
+TypeRecord Xmi2Reader::hrefType(const _eString& href) const {
+    if (!libraries) {
+        int hash = -1;
+        for (int i = 0, n = href.size(); i < n; ++i)
+            if (href.get(i) == L'#') hash = i;
+        return libraryType(href.drop(hash + 1));
+    }
+    std::string where;
+    if (std::optional<_eString> name = libraries->typeName(href, where)) return libraryType(*name);
+    noteUnresolved(href, where);
+    return unresolvedType;
+}
+
+// An id that names nothing in the document: with the libraries, a well-known primitive id.
+TypeRecord Xmi2Reader::idType(const _eString& id) const {
+    _eFrom<XMLElement> target = lookup(id);
+    if (!target.isNull()) return typeOfElement(*target);
+    if (!libraries) return unresolvedType;
+    if (std::optional<_eString> name = TypeLibraries::wellKnownId(id)) return libraryType(*name);
+    noteUnresolved(id, {});
+    return unresolvedType;
+}
+
+void Xmi2Reader::noteUnresolved(const _eString& reference, const std::string& where) const {
+    std::lock_guard<std::mutex> lock(unresolvedLock);
+    if (unresolvedSeen.insert(toWString(reference)).second) unresolved.push_back({reference, where});
+}
+
+std::vector<UnresolvedReference> Xmi2Reader::unresolvedReferences() const {
+    std::lock_guard<std::mutex> lock(unresolvedLock);
+    return unresolved;
 }
 
 // Depth first, each element done after its children. An element of another namespace, and
@@ -140,20 +171,14 @@ TypeRecord Xmi2Reader::typeOfElement(const XMLElement& target) const {
 // By attribute, the id it holds; by element, the one child's "xmi:idref" or "href". More than
 // one child, or an id that names nothing, is unresolved.
 TypeRecord Xmi2Reader::readReference(const XMLElement& element, const wchar_t* name) const {
-    _eFrom<XMLElement> target;
-    if (element.hasAttribute(name)) {
-        target = lookup(element.attributeText(name, Context::shared()));
-    } else {
-        ElementSeq written = vocabulary.properties(element, name);
-        if (written.isEmpty()) return {};
-        if (written.size() != 1) return unresolvedType;
-        const XMLElement& reference = *written.get(0);
-        if (reference.hasAttribute(idrefKey))
-            target = lookup(reference.attributeText(idrefKey, Context::shared()));
-        else if (reference.hasAttribute(L"href"))
-            return libraryType(reference.attributeText(L"href", Context::shared()));
-    }
-    return target.isNull() ? unresolvedType : typeOfElement(*target);
+    if (element.hasAttribute(name)) return idType(element.attributeText(name, Context::shared()));
+    ElementSeq written = vocabulary.properties(element, name);
+    if (written.isEmpty()) return {};
+    if (written.size() != 1) return unresolvedType;
+    const XMLElement& reference = *written.get(0);
+    if (reference.hasAttribute(idrefKey)) return idType(reference.attributeText(idrefKey, Context::shared()));
+    if (reference.hasAttribute(L"href")) return hrefType(reference.attributeText(L"href", Context::shared()));
+    return unresolvedType;
 }
 
 _eString Xmi2Reader::typeId(const XMLElement& element) const {

@@ -22,11 +22,11 @@ public:
     // The reading of the document of `root` if it is an XMI 2 document: its root is "XMI" in a
     // prefix bound to an XMI 2 namespace, or an element of UML with that prefix's "version".
     // Null otherwise.
-    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ImportExtensions& extensions = {});
+    static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ModelSource& source = {});
 
     // Made by `recognise` only; `xmiPrefix` names the XMI attributes, `umlPrefixes` the
     // prefixes bound to UML.
-    Xmi2Reader(const XMLElement& root, const _eString& xmiPrefix, const Names& umlPrefixes);
+    Xmi2Reader(const XMLElement& root, const _eString& xmiPrefix, const Names& umlPrefixes, const ModelSource& source);
 
     // Every document `recognise` gives a reader for.
     bool readsDocument() const override { return true; }
@@ -34,6 +34,7 @@ public:
     // reader keeps an index of its own and reads no context.
     ClassRecord readClass(const FoundClass& found, const _eHndl<Context>& context) const override;
     bool readsXmi1Ids() const override { return false; }
+    std::vector<UnresolvedReference> unresolvedReferences() const override;
     // The attribute "name", else the text of one child "name"; else none.
     NameRecord readName(const XMLElement& element) const override;
 
@@ -59,6 +60,10 @@ private:
     TypeRecord typeOfElement(const XMLElement& target) const;
     // The id that the element's "type" names; empty when it names none in the document.
     _eString typeId(const XMLElement& element) const;
+    // A type by "href" into another file, and by an id.
+    TypeRecord hrefType(const _eString& href) const;
+    TypeRecord idType(const _eString& id) const;
+    void noteUnresolved(const _eString& reference, const std::string& where) const;
     // The number of references the element's "type" holds.
     int typeCount(const XMLElement& element) const;
     MultiplicityRecord readMultiplicity(const XMLElement& element) const;
@@ -99,4 +104,8 @@ private:
     std::vector<const XMLElement*> associationElements;         // in document order
     mutable std::once_flag lookupsBuilt;
     mutable std::unique_ptr<Lookups> built;
+    std::shared_ptr<TypeLibraries> libraries;  // with types across files; null without
+    mutable std::mutex unresolvedLock;
+    mutable std::vector<UnresolvedReference> unresolved;  // in the order first met
+    mutable std::unordered_set<std::wstring> unresolvedSeen;
 };

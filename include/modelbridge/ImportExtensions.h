@@ -64,6 +64,18 @@ struct ImportExtensions {
     // their files, the class list and every reference to them. Off by default: names stand as
     // the model writes them.
     bool safeNames = false;
+    // A type that a UML 2 model refers to in another file ("href") reads as the name that file
+    // gives it: a relative reference is read against the model's folder,
+    // "platform:/resource/PROJECT/PATH" against the nearest folder above the model that holds
+    // PROJECT, any other by the file's name in `libraryFolders`; the UML and Eclipse primitive
+    // types, Ecore's and XML Schema's data types and Enterprise Architect's primitive ids
+    // ("EAJava_int") by name without any file. A reference that stays unresolved reads "?". Off
+    // by default: a reference into another file reads as the fragment after its "#".
+    bool crossFileTypes = false;
+    // The folders searched by file name, `libraryFolderCount` of them; the importer copies them
+    // when the value is chosen.
+    const char* const* libraryFolders = nullptr;
+    std::uint32_t libraryFolderCount = 0;
 };
 
 static_assert(std::is_trivially_copyable_v<ImportExtensions>, "extensions are copied as bytes up to their size");
@@ -91,6 +103,8 @@ inline constexpr ImportSwitch importSwitches[] = {
      "read a byte-order mark, UTF-16, ISO-8859-1 and windows-1252 as the characters they stand for"},
     {"safe-names", &ImportExtensions::safeNames, 128u,
      "make every name an identifier, and tell same-named classes apart by their packages"},
+    {"cross-file-types", &ImportExtensions::crossFileTypes, 256u,
+     "read the names of types that a model refers to in other files and well-known libraries"},
 };
 
 // Every switch on: what the command line, the facade, the C API and Python read with unless

@@ -49,6 +49,7 @@ enum {
     MB_EVERY_FORM = 32,        /* members in every form exporters write */
     MB_DECODE_ENCODINGS = 64,  /* a byte-order mark, UTF-16, ISO-8859-1 and windows-1252 read */
     MB_SAFE_NAMES = 128,       /* every name an identifier; same-named classes told apart */
+    MB_CROSS_FILE_TYPES = 256, /* types in other files and well-known libraries read by name */
     MB_SPECIFIED = 0x40000000  /* no extension, whatever the other flags say */
 };
 
@@ -61,6 +62,8 @@ typedef struct mb_parse_options {
     int line_width;          /* 20 to 10000; 0 for the default, 100 */
     const char* indent;      /* one level of indentation; null for one tab */
     const char* file_prefix; /* before the name of every file written; null for none */
+    const char* const* library_folders; /* where files of types are looked for by name; */
+    int library_folder_count;           /* read during mb_parse_with only */
 } mb_parse_options;
 
 /* The options of mb_parse: the same fields, without a size; a null pointer for every default. */

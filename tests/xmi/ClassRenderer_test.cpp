@@ -84,9 +84,10 @@ TEST(ClassRenderer, TypesAndMultiplicities) {
     };
     EXPECT_EQ((std::vector{typed(TypeRecord::none, L"T"), typed(TypeRecord::unresolved, L"T"), typed(TypeRecord::library, L"Integer"),
                            typed(TypeRecord::library, L"Boolean"), typed(TypeRecord::library, L"Real"),
-                           typed(TypeRecord::library, L"EString"), typed(TypeRecord::named, L"Integer"),
+                           typed(TypeRecord::library, L"EString"), typed(TypeRecord::library, L"JList"),
+                           typed(TypeRecord::named, L"Integer"),
                            typed(TypeRecord::classType, L"float")}),
-              (std::vector<std::wstring>{L"?", L"?", L"int", L"bool", L"real", L"EString", L"Integer", L"real"}));
+              (std::vector<std::wstring>{L"?", L"?", L"int", L"bool", L"real", L"String", L"JList", L"Integer", L"real"}));
     EXPECT_TRUE(ClassRenderer::readsVoid({TypeRecord::library, attributeName(L"void"), false, {}}));
     EXPECT_FALSE(ClassRenderer::readsVoid({TypeRecord::unresolved, attributeName(L"void"), false, {}}));
 }

@@ -19,7 +19,9 @@ struct Read {
         ParseOutcome o = parseText(text);
         EXPECT_TRUE(o.accepted) << text;
         document = dynamic_cast<XMLDocument*>(o.result.get());
-        reader = ModelReader::choose(*document->getRoot(), extensions);
+        ModelSource source;
+        source.extensions = extensions;
+        reader = ModelReader::choose(*document->getRoot(), source);
         found = reader->classes();
         context = new Context(document->getRoot()->dictionary());
     }
