@@ -59,6 +59,10 @@ public:
     _eSeq<_eString> getLastCallErrorList(bool shortFileNames) const;
     // Every distinct error and warning so far, ordered by location, as `getErrorList` lists them.
     const XMLErrors& errors() const;
+    // With the extension `reportLeftOut`, what the text of the last model parsed leaves out, one
+    // line per kind ("Left out: 2 enumerations not generated: Colour, Size"), naming the first
+    // items of each or, with `everyItem`, all. Empty without the extension or a model.
+    _eSeq<_eString> getLeftOutReport(bool everyItem) const;
     // Where a file of that name goes: in `directory`, with the extension "tv".
     static _eString genFullFileNameString(_eString directory, _eString name, const Environment* environment);
 

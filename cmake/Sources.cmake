@@ -47,6 +47,7 @@ set(MODELBRIDGE_SOURCES
   xmi/Context.cpp
   xmi/ModelReader.cpp
   xmi/ModelNames.cpp
+  xmi/ModelReport.cpp
   xmi/TypeLibraries.cpp
   xmi/XMLDictionary.cpp
   xmi/XMLElement.cpp

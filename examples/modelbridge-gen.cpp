@@ -65,7 +65,9 @@ const std::string usage =
     "  --indent TEXT      indent generated text by TEXT, where \\t stands for a tab and \\\\ for a\n"
     "                     backslash (default: one tab)\n"
     "  --file-prefix TEXT put TEXT before the name of every file written (default: none)\n"
-    "  -q, --quiet        leave out the parse report; errors are still shown\n"
+    "  -q, --quiet        leave out the parse report and what the text leaves out; errors are\n"
+    "                     still shown\n"
+    "  -v, --verbose      name every item the text leaves out, not only the first of each kind\n"
     "  --progress         show the line being parsed, when standard error is a terminal\n"
     "  --profile          ask the library for a processor-time profile of the parse (profile.txt)\n"
     "  --version          show the versions of this program and of the library\n"
@@ -101,6 +103,7 @@ struct Options {
     std::vector<std::string> libraries;         // --library folders, in order
     std::vector<const char*> libraryFolders;    // the same, as `extensions` holds them
     bool quiet = false;
+    bool verbose = false;
     bool progress = false;
     std::vector<std::string> classes;
     std::string single;
@@ -188,6 +191,8 @@ bool readOptions(int argc, char** argv, Options& options) {
             options.profile = true;
         } else if (arg == "-q" || arg == "--quiet") {
             options.quiet = true;
+        } else if (arg == "-v" || arg == "--verbose") {
+            options.verbose = true;
         } else if (arg == "--progress") {
             options.progress = true;
         } else if (!arg.empty() && arg[0] == '-') {
@@ -375,6 +380,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "%s%s", report.c_str(), report.back() == '\n' ? "" : "\n");
     printLines(importer.getErrorList(true), stderr);
     if (!parsed) return 1;
+    if (!options.quiet) printLines(importer.getLeftOutReport(options.verbose), stderr);
 
     _eSeq<_eString> all = importer.getClassList();
     if (all.isEmpty()) explainNoClass(options, environment.get());

@@ -17,9 +17,10 @@ static_assert(int(modelbridge::Severity::information) == MB_INFORMATION && int(m
 static_assert(importSwitches[0].flag == MB_XMI2 && importSwitches[1].flag == MB_ANYWHERE &&
                   importSwitches[2].flag == MB_PLAIN_MODEL_TEXT && importSwitches[3].flag == MB_DECODE_REFERENCES &&
                   importSwitches[4].flag == MB_EVERY_FORM && importSwitches[5].flag == MB_DECODE_ENCODINGS &&
-                  importSwitches[6].flag == MB_SAFE_NAMES && importSwitches[7].flag == MB_CROSS_FILE_TYPES,
+                  importSwitches[6].flag == MB_SAFE_NAMES && importSwitches[7].flag == MB_CROSS_FILE_TYPES &&
+                  importSwitches[8].flag == MB_REPORT,
               "the C flags are the bits of the switches");
-static_assert(std::size(importSwitches) == 8, "every switch has its flag in the C header");
+static_assert(std::size(importSwitches) == 9, "every switch has its flag in the C header");
 
 struct mb_outcome {
     modelbridge::Result result;

@@ -127,6 +127,11 @@ void Model::Impl::parse(const std::filesystem::path& file, const Options& option
     importer.attemptParse(fromPlatformText(file.string()), L"", parsed);
     report = toPlatformText(importer.getParseDiagnostics());
     diagnostics = diagnosticsOf(importer.errors());
+    _eSeq<_eString> leftOut = importer.getLeftOutReport(true);
+    for (int i = 0; i < leftOut.size(); ++i) {
+        diagnostics.push_back(plain(toPlatformText(leftOut.at(i))));
+        diagnostics.back().severity = Severity::information;
+    }
     _eSeq<_eString> list = importer.getClassList();
     for (int i = 0; i < list.size(); ++i) {
         classes.push_back(toPlatformText(list.at(i)));

@@ -150,3 +150,27 @@ ClassRecord ModelNames::apply(ClassRecord record, const XMLElement& element) con
         }
     return record;
 }
+
+std::vector<ModelNames::Change> ModelNames::memberChanges(const ClassRecord& written, const ClassRecord& given) {
+    std::vector<Change> out;
+    auto compare = [&](const NameRecord& before, const NameRecord& after) {
+        if (!ClassRenderer::hasName(before)) return;
+        _eString was = ClassRenderer::nameText(before, false);
+        _eString is = ClassRenderer::nameText(after, false);
+        if (!(was == is)) out.push_back({was, is});
+    };
+    for (std::size_t i = 0; i < written.features.size() && i < given.features.size(); ++i) {
+        if (const auto* attribute = std::get_if<AttributeRecord>(&written.features[i])) {
+            compare(attribute->name, std::get<AttributeRecord>(given.features[i]).name);
+            continue;
+        }
+        const auto& before = std::get<OperationRecord>(written.features[i]);
+        const auto& after = std::get<OperationRecord>(given.features[i]);
+        compare(before.name, after.name);
+        for (std::size_t k = 0; k < before.parameters.size(); ++k) compare(before.parameters[k].name, after.parameters[k].name);
+    }
+    for (std::size_t i = 0; i < written.associations.size(); ++i)
+        for (std::size_t k = 0; k < written.associations[i].ends.size(); ++k)
+            compare(written.associations[i].ends[k].name, given.associations[i].ends[k].name);
+    return out;
+}

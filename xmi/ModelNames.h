@@ -34,6 +34,8 @@ public:
     ClassMap classMap() const;
     // Every name of a class that changed, once each, in document order.
     const std::vector<Change>& classChanges() const { return changes; }
+    // The names of members that `given`, the record `written` as `apply` gives it, changed.
+    static std::vector<Change> memberChanges(const ClassRecord& written, const ClassRecord& given);
 
 private:
     NameRecord memberName(const NameRecord& name) const;

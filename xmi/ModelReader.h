@@ -66,6 +66,10 @@ public:
     // The references into other files and libraries that the classes read so far left
     // unresolved, each once.
     virtual std::vector<UnresolvedReference> unresolvedReferences() const { return {}; }
+    // The metaclass of an element that the model defines here ("Enumeration"), not a reference
+    // to one; empty for any other. `descend` false: nothing below the element is of the model
+    // (a tool's own records).
+    virtual _eString definedKind(const XMLElement& element, bool& descend) const = 0;
 
     // The classes of the document, found by one walk from its root.
     ModelClasses classes() const;

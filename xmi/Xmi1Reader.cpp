@@ -71,6 +71,14 @@ bool Xmi1Reader::readsDocument() const { return root->getName() == _eString(L"XM
 
 NameRecord Xmi1Reader::readName(const XMLElement& element) const { return element.readName(); }
 
+_eString Xmi1Reader::definedKind(const XMLElement& element, bool& descend) const {
+    descend = !textIs(element.getName(), L"XMI.extension");
+    static const _eString uml = L"UML:";
+    if (!element.getName().startsWith(uml) || !element.hasAttribute(L"xmi.id") || element.hasAttribute(L"xmi.idref"))
+        return {};
+    return element.getName().drop(uml.size());
+}
+
 bool Xmi1Reader::isPackage(const XMLElement& element) const {
     return element.getName() == _eString(L"UML:Package") || element.getName() == _eString(L"UML:Subsystem");
 }

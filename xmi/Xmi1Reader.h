@@ -14,6 +14,8 @@ public:
     // The attribute "name", else the one "UML:ModelElement.name".
     NameRecord readName(const XMLElement& element) const override;
     bool readsXmi1Ids() const override { return true; }
+    // A "UML:" element with an "xmi.id"; "XMI.extension" holds the tools' own records.
+    _eString definedKind(const XMLElement& element, bool& descend) const override;
     // In every form, the ids of the tools' records are left out.
     bool countsExtensionIds() const override { return forms == MemberForms::specified; }
 

@@ -142,6 +142,14 @@ const Xmi2Reader::Lookups& Xmi2Reader::lookups() const {
     return *built;
 }
 
+_eString Xmi2Reader::definedKind(const XMLElement& element, bool& descend) const {
+    bool ofModel = true;
+    _eString kind = &element == root.get() ? _eString() : vocabulary.metaclass(element, ofModel);
+    descend = ofModel;
+    bool defined = element.hasAttribute(vocabulary.idKey()) && !element.hasAttribute(idrefKey) && !element.hasAttribute(L"href");
+    return ofModel && defined ? kind : _eString();
+}
+
 bool Xmi2Reader::isClass(const XMLElement& element) const { return classElements.count(&element) != 0; }
 
 ElementSeq Xmi2Reader::descent(const XMLElement& element) const {

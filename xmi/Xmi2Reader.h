@@ -35,6 +35,8 @@ public:
     ClassRecord readClass(const FoundClass& found, const _eHndl<Context>& context) const override;
     bool readsXmi1Ids() const override { return false; }
     std::vector<UnresolvedReference> unresolvedReferences() const override;
+    // An element of UML with an id that refers to nothing; nothing within other namespaces.
+    _eString definedKind(const XMLElement& element, bool& descend) const override;
     // The attribute "name", else the text of one child "name"; else none.
     NameRecord readName(const XMLElement& element) const override;
 

@@ -2,6 +2,10 @@
 
 #include <cassert>
 
+#include <algorithm>
+#include <map>
+
+#include "environment/PlatformText.h"
 #include "runtime/StringUtils.h"
 #include "xmi/ClassRenderer.h"
 #include "xmi/Xmi1Reader.h"
@@ -117,4 +121,54 @@ void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& cl
             output = output->concat(*ClassRenderer::classDeclaration(names ? names->apply(record, *each.element) : record));
         }
     write(*output, targetFile, sourceFile, environment, options);
+}
+
+// Every class is read and rendered once more: what it names that the text can't carry shows
+// only then.
+std::vector<ReportKind> XMLDocument::leftOut(const Names& builtInNames, const ModelReader* offPath) const {
+    if (!analysed || !modelReader().readsDocument()) return {};
+    std::vector<ReportKind> kinds = ModelReport::elementsLeftOut(*root, modelReader());
+    ReportKind dropped{L"classes dropped by the built-in names (Boolean, Byte, Character, Double, Integer, String, "
+                       L"bag, bool, map, pair, real, seq, set, triple)", {}};
+    ReportKind elsewhere{L"classes off the one path of XMI 1.x, which the search anywhere finds", {}};
+    ReportKind placeholders{L"classes with placeholders (\"?\") where the model lacks a name, a type or a value", {}};
+    ReportKind renamed{L"names changed", {}};
+    ReportKind unresolved{L"files that would resolve references left unresolved", {}};
+    if (offPath != nullptr)
+        for (const FoundClass& each : offPath->classes().inOrder)
+            if (found.find(*each.element) == nullptr) elsewhere.items.push_back(offPath->className(*each.element));
+    std::map<std::wstring, bool> seen;
+    auto rename = [&](const ModelNames::Change& change) {
+        if (seen.emplace(toWString(change.written + L"\n" + change.given), true).second)
+            renamed.items.push_back(change.written + L" as " + change.given);
+    };
+    if (names)
+        for (const ModelNames::Change& change : names->classChanges()) rename(change);
+    _eHndl<Context> context = generationContext();
+    for (const FoundClass& each : found.inOrder) {
+        _eString name = nameOf(*each.element);
+        if (builtInNames.contains(name)) {
+            dropped.items.push_back(name);
+            continue;
+        }
+        ClassRecord written = modelReader().readClass(each, context);
+        ClassRecord given = names ? names->apply(written, *each.element) : written;
+        if (names)
+            for (const ModelNames::Change& change : ModelNames::memberChanges(written, given)) rename(change);
+        TokenKinds tokenKinds = ClassRenderer::classDeclaration(given)->kinds();
+        int unknown = 0;
+        for (int i = 0, n = tokenKinds.size(); i < n; ++i) unknown += tokenKinds.get(i) == int(TokenKind::unknown);
+        if (unknown > 0) placeholders.items.push_back(name + L" (" + intToString(unknown) + L")");
+    }
+    std::vector<std::pair<std::string, int>> byFile;  // in the order first met
+    for (const UnresolvedReference& reference : modelReader().unresolvedReferences()) {
+        std::string file = reference.where.empty() ? "this model's ids" : reference.where;
+        auto at = std::find_if(byFile.begin(), byFile.end(), [&](const auto& each) { return each.first == file; });
+        if (at == byFile.end()) at = byFile.insert(byFile.end(), {file, 0});
+        ++at->second;
+    }
+    for (const auto& [file, count] : byFile)
+        unresolved.items.push_back(fromPlatformText(file) + L" (" + intToString(count) + L")");
+    for (ReportKind* kind : {&dropped, &elsewhere, &unresolved, &placeholders, &renamed}) kinds.push_back(*kind);
+    return kinds;
 }

@@ -4,6 +4,7 @@
 
 #include "output/TarvaneOutput.h"
 #include "xmi/ModelNames.h"
+#include "xmi/ModelReport.h"
 #include "xmi/ModelReader.h"
 #include "xmi/XMLDictionary.h"
 
@@ -40,6 +41,10 @@ public:
         reader = modelReader;
         namesMadeSafe = safeNames;
     }
+    // What the text of the classes leaves out of the model, by kind (see `ModelReport`):
+    // `builtInNames` are the names of the classes the class list drops; `offPath`, when given,
+    // the reader that finds classes anywhere, for the classes the chosen one doesn't find.
+    std::vector<ReportKind> leftOut(const Names& builtInNames, const ModelReader* offPath) const;
     // The names changed, once `analyse` has made them safe; null otherwise.
     const ModelNames* getNames() const { return names.get(); }
     virtual ClassMap getClasses() const { return classes; }

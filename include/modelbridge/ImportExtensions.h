@@ -76,6 +76,10 @@ struct ImportExtensions {
     // when the value is chosen.
     const char* const* libraryFolders = nullptr;
     std::uint32_t libraryFolderCount = 0;
+    // The importer tells what the text leaves out (`getLeftOutReport`): elements no
+    // declaration is made for, classes dropped or off the path, references left unresolved,
+    // placeholders and names changed. Off by default: nothing is said.
+    bool reportLeftOut = false;
 };
 
 static_assert(std::is_trivially_copyable_v<ImportExtensions>, "extensions are copied as bytes up to their size");
@@ -105,6 +109,7 @@ inline constexpr ImportSwitch importSwitches[] = {
      "make every name an identifier, and tell same-named classes apart by their packages"},
     {"cross-file-types", &ImportExtensions::crossFileTypes, 256u,
      "read the names of types that a model refers to in other files and well-known libraries"},
+    {"report", &ImportExtensions::reportLeftOut, 512u, "say what the text leaves out of the model"},
 };
 
 // Every switch on: what the command line, the facade, the C API and Python read with unless

@@ -50,6 +50,7 @@ enum {
     MB_DECODE_ENCODINGS = 64,  /* a byte-order mark, UTF-16, ISO-8859-1 and windows-1252 read */
     MB_SAFE_NAMES = 128,       /* every name an identifier; same-named classes told apart */
     MB_CROSS_FILE_TYPES = 256, /* types in other files and well-known libraries read by name */
+    MB_REPORT = 512,           /* what the text leaves out, as diagnostics of information */
     MB_SPECIFIED = 0x40000000  /* no extension, whatever the other flags say */
 };
 

@@ -28,7 +28,8 @@ int main(int argc, char** argv) {
     CHECK(strcmp(mb_class_name(model, 0), "Account") == 0);
     CHECK(strcmp(mb_class_name(model, 2), "SavingsAccount") == 0);
     CHECK(mb_class_name(model, 3) == NULL && mb_class_name(model, -1) == NULL);
-    CHECK(mb_diagnostic_count(model) == 0 && mb_diagnostic_text(model, 0) == NULL);
+    CHECK(mb_diagnostic_count(model) == 1 && mb_diagnostic_severity(model, 0) == MB_INFORMATION &&
+          strncmp(mb_diagnostic_text(model, 0), "Left out: 4 data types", 22) == 0 && mb_diagnostic_text(model, 1) == NULL);
 
     CHECK(mb_write_class(model, "Customer", directory) == MB_OK);
     CHECK(mb_write_class(model, "Nobody", directory) == MB_NO_SUCH_CLASS);
@@ -70,14 +71,15 @@ int main(int argc, char** argv) {
     mb_parse_options_init(&options);
     CHECK(options.size == sizeof options && options.line_width == 0 &&
           options.flags == (MB_XMI2 | MB_ANYWHERE | MB_PLAIN_MODEL_TEXT | MB_DECODE_REFERENCES | MB_EVERY_FORM |
-                            MB_DECODE_ENCODINGS | MB_SAFE_NAMES | MB_CROSS_FILE_TYPES));
+                            MB_DECODE_ENCODINGS | MB_SAFE_NAMES | MB_CROSS_FILE_TYPES |
+                            MB_REPORT));
     options.line_width = 5;
     CHECK(mb_parse_with(model_path, &options, &model) == MB_INVALID_ARGUMENT);
     mb_free(model);
     options.size = 1;
     CHECK(mb_parse_with(model_path, &options, &model) == MB_INVALID_ARGUMENT && model == NULL);
-    CHECK(mb_switch_count() == 8 && strcmp(mb_switch_name(3), "decode-references") == 0);
-    CHECK(mb_switch_flag(4) == MB_EVERY_FORM && mb_switch_name(8) == NULL && mb_switch_flag(-1) == 0);
+    CHECK(mb_switch_count() == 9 && strcmp(mb_switch_name(3), "decode-references") == 0);
+    CHECK(mb_switch_flag(4) == MB_EVERY_FORM && mb_switch_name(9) == NULL && mb_switch_flag(-1) == 0);
 
     /* Every extension by default: a class in a subsystem is found; MB_SPECIFIED turns them all off. */
     char nested[4096];

@@ -37,7 +37,11 @@ TEST_F(Facade, ParsesListsWritesAndRendersWithResultsOfEachCall) {
     Model model = Model::parse(bank);
     ASSERT_TRUE(model.ok());
     EXPECT_EQ(model.classes(), (std::vector<std::string>{"Account", "Customer", "SavingsAccount"}));
-    EXPECT_TRUE(model.diagnostics().empty());
+    // What the text leaves out is information: the model's data types.
+    ASSERT_EQ(model.diagnostics().size(), 1u);
+    EXPECT_EQ(model.diagnostics()[0].severity, modelbridge::Severity::information);
+    EXPECT_EQ(model.diagnostics()[0].text, "Left out: 4 data types not generated: int, double, boolean, void");
+    EXPECT_TRUE(Model::parse(bank, modelbridge::Options::specified()).diagnostics().empty());
     EXPECT_EQ(model.report().rfind("Parsed 116 lines from file 'bank.xmi' in ", 0), 0u) << model.report();
 
     // A directory without its separator is joined properly.

@@ -52,6 +52,17 @@ TEST_F(SampleHost, DataOnStandardOutputTheReportAndErrorsOnStandardError) {
     EXPECT_EQ(bank.status, 0) << bank.err;
     EXPECT_EQ(bank.out, dir + "/Account.tv\n" + dir + "/Customer.tv\n" + dir + "/SavingsAccount.tv\n");
     EXPECT_EQ(bank.err.rfind("Parsed 116 lines from file 'bank.xmi' in ", 0), 0u) << bank.err;
+    // After the parse report, what the text leaves out: the first five items of each kind, or
+    // with --verbose every one; with -q nothing.
+    EXPECT_TRUE(contains(bank.err, " seconds\nLeft out: 4 data types not generated: int, double, boolean, void\n"))
+        << bank.err;
+    std::string types;
+    for (const char* type : {"a", "b", "c", "d", "e", "f"}) types += std::string("<UML:DataType xmi.id='") + type + "' name='" + type + "'/>";
+    std::string many = temp.write("types.xmi", "<XMI><XMI.content><UML:Model><UML:Namespace.ownedElement>" + types +
+                                                   "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>");
+    EXPECT_TRUE(contains(run(many + " --list").err, "Left out: 6 data types not generated: a, b, c, d, e, and 1 more\n"));
+    EXPECT_TRUE(contains(run(many + " --list -v").err, "Left out: 6 data types not generated: a, b, c, d, e, f\n"));
+    EXPECT_EQ(run(many + " --list -q").err, "modelbridge-gen: the model holds no class\n");
     std::string savings = readFile(dir + "/SavingsAccount.tv");
     EXPECT_TRUE(contains(savings, "final class SavingsAccount ^= inherits Account\n")) << savings;
     std::string customer = readFile(dir + "/Customer.tv");
@@ -225,7 +236,7 @@ TEST_F(SampleHost, HelpManualAndReadmeAgree) {
     HostRun help = run("--help");
     EXPECT_EQ(help.status, 0);
     std::set<std::string> named = optionsAndCodes(help.out);
-    EXPECT_EQ(named.size(), 31u + 3u);
+    EXPECT_EQ(named.size(), 35u + 3u);
     EXPECT_EQ(named, optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/examples/modelbridge-gen.1.in")));
     std::set<std::string> codes = optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/README.md"));
     for (const char* code : {"0", "1", "2"}) EXPECT_EQ(codes.count(code), 1u) << code;

@@ -1,0 +1,88 @@
+// What the text leaves out of a model is said, kind by kind.
+#include <gtest/gtest.h>
+
+#include "support/ImportRun.h"
+#include "xmi/ModelReport.h"
+
+namespace {
+
+std::vector<std::wstring> reportOf(const std::string& model, const ImportExtensions& extensions, bool everyItem) {
+    TempDir dir;
+    _eHndl<Environment> environment(new Environment());
+    XMLImporter importer(environment.get());
+    importer.chooseExtensions(extensions);
+    bool parsed = false;
+    importer.attemptParse(fromPlatformText(dir.write("m.xmi", model)), L"", parsed);
+    EXPECT_TRUE(parsed);
+    std::vector<std::wstring> lines;
+    _eSeq<_eString> report = importer.getLeftOutReport(everyItem);
+    for (int i = 0; i < report.size(); ++i) lines.push_back(toWString(report.at(i)));
+    return lines;
+}
+
+const std::string model = R"(<XMI xmi.version="1.2"><XMI.content><UML:Model xmi.id="m"><UML:Namespace.ownedElement>
+<UML:Enumeration xmi.id="e" name="Colour"/>
+<UML:Interface xmi.id="i" name="Shape"/>
+<UML:DataType xmi.id="d" name="int"/>
+<UML:AssociationClass xmi.id="ac" name="Link"/>
+<UML:Dependency xmi.id="dep" name="uses"/>
+<UML:Constraint xmi.id="k" name="positive"/>
+<UML:Comment xmi.id="cm" name="note"/>
+<UML:Stereotype xmi.id="st" name="entity"/>
+<UML:TemplateParameter xmi.id="tp"/>
+<UML:Class xmi.id="s" name="String"/>
+<UML:Class xmi.id="a" name="Account Holder"><UML:Classifier.feature>
+ <UML:Attribute xmi.id="x" name="kind"><UML:StructuralFeature.type><UML:Class xmi.idref="nowhere"/></UML:StructuralFeature.type></UML:Attribute>
+</UML:Classifier.feature></UML:Class>
+<UML:Package xmi.id="p" name="P"><UML:Namespace.ownedElement><UML:Subsystem xmi.id="sub" name="S"><UML:Namespace.ownedElement>
+ <UML:Class xmi.id="n" name="Nested"></UML:Class>
+</UML:Namespace.ownedElement></UML:Subsystem></UML:Namespace.ownedElement></UML:Package>
+<UML:Class xmi.idref="a"/>
+</UML:Namespace.ownedElement></UML:Model>
+<XMI.extension><widget xmi.id="w" name="diagram"/><UML:Enumeration xmi.id="hidden" name="ToolOwn"/></XMI.extension>
+</XMI.content></XMI>)";
+
+}  // namespace
+
+// Every kind once, with its items in document order; nothing of the tools' records; the
+// classes off the path only when they aren't searched for; nothing without the extension.
+TEST(ModelReport, EveryKindSaidOnce) {
+    ImportExtensions extensions = everyExtension();
+    extensions.anywhere = false;
+    std::vector<std::wstring> expected = {
+        L"Left out: 1 enumerations not generated: Colour",
+        L"Left out: 1 interfaces not generated: Shape",
+        L"Left out: 1 data types not generated: int",
+        L"Left out: 1 association classes not generated: Link",
+        L"Left out: 1 dependencies not generated: uses",
+        L"Left out: 1 constraints not generated: positive",
+        L"Left out: 1 comments not generated: note",
+        L"Left out: 1 stereotypes not generated: entity",
+        L"Left out: 1 template parameters not generated: ?",
+        L"Left out: 1 classes dropped by the built-in names (Boolean, Byte, Character, Double, Integer, String, bag, "
+        L"bool, map, pair, real, seq, set, triple): String",
+        L"Left out: 1 classes off the one path of XMI 1.x, which the search anywhere finds: Nested",
+        L"Left out: 1 classes with placeholders (\"?\") where the model lacks a name, a type or a value: "
+        L"Account_Holder (1)",
+        L"Left out: 1 names changed: Account Holder as Account_Holder",
+    };
+    EXPECT_EQ(reportOf(model, extensions, false), expected);
+
+    extensions.anywhere = true;
+    std::vector<std::wstring> anywhere = reportOf(model, extensions, false);
+    EXPECT_EQ(anywhere.size(), expected.size() - 1);
+    for (const std::wstring& line : anywhere) EXPECT_EQ(line.find(L"off the one path"), std::wstring::npos);
+
+    extensions.reportLeftOut = false;
+    EXPECT_TRUE(reportOf(model, extensions, true).empty());
+}
+
+TEST(ModelReport, FirstItemsOrEvery) {
+    ReportKind many{L"things", {}};
+    for (const wchar_t* name : {L"a", L"b", L"c", L"d", L"e", L"f", L"g"}) many.items.push_back(name);
+    ReportKind none{L"nothing", {}};
+    _eSeq<_eString> first = ModelReport::lines({many, none}, false);
+    ASSERT_EQ(first.size(), 1);
+    EXPECT_EQ(toWString(first.at(0)), L"Left out: 7 things: a, b, c, d, e, and 2 more");
+    EXPECT_EQ(toWString(ModelReport::lines({many}, true).at(0)), L"Left out: 7 things: a, b, c, d, e, f, g");
+}
