@@ -110,21 +110,7 @@ TEST(EveryForm, WhatTheRealFilesSayReachesTheText) {
 // generalization by "subtype" and "supertype". Each line stands in the text in every form, and
 // none of them on the specified road.
 TEST(EveryForm, OlderFormsReadIntoTheSameDeclarations) {
-    const std::string model = R"(<XMI xmi.version="1.2"><XMI.content><UML:Model><UML:Namespace.ownedElement>
-<UML:Class xmi.id="1" name="Account" scope="200" abstract="1">
- <UML:Attribute xmi.id="2" name="balance" type="int" value="0" scope="201" static="0"/>
- <UML:Operation xmi.id="3" name="deposit" type="void" scope="200" static="0" abstract="0">
-  <UML:Parameter xmi.id="4" name="amount" type="int" value=""/>
- </UML:Operation>
- <UML:Operation xmi.id="5" name="total" type="int" scope="200" static="1"/>
-</UML:Class>
-<UML:Class xmi.id="6" name="Bank"/>
-<UML:Generalization xmi.id="7" subtype="6" supertype="1"/>
-<UML:Association xmi.id="8"><UML:Association.connection>
- <UML:AssociationEnd xmi.id="9" participant="6" isNavigable="false"/>
- <UML:AssociationEnd xmi.id="10" participant="1" isNavigable="true" name="accounts" multiplicity="0..*"/>
-</UML:Association.connection></UML:Association>
-</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>)";
+    const std::string model = readFile(std::string(MODELBRIDGE_TEST_DATA_DIR) + "/extensions/older-forms.xmi");
     ImportRun every(model, everyForm());
     ImportRun specified(model, {});
     const std::pair<const char*, const char*> expected[] = {

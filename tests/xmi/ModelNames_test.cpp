@@ -25,28 +25,7 @@ TEST(ModelNames, Identifiers) {
 // one at the top: each file is named by as many packages as tell it apart, and the attribute
 // typed by one of them by id names that one.
 TEST(ModelNames, SameNamedClassesInPackages) {
-    const std::string model = R"(<XMI><XMI.content><UML:Model xmi.id="m"><UML:Namespace.ownedElement>
-<UML:Package xmi.id="p1" name="Association Type"><UML:Namespace.ownedElement>
- <UML:Class xmi.id="e1" name="Enum"/>
-</UML:Namespace.ownedElement></UML:Package>
-<UML:Package xmi.id="p2" name="Visibility"><UML:Namespace.ownedElement>
- <UML:Class xmi.id="e2" name="Enum"/>
- <UML:Package xmi.id="p3" name="Inner"><UML:Namespace.ownedElement>
-  <UML:Class xmi.id="e3" name="Enum"/>
- </UML:Namespace.ownedElement></UML:Package>
-</UML:Namespace.ownedElement></UML:Package>
-<UML:Class xmi.id="u" name="User of it">
- <UML:Classifier.feature>
-  <UML:Attribute xmi.id="a" name="kind!"><UML:StructuralFeature.type><UML:Class xmi.idref="e2"/></UML:StructuralFeature.type></UML:Attribute>
-  <UML:Operation xmi.id="o" name="operator &lt;&lt;"><UML:BehavioralFeature.parameter>
-   <UML:Parameter xmi.id="x" name="1st"><UML:Parameter.type><UML:Class xmi.idref="e3"/></UML:Parameter.type></UML:Parameter>
-   <UML:Parameter xmi.id="y" name="other"><UML:Parameter.type><UML:Class xmi.idref="e1"/></UML:Parameter.type></UML:Parameter>
-   <UML:Parameter xmi.id="r" kind="return"><UML:Parameter.type><UML:Class xmi.idref="u"/></UML:Parameter.type></UML:Parameter>
-  </UML:BehavioralFeature.parameter></UML:Operation>
- </UML:Classifier.feature>
-</UML:Class>
-<UML:Generalization xmi.id="g" child="u" parent="e1"/>
-</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>)";
+    const std::string model = readFile(std::string(MODELBRIDGE_TEST_DATA_DIR) + "/extensions/same-names.xmi");
     ImportRun run(model, everyExtension());
     EXPECT_EQ(run.classes, (std::vector<std::wstring>{L"Association_Type_Enum", L"Inner_Enum", L"User_of_it",
                                                       L"Visibility_Enum"}));

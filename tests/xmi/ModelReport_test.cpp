@@ -20,27 +20,7 @@ std::vector<std::wstring> reportOf(const std::string& model, const ImportExtensi
     return lines;
 }
 
-const std::string model = R"(<XMI xmi.version="1.2"><XMI.content><UML:Model xmi.id="m"><UML:Namespace.ownedElement>
-<UML:Enumeration xmi.id="e" name="Colour"/>
-<UML:Interface xmi.id="i" name="Shape"/>
-<UML:DataType xmi.id="d" name="int"/>
-<UML:AssociationClass xmi.id="ac" name="Link"/>
-<UML:Dependency xmi.id="dep" name="uses"/>
-<UML:Constraint xmi.id="k" name="positive"/>
-<UML:Comment xmi.id="cm" name="note"/>
-<UML:Stereotype xmi.id="st" name="entity"/>
-<UML:TemplateParameter xmi.id="tp"/>
-<UML:Class xmi.id="s" name="String"/>
-<UML:Class xmi.id="a" name="Account Holder"><UML:Classifier.feature>
- <UML:Attribute xmi.id="x" name="kind"><UML:StructuralFeature.type><UML:Class xmi.idref="nowhere"/></UML:StructuralFeature.type></UML:Attribute>
-</UML:Classifier.feature></UML:Class>
-<UML:Package xmi.id="p" name="P"><UML:Namespace.ownedElement><UML:Subsystem xmi.id="sub" name="S"><UML:Namespace.ownedElement>
- <UML:Class xmi.id="n" name="Nested"></UML:Class>
-</UML:Namespace.ownedElement></UML:Subsystem></UML:Namespace.ownedElement></UML:Package>
-<UML:Class xmi.idref="a"/>
-</UML:Namespace.ownedElement></UML:Model>
-<XMI.extension><widget xmi.id="w" name="diagram"/><UML:Enumeration xmi.id="hidden" name="ToolOwn"/></XMI.extension>
-</XMI.content></XMI>)";
+const std::string model = readFile(std::string(MODELBRIDGE_TEST_DATA_DIR) + "/extensions/left-out.xmi");
 
 }  // namespace
 
