@@ -1,5 +1,5 @@
-// Any bytes through the whole path: parse, analyse, list, generate every class one by one and
-// all together, and render one. Nothing may crash; failures come back as data. Inputs whose
+// Any bytes through the whole path: parse, analyse, report what is left out, list, generate
+// every class one by one and all together, and render one. Nothing may crash; failures come back as data. Inputs whose
 // length and first byte add up to an odd number (so UTF-16 with its mark among them) take every
 // switch of the extensions (XMI 2 documents read as such, XMI 1.x documents searched anywhere,
 // members read in every form, references and encodings decoded, model text never a comment),
@@ -24,6 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     importer.getErrorList(true);
     importer.getMostSevereErrorMsg();
     if (!success) return 0;
+    importer.getLeftOutReport(true);
     _eString directory = fromPlatformText(fuzzDirectory() + "/");
     _eSeq<_eString> names = importer.getClassList();
     _eSet<_eString> all;
