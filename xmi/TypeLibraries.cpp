@@ -1,5 +1,6 @@
 #include "xmi/TypeLibraries.h"
 
+#include <cctype>
 #include <filesystem>
 
 #include "Generated/XMLParser.h"

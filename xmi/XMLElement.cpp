@@ -191,7 +191,7 @@ _eString XMLElement::flagOrOlder(const _eString& written, const wchar_t* olderNa
     if (!textIs(written, L"?")) return written;
     std::optional<_eString> older = olderAttribute(olderName, context);
     if (!older) return written;
-    return _eString(textIs(*older, L"1") || textIs(*older, L"true") ? L"true" : L"false");
+    return _eString(XmiWords::olderFlag(*older) ? L"true" : L"false");
 }
 
 _eString XMLElement::parameterKind(const _eHndl<Context>& context) const {

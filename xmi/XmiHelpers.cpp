@@ -90,6 +90,8 @@ Aggregation XmiWords::aggregation(const _eString& text) {
 
 bool XmiWords::flag(const _eString& text) { return textIs(text, L"true"); }
 
+bool XmiWords::olderFlag(const _eString& text) { return textIs(text, L"1") || textIs(text, L"true"); }
+
 XmiVocabulary::XmiVocabulary(const _eString& xmiPrefix, const Names& modelPrefixes)
     : idAttribute(xmiPrefix + L":id"),
       idrefAttribute(xmiPrefix + L":idref"),

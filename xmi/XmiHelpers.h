@@ -57,6 +57,8 @@ Direction direction(const _eString& text);
 Aggregation aggregation(const _eString& text);
 // "true", and nothing else, is true.
 bool flag(const _eString& text);
+// The flags of older exporters' attributes ("static", "abstract"): "1" or "true" is true.
+bool olderFlag(const _eString& text);
 }  // namespace XmiWords
 
 // The vocabulary of a document that tells the model's elements by prefix: the attributes that

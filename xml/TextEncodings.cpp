@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "environment/PlatformText.h"
+
 namespace TextEncodings {
 
 namespace {
@@ -25,24 +27,6 @@ std::string declaredEncoding(std::string_view head) {
     for (char& c : name)
         if (c >= 'A' && c <= 'Z') c = char(c - 'A' + 'a');
     return name;
-}
-
-void appendUtf8(std::string& out, std::uint32_t code) {
-    if (code < 0x80) {
-        out.push_back(char(code));
-    } else if (code < 0x800) {
-        out.push_back(char(0xC0 | (code >> 6)));
-        out.push_back(char(0x80 | (code & 0x3F)));
-    } else if (code < 0x10000) {
-        out.push_back(char(0xE0 | (code >> 12)));
-        out.push_back(char(0x80 | ((code >> 6) & 0x3F)));
-        out.push_back(char(0x80 | (code & 0x3F)));
-    } else {
-        out.push_back(char(0xF0 | (code >> 18)));
-        out.push_back(char(0x80 | ((code >> 12) & 0x3F)));
-        out.push_back(char(0x80 | ((code >> 6) & 0x3F)));
-        out.push_back(char(0x80 | (code & 0x3F)));
-    }
 }
 
 constexpr std::uint32_t replacement = 0xFFFD;
