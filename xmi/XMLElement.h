@@ -198,19 +198,23 @@ public:
     AssociationRecord read(const _eHndl<Context>& context) const;
     // The ids that the ends refer to: the classes that the association involves.
     Names endTypeIds(const _eHndl<Context>& context) const;
-    // The elements at "UML:Association.connection", "UML:AssociationEnd" that name their type by a child.
-    ElementSeq ends(const _eHndl<Context>& context) const;
 
 private:
-    // How an end names its type: `named` false when it doesn't.
-    struct EndType {
-        bool named = false;
-        _eString id;          // as written
-        bool single = false;  // one element names it
-        TypeRecord type;      // what it reads as
-        TypeRecord role;      // what names an unnamed end
+    // Where an end names its type: the children `elementName`, or in every form an id in an XML
+    // attribute.
+    struct EndReference {
+        const XMLElement* end = nullptr;
+        const wchar_t* elementName = nullptr;
+        ElementSeq elements;
+        std::optional<_eString> attributeId;
+
+        bool named() const { return !elements.isEmpty() || attributeId.has_value(); }
+        // The id as written.
+        _eString id(const _eHndl<Context>& context) const;
     };
-    static EndType endType(const XMLElement& end, const _eHndl<Context>& context);
+    // The elements at "UML:Association.connection", "UML:AssociationEnd" that name their type,
+    // each with where it does.
+    std::vector<EndReference> ends(const _eHndl<Context>& context) const;
 };
 
 // "UML:Generalization": known through the dictionary, wherever it stands.

@@ -196,7 +196,7 @@ OperationRecord FCOperationElement::read(const _eHndl<Context>& context) const {
     record.scope = XmiWords::scope(attributeOrSubElement(L"ownerScope", L"UML:Feature.ownerScope", context));
     if (record.scope == Scope::unknown)
         if (std::optional<_eString> older = olderAttribute(L"static", context))
-            record.scope = textIs(*older, L"1") || textIs(*older, L"true") ? Scope::classifier : Scope::instance;
+            record.scope = XmiWords::olderFlag(*older) ? Scope::classifier : Scope::instance;
     ElementSeq all = getContent()->elementsAtPath({L"UML:BehavioralFeature.parameter", L"UML:Parameter"});
     if (context->everyForm()) all = all.concat(getContent()->childrenNamed(L"UML:Parameter"));
     for (int i = 0, n = all.size(); i < n; ++i) record.parameters.push_back(readParameter(*all.get(i), context));
@@ -248,51 +248,41 @@ ParameterRecord FCOperationElement::readParameter(const XMLElement& parameter, c
     return record;
 }
 
-// In every form an end may also name its type by the child "UML:AssociationEnd.participant",
-// or by the XML attribute "type" or "participant".
-FCAssociationElement::EndType FCAssociationElement::endType(const XMLElement& end, const _eHndl<Context>& context) {
-    ElementSeq types = end.getContent()->childrenNamed(L"UML:AssociationEnd.type");
-    if (types.isEmpty() && context->everyForm()) {
-        types = end.getContent()->childrenNamed(L"UML:AssociationEnd.participant");
-        if (types.isEmpty())
+// An end names its type by the child "UML:AssociationEnd.type"; in every form also by the child
+// "UML:AssociationEnd.participant", or by the XML attribute "type" or "participant".
+std::vector<FCAssociationElement::EndReference> FCAssociationElement::ends(const _eHndl<Context>& context) const {
+    ElementSeq all = getContent()->elementsAtPath({L"UML:Association.connection", L"UML:AssociationEnd"});
+    std::vector<EndReference> named;
+    for (int i = 0, n = all.size(); i < n; ++i) {
+        EndReference reference{all.get(i).get(), L"UML:AssociationEnd.type", {}, {}};
+        const XMLcontent& content = *reference.end->getContent();
+        reference.elements = content.childrenNamed(reference.elementName);
+        if (reference.elements.isEmpty() && context->everyForm()) {
+            reference.elementName = L"UML:AssociationEnd.participant";
+            reference.elements = content.childrenNamed(reference.elementName);
             for (const wchar_t* name : {L"type", L"participant"})
-                if (std::optional<_eString> id = end.olderAttribute(name, context)) {
-                    TypeRecord type = typeOfAttribute(*id, context);
-                    return {true, *id, true, type, type};
-                }
-        if (types.isEmpty()) return {};
-        return {true, types.get(0)->getContent()->referencedId(context), types.size() == 1,
-                end.readType(L"UML:AssociationEnd.participant", context),
-                types.size() == 1 ? types.get(0)->referencedType(context) : TypeRecord()};
+                if (!reference.named()) reference.attributeId = reference.end->olderAttribute(name, context);
+        }
+        if (reference.named()) named.push_back(reference);
     }
-    if (types.isEmpty()) return {};
-    return {true, types.get(0)->getContent()->referencedId(context), types.size() == 1,
-            end.readType(L"UML:AssociationEnd.type", context),
-            types.size() == 1 ? types.get(0)->referencedType(context) : TypeRecord()};
+    return named;
 }
 
-ElementSeq FCAssociationElement::ends(const _eHndl<Context>& context) const {
-    ElementSeq all = getContent()->elementsAtPath({L"UML:Association.connection", L"UML:AssociationEnd"});
-    ElementSeq out;
-    for (int i = 0, n = all.size(); i < n; ++i)
-        if (endType(*all.get(i), context).named) out.pushBack(all.get(i));
-    return out;
+_eString FCAssociationElement::EndReference::id(const _eHndl<Context>& context) const {
+    return attributeId ? *attributeId : elements.get(0)->getContent()->referencedId(context);
 }
 
 Names FCAssociationElement::endTypeIds(const _eHndl<Context>& context) const {
-    ElementSeq all = ends(context);
     Names ids;
-    for (int i = 0, n = all.size(); i < n; ++i) ids.add(endType(*all.get(i), context).id);
+    for (const EndReference& reference : ends(context)) ids.add(reference.id(context));
     return ids;
 }
 
 AssociationRecord FCAssociationElement::read(const _eHndl<Context>& context) const {
     AssociationRecord record;
     record.id = idOf(*this);
-    ElementSeq all = ends(context);
-    for (int i = 0, n = all.size(); i < n; ++i) {
-        const XMLElement& end = *all.get(i);
-        EndType type = endType(end, context);
+    for (const EndReference& reference : ends(context)) {
+        const XMLElement& end = *reference.end;
         AssociationEndRecord endRecord;
         endRecord.id = idOf(end);
         endRecord.name = end.readName();
@@ -301,10 +291,15 @@ AssociationRecord FCAssociationElement::read(const _eHndl<Context>& context) con
             XmiWords::flag(end.attributeOrSubElement(L"isNavigable", L"UML:AssociationEnd.isNavigable", context));
         endRecord.aggregation =
             XmiWords::aggregation(end.attributeOrSubElement(L"aggregation", L"UML:AssociationEnd.aggregation", context));
-        endRecord.typeId = type.id;
-        endRecord.singleType = type.single;
-        endRecord.type = type.type;
-        endRecord.roleType = type.role;
+        endRecord.typeId = reference.id(context);
+        if (reference.attributeId) {
+            endRecord.singleType = true;
+            endRecord.type = endRecord.roleType = typeOfAttribute(*reference.attributeId, context);
+        } else {
+            endRecord.singleType = reference.elements.size() == 1;
+            endRecord.type = end.readType(reference.elementName, context);
+            if (endRecord.singleType) endRecord.roleType = reference.elements.get(0)->referencedType(context);
+        }
         endRecord.multiplicity = end.readMultiplicity(L"UML:AssociationEnd.multiplicity", context);
         record.ends.push_back(endRecord);
     }
