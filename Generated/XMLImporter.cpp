@@ -9,8 +9,6 @@
 #include "runtime/Failure.h"
 #include "runtime/StringUtils.h"
 #include "xmi/ModelReader.h"
-#include "xmi/Xmi1Reader.h"
-#include "xmi/Xmi2Reader.h"
 
 XMLImporter::XMLImporter(const Environment* environment) : state(new State) {
     state->environment = environment;
@@ -276,19 +274,9 @@ const _eSet<_eString>& XMLImporter::classesToIgnore() {
     return names;
 }
 
-// The classes off the path are those the search anywhere finds beyond the chosen reader's, in
-// an XMI 1.x document that wasn't searched.
 _eSeq<_eString> XMLImporter::getLeftOutReport(bool everyItem) const {
     if (!state->extensions.reportLeftOut || state->document.isNull()) return {};
-    std::shared_ptr<const ModelReader> anywhere;
-    const XMLElement& root = *state->document->getRoot();
-    bool xmi2 = state->extensions.xmi2 && Xmi2Reader::recognise(root) != nullptr;
-    if (!state->extensions.anywhere && !xmi2) {
-        ModelSource source;
-        source.extensions = state->extensions;
-        anywhere = Xmi1AnywhereReader::recognise(root, source);
-    }
-    return ModelReport::lines(state->document->leftOut(classesToIgnore(), anywhere.get()), everyItem);
+    return ModelReport::lines(state->document->leftOut(classesToIgnore(), state->extensions.anywhere), everyItem);
 }
 
 _eSeq<_eString> XMLImporter::getClassList() const {

@@ -1,6 +1,7 @@
 #include "xmi/ModelNames.h"
 
 #include <map>
+#include <set>
 
 #include "runtime/StringUtils.h"
 #include "xmi/ClassRenderer.h"
@@ -73,12 +74,12 @@ ModelNames::ModelNames(const ModelClasses& found, const ModelReader& reader) {
             break;
         }
     }
-    std::map<std::wstring, bool> reported;
+    std::set<std::wstring> reported;
     for (std::size_t i = 0; i < all.size(); ++i) {
         byElement.emplace(all[i].element, given[i]);
         _eString id = all[i].element->ownId();
         if (!id.isEmpty()) byId.emplace(toWString(id), given[i]);
-        if (!(given[i] == all[i].written) && reported.emplace(toWString(all[i].written + L"\n" + given[i]), true).second)
+        if (!(given[i] == all[i].written) && reported.insert(toWString(all[i].written + L"\n" + given[i])).second)
             changes.push_back({all[i].written, given[i]});
     }
 }

@@ -122,8 +122,7 @@ void Xmi2Reader::findClasses() {
             if (!done.ofModel) return;
             bool holds = !done.holding.isEmpty();
             if (holds) holding[&element] = done.holding;
-            bool isClassElement = textIs(done.kind, L"Class") && element.hasAttribute(vocabulary.idKey()) &&
-                                  !element.hasAttribute(idrefKey) && !element.hasAttribute(L"href");
+            bool isClassElement = textIs(done.kind, L"Class") && defines(element);
             if (isClassElement) classElements.insert(&element);
             if (textIs(done.kind, L"Association")) associationElements.push_back(&element);
             if (!open.empty() && (holds || isClassElement))
@@ -146,8 +145,11 @@ _eString Xmi2Reader::definedKind(const XMLElement& element, bool& descend) const
     bool ofModel = true;
     _eString kind = &element == root.get() ? _eString() : vocabulary.metaclass(element, ofModel);
     descend = ofModel;
-    bool defined = element.hasAttribute(vocabulary.idKey()) && !element.hasAttribute(idrefKey) && !element.hasAttribute(L"href");
-    return ofModel && defined ? kind : _eString();
+    return ofModel && defines(element) ? kind : _eString();
+}
+
+bool Xmi2Reader::defines(const XMLElement& element) const {
+    return element.hasAttribute(vocabulary.idKey()) && !element.hasAttribute(idrefKey) && !element.hasAttribute(L"href");
 }
 
 bool Xmi2Reader::isClass(const XMLElement& element) const { return classElements.count(&element) != 0; }

@@ -62,6 +62,8 @@ private:
     TypeRecord typeOfElement(const XMLElement& target) const;
     // The id that the element's "type" names; empty when it names none in the document.
     _eString typeId(const XMLElement& element) const;
+    // The element has an id and refers to nothing: it defines what it is, here.
+    bool defines(const XMLElement& element) const;
     // A type by "href" into another file, and by an id.
     TypeRecord hrefType(const _eString& href) const;
     TypeRecord idType(const _eString& id) const;

@@ -3,7 +3,7 @@
 #include <cassert>
 
 #include <algorithm>
-#include <map>
+#include <set>
 
 #include "environment/PlatformText.h"
 #include "runtime/StringUtils.h"
@@ -125,7 +125,7 @@ void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& cl
 
 // Every class is read and rendered once more: what it names that the text can't carry shows
 // only then.
-std::vector<ReportKind> XMLDocument::leftOut(const Names& builtInNames, const ModelReader* offPath) const {
+std::vector<ReportKind> XMLDocument::leftOut(const Names& builtInNames, bool searchedAnywhere) const {
     if (!analysed || !modelReader().readsDocument()) return {};
     std::vector<ReportKind> kinds = ModelReport::elementsLeftOut(*root, modelReader());
     ReportKind dropped{L"classes dropped by the built-in names (Boolean, Byte, Character, Double, Integer, String, "
@@ -134,12 +134,14 @@ std::vector<ReportKind> XMLDocument::leftOut(const Names& builtInNames, const Mo
     ReportKind placeholders{L"classes with placeholders (\"?\") where the model lacks a name, a type or a value", {}};
     ReportKind renamed{L"names changed", {}};
     ReportKind unresolved{L"files that would resolve references left unresolved", {}};
-    if (offPath != nullptr)
-        for (const FoundClass& each : offPath->classes().inOrder)
-            if (found.find(*each.element) == nullptr) elsewhere.items.push_back(offPath->className(*each.element));
-    std::map<std::wstring, bool> seen;
+    if (!searchedAnywhere && modelReader().readsXmi1Ids()) {
+        std::shared_ptr<const ModelReader> anywhere = Xmi1AnywhereReader::recognise(*root);
+        for (const FoundClass& each : anywhere->classes().inOrder)
+            if (found.find(*each.element) == nullptr) elsewhere.items.push_back(anywhere->className(*each.element));
+    }
+    std::set<std::wstring> seen;
     auto rename = [&](const ModelNames::Change& change) {
-        if (seen.emplace(toWString(change.written + L"\n" + change.given), true).second)
+        if (seen.insert(toWString(change.written + L"\n" + change.given)).second)
             renamed.items.push_back(change.written + L" as " + change.given);
     };
     if (names)

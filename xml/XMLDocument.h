@@ -42,9 +42,9 @@ public:
         namesMadeSafe = safeNames;
     }
     // What the text of the classes leaves out of the model, by kind (see `ModelReport`):
-    // `builtInNames` are the names of the classes the class list drops; `offPath`, when given,
-    // the reader that finds classes anywhere, for the classes the chosen one doesn't find.
-    std::vector<ReportKind> leftOut(const Names& builtInNames, const ModelReader* offPath) const;
+    // `builtInNames` are the names of the classes the class list drops. Unless the classes were
+    // `searchedAnywhere`, those of an XMI 1.x document that stand off its one path are named.
+    std::vector<ReportKind> leftOut(const Names& builtInNames, bool searchedAnywhere) const;
     // The names changed, once `analyse` has made them safe; null otherwise.
     const ModelNames* getNames() const { return names.get(); }
     virtual ClassMap getClasses() const { return classes; }
