@@ -54,26 +54,25 @@ TEST(TypeLibraries, ReferencesIntoOtherFiles) {
     extensions.libraryFolderCount = 1;
     _eHndl<Environment> environment(new Environment());
     XMLImporter importer(environment.get());
-    importer.chooseExtensions(extensions);
-    bool parsed = false;
-    importer.attemptParse(fromPlatformText(path), L"", parsed);
-    ASSERT_TRUE(parsed);
-    std::string text = importer.renderClassFile(fromPlatformText(workspace.path()), L"Panel");
+    auto render = [&] {
+        importer.chooseExtensions(extensions);
+        bool parsed = false;
+        importer.attemptParse(fromPlatformText(path), L"", parsed);
+        EXPECT_TRUE(parsed);
+        return importer.renderClassFile(fromPlatformText(workspace.path()), L"Panel");
+    };
+    std::string text = render();
     for (const char* line : {"var hgap: int;", "var list: JList;", "var count: unsigned_int;", "var flag: bool;",
                              "var label: String;", "var size: int;", "var lost: ?;", "var java: long;"})
         EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
 
     // Without the switch the fragment stands; without the folder the library's file isn't found.
     extensions.crossFileTypes = false;
-    importer.chooseExtensions(extensions);
-    importer.attemptParse(fromPlatformText(path), L"", parsed);
-    text = importer.renderClassFile(fromPlatformText(workspace.path()), L"Panel");
+    text = render();
     EXPECT_NE(text.find("var hgap: _zcuak;"), std::string::npos) << text;
     extensions.crossFileTypes = true;
     extensions.libraryFolderCount = 0;
-    importer.chooseExtensions(extensions);
-    importer.attemptParse(fromPlatformText(path), L"", parsed);
-    text = importer.renderClassFile(fromPlatformText(workspace.path()), L"Panel");
+    text = render();
     EXPECT_NE(text.find("var count: ?;"), std::string::npos) << text;
     EXPECT_NE(text.find("var hgap: int;"), std::string::npos) << text;
 }

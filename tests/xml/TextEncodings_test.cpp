@@ -42,12 +42,11 @@ TEST(TextEncodings, EveryEncodingGivesThePlainText) {
     ASSERT_NE(expected.single.find("var pr\xC3\xA9is\xE2\x82\xAC: ?;"), std::string::npos) << expected.single;
 
     const std::string utf16Declared = model("<?xml version='1.0' encoding='UTF-16'?>", "Kund\xC3\xA9", "pr\xC3\xA9is\xE2\x82\xAC");
-    std::string noMark = utf16(utf16Declared, true).substr(2);
     const std::string variants[] = {
         "\xEF\xBB\xBF" + plain,
         utf16(utf16Declared, true),
         utf16(utf16Declared, false),
-        noMark,
+        utf16(utf16Declared, true).substr(2),  // no mark
         model("<?xml version=\"1.0\" encoding = \"ISO-8859-1\"?>", "Kund\xE9", "pr\xE9isx"),
         model("<?xml version='1.0' encoding='windows-1252'?>", "Kund\xE9", "pr\xE9is\x80"),
     };
@@ -64,12 +63,9 @@ TEST(TextEncodings, EveryEncodingGivesThePlainText) {
 
     ImportRun specified(variants[0], {});
     EXPECT_FALSE(specified.parsed);
-    ImportRun switchedOff(variants[1], [] {
-        ImportExtensions extensions = everyExtension();
-        extensions.decodeEncodings = false;
-        return extensions;
-    }());
-    EXPECT_FALSE(switchedOff.parsed);
+    ImportExtensions switchedOff = everyExtension();
+    switchedOff.decodeEncodings = false;
+    EXPECT_FALSE(ImportRun(variants[1], switchedOff).parsed);
 }
 
 // What can't be a character becomes U+FFFD; an odd byte at the end of UTF-16 too. Only the
