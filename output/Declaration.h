@@ -62,12 +62,23 @@ struct Declaration {
     bool operator==(const Declaration&) const = default;
 };
 
-// Where a declaration stands in laid-out text: its first and last line, counted from 1.
+// Where a "?" the user completes stands in laid-out text: its line, counted from 1, and the
+// bytes before it on that line.
+struct BodyPosition {
+    std::int32_t line;
+    std::int32_t column;
+
+    bool operator==(const BodyPosition&) const = default;
+};
+
+// Where a declaration stands in laid-out text: its first and last line, counted from 1, and
+// where each of its bodies stands.
 struct DeclarationLines {
     _eString id;
     DeclarationPart part;
     std::int32_t firstLine;
     std::int32_t lastLine;
+    std::vector<BodyPosition> bodies;
 
     bool operator==(const DeclarationLines&) const = default;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "environment/PlatformText.h"
 #include "runtime/StringUtils.h"
 
 namespace {
@@ -57,6 +58,19 @@ TokenKind ElementBase::kindOf(const _eString& token) {
     return letter ? TokenKind::keyword : TokenKind::punctuation;
 }
 
+namespace {
+
+// The bytes before the end of `text` on its last line, where the line had `column` before it.
+std::int32_t columnAfter(const _eString& text, std::int32_t column) {
+    std::string bytes;
+    _eSeqReader<wchar_t> reader(text);
+    for (int i = 0, n = text.size(); i < n; ++i) appendOutputUnit(bytes, std::uint32_t(reader.next()));
+    std::size_t lineEnd = bytes.rfind('\n');
+    return lineEnd == std::string::npos ? column + std::int32_t(bytes.size()) : std::int32_t(bytes.size() - lineEnd - 1);
+}
+
+}  // namespace
+
 void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>& file, const ImportOptions& options,
                           FileError::_eEnum& status, std::vector<TokenLines>* lines) const {
     status = FileError::success;
@@ -71,6 +85,7 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
     bool previousComment = false;
     bool first = true;
     std::int32_t line = 1;
+    std::int32_t byteColumn = 0;  // kept only for a caller that asks where its tokens stand
     const bool byKind = options.getCommentsByKind();
     _eSeqReader<OutputToken> reader(tokens);
     if (lines != nullptr) lines->reserve(std::size_t(tokens.size()));
@@ -108,16 +123,21 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             column += separator.size();
         }
         // Lines are counted only for a caller that asks where its tokens stand.
-        if (lines != nullptr) line += countUnits(lead, L'\n');
+        if (lines != nullptr) {
+            line += countUnits(lead, L'\n');
+            byteColumn = columnAfter(lead, byteColumn);
+        }
         std::int32_t firstLine = line;
+        std::int32_t firstColumn = byteColumn;
         if (!comment) {
             _eString text = tokenText(current);
             environment.writeText(file, lead + text, status);
             column += text.size();
+            if (lines != nullptr) byteColumn = columnAfter(text, byteColumn);
         } else {
             line += writeWrapped(environment, file, lead, current, column, options, status);
         }
-        if (lines != nullptr) lines->push_back({firstLine, line});
+        if (lines != nullptr) lines->push_back({firstLine, line, firstColumn});
         if (opensBlock(previous, current))
             indent += 1;
         else if (closes && indent < 2)

@@ -14,10 +14,11 @@
 using Tokens = _eSeq<_eString>;
 
 // The lines, counted from 1, on which a laid-out token starts and ends (a long comment is
-// wrapped over several).
+// wrapped over several), and the bytes before it on its first line.
 struct TokenLines {
     std::int32_t first;
     std::int32_t last;
+    std::int32_t column = 0;
 };
 
 class ElementBase : public _eAbstractClass<ElementBase, _eAny> {

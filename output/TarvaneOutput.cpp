@@ -114,10 +114,15 @@ bool TarvaneOutput::writeWhole(const Environment& environment, const _eHndl<File
     if (lines == nullptr) return written;
     // The tokens start on the line after the header.
     std::int32_t offset = countUnits(head, L'\n');
+    TokenKinds kinds = elements->kinds();
     for (const Declaration& d : declarations()) {
         if (d.count == 0 || std::size_t(d.first + d.count) > tokenLines.size()) continue;
-        lines->push_back({d.id, d.part, offset + tokenLines[std::size_t(d.first)].first,
-                          offset + tokenLines[std::size_t(d.first + d.count - 1)].last});
+        DeclarationLines placed{d.id, d.part, offset + tokenLines[std::size_t(d.first)].first,
+                                offset + tokenLines[std::size_t(d.first + d.count - 1)].last, {}};
+        for (std::int32_t i = d.first; i < d.first + d.count; ++i)
+            if (TokenKind(kinds.at(i)) == TokenKind::body)
+                placed.bodies.push_back({offset + tokenLines[std::size_t(i)].first, tokenLines[std::size_t(i)].column});
+        lines->push_back(std::move(placed));
     }
     return written;
 }
