@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "environment/PlatformText.h"
+#include "output/FolderUpdate.h"
 #include "runtime/Failure.h"
 #include "runtime/StringUtils.h"
 #include "xmi/ModelReader.h"
@@ -336,6 +337,49 @@ std::string XMLImporter::renderClassFile(_eString directory, _eString className)
     if (state->document.isNull() || state->environment.isNull()) return {};
     FileName source = state->parsedFile.isNull() ? FileName() : *state->parsedFile;
     return state->document->renderClassFile(className, directory, source, *state->environment, importOptions());
+}
+
+UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> classNames, _eString singleFile,
+                                       const UpdateOptions& options) const {
+    UpdateReport report;
+    if (state->document.isNull() || state->environment.isNull() || !noSeriousError()) {
+        report.error = "no model was parsed without errors";
+        return report;
+    }
+    const Environment& environment = *state->environment;
+    FileName source = state->parsedFile.isNull() ? FileName() : *state->parsedFile;
+    _eSeq<_eString> all = getClassList();
+    _eSeq<_eString> chosen = classNames.isEmpty() ? all : classNames;
+    std::vector<GeneratedFile> files;
+    std::set<std::string> ids;
+    auto layOut = [&](const _eSeq<_eString>& names, const _eString& fileName, bool single) {
+        std::string path = toPlatformText(outputFilePath(directory, fileName));
+        if (path.empty() || (!single && !XMLDocument::namesOneFile(fileName))) {
+            FileUpdate refused;
+            refused.file = toPlatformText(fileName) + ".tv";
+            refused.outcome = FileOutcome::failed;
+            refused.message = "'" + refused.file + "' can't be a file name";
+            report.files.push_back(refused);
+            return;
+        }
+        TarvaneOutput::Layout layout = state->document->layOutFile(names, single, FileName(directory, fileName, L"tv", &environment),
+                                                                   source, environment, importOptions());
+        files.push_back(FolderUpdate::generatedFile(path.substr(path.rfind('/') + 1), layout, TarvaneOutput::headerLines));
+        ids.insert(files.back().classIds.begin(), files.back().classIds.end());
+    };
+    if (!singleFile.isEmpty()) {
+        layOut(chosen, singleFile, true);
+    } else {
+        for (int i = 0; i < chosen.size(); ++i) layOut(_eSeq<_eString>(chosen.at(i)), chosen.at(i), false);
+    }
+    // Recorded files of classes left out this time are stale only when the model lacks them.
+    if (!singleFile.isEmpty() || chosen.size() != all.size())
+        for (int i = 0; i < all.size(); ++i) ids.insert(toPlatformText(state->document->classId(all.at(i))));
+    std::vector<FileUpdate> refused = std::move(report.files);
+    report = FolderUpdate::run(toPlatformText(directory), files, ids, options);
+    report.ok = report.ok && refused.empty();
+    report.files.insert(report.files.end(), refused.begin(), refused.end());
+    return report;
 }
 
 _eString XMLImporter::genFullFileNameString(_eString directory, _eString name, const Environment* environment) {

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "Generated/ErrorEnums.h"
+#include "modelbridge/FolderUpdate.h"
 #include "modelbridge/ImportExtensions.h"
 #include "environment/Environment.h"
 
@@ -52,6 +53,12 @@ public:
     // without writing anything; empty when nothing parsed can be generated. An extension beyond
     // the specified behaviour for hosts that show or compare generated text.
     std::string renderClassFile(_eString directory, _eString className) const;
+    // An extension beyond the specified behaviour: brings the folder `directory` (made by the
+    // caller) up to date with the classes named, every class when none are, one file each or,
+    // with a `singleFile` name, all in that one file; what the user wrote in the files stays and
+    // what the model changed lands (modelbridge/FolderUpdate.h). Needs a model parsed.
+    UpdateReport updateFolder(_eString directory, _eSeq<_eString> classNames, _eString singleFile,
+                              const UpdateOptions& options) const;
     // The errors and warnings of the last call that generated or wrote alone, ordered by
     // location: empty when it succeeded, whatever calls before it gave. An extension beyond the
     // specified behaviour, whose `success` tells whether every generation so far succeeded.

@@ -34,6 +34,11 @@ set(MODELBRIDGE_SOURCES
   Generated/XMLError.cpp
   Generated/XMLImporter.cpp
   Generated/XMLParser.cpp
+  output/FolderUpdate.cpp
+  output/GenerationRecord.cpp
+  output/LineDiff.cpp
+  output/MemberMerge.cpp
+  output/OutputFolder.cpp
   output/ReservedWords.cpp
   output/TarvaneElements.cpp
   output/TarvaneOutput.cpp

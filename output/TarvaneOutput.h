@@ -63,7 +63,8 @@ public:
     std::string render(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
                        const Environment& environment) const;
 
-    // The seven header lines, naming `time`.
+    // The seven header lines, naming `time`, and the blank line after them.
+    static constexpr std::size_t headerLines = 7;
     static _eString header(const FileName& file, const FileName& sourceFile, const Environment& environment,
                            const Time& time);
     // The options' fixed time, else the clock's.

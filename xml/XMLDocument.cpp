@@ -111,6 +111,10 @@ std::string XMLDocument::renderClassFile(const _eString& className, const _eStri
 void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& classNames, const FileName& sourceFile,
                                      const _eHndl<const Environment>& environment, const ImportOptions& options) {
     if (!startGeneration()) return;
+    write(*declarations(classNames), targetFile, sourceFile, environment, options);
+}
+
+_eHndl<TarvaneOutput> XMLDocument::declarations(const Names& classNames) const {
     // A document that a failed parse left unanalysed is walked all the same, its ids unknown.
     ModelClasses walked = analysed ? ModelClasses() : modelReader().classes();
     _eHndl<Context> context = generationContext();
@@ -120,7 +124,23 @@ void XMLDocument::generateSingleFile(const FileName& targetFile, const Names& cl
             ClassRecord record = modelReader().readClass(each, context);
             output = output->concat(*ClassRenderer::classDeclaration(names ? names->apply(record, *each.element) : record));
         }
-    write(*output, targetFile, sourceFile, environment, options);
+    return output;
+}
+
+TarvaneOutput::Layout XMLDocument::layOutFile(const _eSeq<_eString>& classNames, bool single, const FileName& file,
+                                              const FileName& sourceFile, const Environment& environment,
+                                              const ImportOptions& options) const {
+    if (!modelReader().readsDocument() || classNames.isEmpty()) return {};
+    Names chosen;
+    for (int i = 0; i < classNames.size(); ++i) chosen.add(classNames.at(i));
+    _eHndl<TarvaneOutput> output = single ? declarations(chosen) : declaration(classNames.at(0));
+    return output->layOut(options, file, sourceFile, environment);
+}
+
+_eString XMLDocument::classId(const _eString& className) const {
+    for (const Declaration& each : declaration(className)->declarations())
+        if (each.part == DeclarationPart::classHead) return each.id;
+    return {};
 }
 
 // Every class is read and rendered once more: what it names that the text can't carry shows

@@ -31,6 +31,14 @@ public:
     // `outputDirectory`; empty when the reader doesn't read the document or the name is refused.
     std::string renderClassFile(const _eString& className, const _eString& outputDirectory, const FileName& sourceFile,
                                 const Environment& environment, const ImportOptions& options) const;
+    // The file that `generateClassFile` writes for the one class named, or that
+    // `generateSingleFile` writes for several (`single`), laid out in memory with where each
+    // declaration stands; empty when the reader doesn't read the document.
+    TarvaneOutput::Layout layOutFile(const _eSeq<_eString>& classNames, bool single, const FileName& file,
+                                     const FileName& sourceFile, const Environment& environment,
+                                     const ImportOptions& options) const;
+    // The id of the class of that name, as its declaration carries it.
+    _eString classId(const _eString& className) const;
     // Builds the class map, with the classes that the chosen reader finds; the dictionary follows
     // when it is first asked for.
     virtual void analyse();
@@ -73,6 +81,8 @@ private:
     _eString nameOf(const XMLElement& element) const;
     // The declaration of the class of that name; empty when there is none.
     _eHndl<TarvaneOutput> declaration(const _eString& className) const;
+    // The declarations of the classes named, in document order.
+    _eHndl<TarvaneOutput> declarations(const Names& classNames) const;
     void write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
                const _eHndl<const Environment>& environment, const ImportOptions& options);
 

@@ -1,0 +1,261 @@
+#include "output/FolderUpdate.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+
+#include "environment/PlatformText.h"
+#include "output/MemberMerge.h"
+#include "output/OutputFolder.h"
+
+GeneratedFile FolderUpdate::generatedFile(const std::string& name, const TarvaneOutput::Layout& layout,
+                                          std::size_t headerLines) {
+    static const char* const partWords[] = {"head", "section", "member", "accessor", "end"};
+    GeneratedFile file;
+    file.name = name;
+    Lines all = splitLines(layout.bytes);
+    headerLines = std::min(headerLines, all.size());
+    file.header = joinLines(all, 0, headerLines);
+    file.lines.assign(all.begin() + long(headerLines), all.end());
+    std::map<std::string, int> seen;
+    for (const DeclarationLines& declaration : layout.declarations) {
+        if (std::size_t(declaration.firstLine) <= headerLines || std::size_t(declaration.lastLine) > all.size()) continue;
+        std::string id = toPlatformText(declaration.id);
+        TextPiece piece;
+        piece.first = std::size_t(declaration.firstLine) - 1 - headerLines;
+        piece.end = std::size_t(declaration.lastLine) - headerLines;
+        if (!file.pieces.empty() && piece.first < file.pieces.back().end) continue;
+        piece.key = std::string(partWords[int(declaration.part)]) + " " + GenerationRecord::keyText(id);
+        if (declaration.part == DeclarationPart::section) {
+            std::string keyword = file.lines[piece.first];
+            keyword.erase(keyword.find_last_not_of(" \t\r\n") + 1);
+            piece.key += " " + GenerationRecord::keyText(keyword);
+        }
+        if (declaration.part == DeclarationPart::classHead) file.classIds.push_back(id);
+        int repeats = ++seen[piece.key];
+        if (repeats > 1) piece.key += "#" + std::to_string(repeats);
+        for (const BodyPosition& body : declaration.bodies)
+            piece.bodies.emplace_back(std::size_t(body.line) - 1 - headerLines, std::size_t(body.column));
+        file.pieces.push_back(piece);
+    }
+    return file;
+}
+
+namespace {
+
+// One update, file by file: first everything is decided, then written.
+class Update {
+public:
+    Update(const std::string& folder, const std::set<std::string>& modelClasses, const UpdateOptions& options)
+        : folder(folder), modelClasses(modelClasses), options(options) {}
+
+    UpdateReport run(const std::vector<GeneratedFile>& files);
+
+private:
+    struct Step {
+        FileUpdate report;
+        std::optional<std::string> write;  // the text the file gets
+        std::string remove;                 // a file that goes
+        std::string before;                 // the text it had, for the diff
+    };
+
+    Step settle(const GeneratedFile& file);
+    void stale(const RecordEntry& entry);
+    bool readFile(const std::string& name, std::string& text, Step& step) const;
+    // The text of a file after its header, when it has the header of a generated one.
+    static Lines bodyOf(const std::string& text, const GeneratedFile& file) {
+        Lines lines = splitLines(text);
+        std::size_t header = MemberMerge::headerOf(lines, std::size_t(std::count(file.header.begin(), file.header.end(), '\n')));
+        return Lines(lines.begin() + long(header), lines.end());
+    }
+    void apply(Step& step);
+
+    OutputFolder folder;
+    const std::set<std::string>& modelClasses;
+    const UpdateOptions& options;
+    GenerationRecord record;
+    std::set<std::string> settled;   // recorded files this generation has dealt with
+    std::set<std::string> newNames;  // the files of this generation
+    std::map<std::string, RecordEntry> entries;  // the new record, by file name
+    std::vector<Step> steps;
+};
+
+bool Update::readFile(const std::string& name, std::string& text, Step& step) const {
+    std::string error;
+    if (folder.read(name, text, error)) return true;
+    step.report.outcome = FileOutcome::failed;
+    step.report.message = error;
+    return false;
+}
+
+Update::Step Update::settle(const GeneratedFile& file) {
+    Step step;
+    step.report.file = file.name;
+    const RecordEntry* last = record.byName(file.name);
+    bool renamed = false;
+    if (last == nullptr && file.classIds.size() == 1) {
+        last = record.byClass(file.classIds[0]);
+        renamed = last != nullptr && !newNames.count(last->file.name);
+        if (!renamed) last = nullptr;
+    }
+    if (last != nullptr) settled.insert(last->file.name);
+    std::string whole = file.header + joinLines(file.lines);
+    RecordEntry entry{file, {}};
+    entry.file.header.clear();
+    std::string source = renamed ? last->file.name : file.name;
+    if (renamed && folder.holdsAnything(file.name)) {
+        // A file of the new name stands in the way: both stay until the user moves one.
+        step.report.outcome = FileOutcome::foreign;
+        step.report.message = "its class was renamed from '" + last->file.name + "', but '" + file.name +
+                              "' is already there; both are left as they are";
+        entries[last->file.name] = *last;
+        return step;
+    }
+    if (renamed) step.report.renamedFrom = last->file.name;
+    if (!folder.holdsAnything(source)) {
+        step.report.outcome = FileOutcome::created;
+        step.report.renamedFrom.clear();
+        step.write = whole;
+        entries[file.name] = entry;
+        return step;
+    }
+    std::string text;
+    if (!readFile(source, text, step)) {
+        if (last != nullptr) entries[last->file.name] = *last;
+        return step;
+    }
+    step.before = text;
+    if (renamed) step.remove = source;
+    Lines body = bodyOf(text, file);
+    if (last == nullptr) {
+        if (body == file.lines) {
+            step.report.outcome = FileOutcome::unchanged;
+        } else if (options.overwrite) {
+            step.report.outcome = FileOutcome::updated;
+            step.write = whole;
+        } else {
+            step.report.outcome = FileOutcome::foreign;
+            step.report.message = "not written by an update here, and not what the model gives; left as it is "
+                                  "(--overwrite replaces it)";
+            return step;
+        }
+        entries[file.name] = entry;
+        return step;
+    }
+    if (body == last->file.lines && last->kept.empty()) {
+        bool same = body == file.lines && !renamed;
+        step.report.outcome = same ? FileOutcome::unchanged : FileOutcome::updated;
+        if (!same) step.write = whole;
+        entries[file.name] = entry;
+        return step;
+    }
+    MergeOutcome merged = MemberMerge::merge(*last, text, file);
+    step.report.orphaned = merged.orphaned;
+    step.report.restored = merged.restored;
+    step.report.conflicts = merged.conflicts;
+    entry.kept = merged.kept;
+    if (!merged.settled && !options.conflictMarkers) {
+        step.report.outcome = FileOutcome::conflict;
+        step.report.message = "the model and your text changed the same lines; left as it is";
+        step.remove.clear();
+        step.report.renamedFrom.clear();
+        entries[last->file.name] = *last;
+        return step;
+    }
+    step.report.outcome = !merged.settled ? FileOutcome::conflict
+                          : merged.text == text && !renamed ? FileOutcome::unchanged
+                                                            : FileOutcome::merged;
+    if (!merged.settled) step.report.message = "written with conflict markers round the lines both changed";
+    if (merged.text != text || renamed) step.write = merged.text;
+    entries[file.name] = entry;
+    return step;
+}
+
+void Update::stale(const RecordEntry& entry) {
+    bool gone = std::none_of(entry.file.classIds.begin(), entry.file.classIds.end(),
+                             [&](const std::string& id) { return modelClasses.count(id) != 0; });
+    if (!gone) {
+        entries[entry.file.name] = entry;  // not generated this time, but still in the model
+        return;
+    }
+    if (!folder.holdsAnything(entry.file.name)) return;
+    Step step;
+    step.report.file = entry.file.name;
+    std::string text;
+    if (!readFile(entry.file.name, text, step)) {
+        steps.push_back(step);
+        return;
+    }
+    step.before = text;
+    bool asGenerated = bodyOf(text, entry.file) == entry.file.lines ||
+                       splitLines(text) == entry.file.lines;  // a file whose header was never recorded
+    if (options.prune && asGenerated) {
+        step.report.outcome = FileOutcome::pruned;
+        step.remove = entry.file.name;
+    } else {
+        step.report.outcome = FileOutcome::stale;
+        step.report.message = std::string("its class is gone from the model") +
+                              (options.prune ? "; you changed it, so it stays" : "; --prune removes it");
+        entries[entry.file.name] = entry;
+    }
+    steps.push_back(step);
+}
+
+void Update::apply(Step& step) {
+    FileUpdate& report = step.report;
+    report.changes = step.write.has_value() || !step.remove.empty();
+    if (options.diff && report.changes) {
+        std::string after = step.write.value_or(std::string());
+        std::string from = step.remove.empty() ? report.file : step.remove;
+        report.diff = LineDiff::unified(splitLines(step.before), splitLines(after),
+                                        step.before.empty() && !step.write ? "/dev/null" : "a/" + from,
+                                        step.write ? "b/" + report.file : "/dev/null");
+    }
+    if (!options.write || report.outcome == FileOutcome::failed) return;
+    std::string error;
+    bool done = (!step.write || folder.write(report.file, *step.write, error)) &&
+                (step.remove.empty() || folder.remove(step.remove, error));
+    if (!done) {
+        report.outcome = FileOutcome::failed;
+        report.message = error;
+    }
+}
+
+UpdateReport Update::run(const std::vector<GeneratedFile>& files) {
+    UpdateReport report;
+    std::string text, error;
+    bool present = false;
+    // A folder not made yet is empty to a run that writes nothing.
+    if (!folder.usable(report.error) && (options.write || folder.present())) return report;
+    report.error.clear();
+    if (!folder.readRecord(text, present, report.error)) return report;
+    if (present && !GenerationRecord::read(text, folder.recordPath(), record, report.error)) return report;
+    for (const GeneratedFile& file : files) newNames.insert(file.name);
+    for (const GeneratedFile& file : files) steps.push_back(settle(file));
+    for (const RecordEntry& entry : record.entries)
+        if (!settled.count(entry.file.name) && !newNames.count(entry.file.name)) stale(entry);
+    std::sort(steps.begin(), steps.end(), [](const Step& a, const Step& b) { return a.report.file < b.report.file; });
+    report.ok = true;
+    for (Step& step : steps) {
+        apply(step);
+        FileOutcome outcome = step.report.outcome;
+        report.ok = report.ok && outcome != FileOutcome::conflict && outcome != FileOutcome::foreign &&
+                    outcome != FileOutcome::failed;
+        report.files.push_back(step.report);
+    }
+    GenerationRecord next;
+    for (auto& [name, entry] : entries) next.entries.push_back(entry);
+    std::string nextText = next.text();
+    if (options.write && (!present || nextText != text) && !folder.writeRecord(nextText, error)) {
+        report.ok = false;
+        report.error = error;
+    }
+    return report;
+}
+
+}  // namespace
+
+UpdateReport FolderUpdate::run(const std::string& folder, const std::vector<GeneratedFile>& files,
+                               const std::set<std::string>& modelClasses, const UpdateOptions& options) {
+    return Update(folder, modelClasses, options).run(files);
+}

@@ -1,0 +1,208 @@
+#include "output/GenerationRecord.h"
+
+#include <charconv>
+
+std::string GeneratedFile::classOf(std::size_t index) const {
+    for (std::size_t i = std::min(index + 1, pieces.size()); i > 0; --i)
+        if (pieces[i - 1].key.rfind("head ", 0) == 0) return pieces[i - 1].key;
+    return {};
+}
+
+bool GenerationRecord::plainFileName(const std::string& name) {
+    if (name.empty() || name == "." || name == ".." || name.size() > 255) return false;
+    for (char c : name)
+        if (c == '/' || (unsigned char)c < 0x20 || c == 0x7f) return false;
+    return true;
+}
+
+std::string GenerationRecord::keyText(const std::string& id) {
+    static const char digits[] = "0123456789ABCDEF";
+    std::string text;
+    for (char c : id) {
+        auto byte = (unsigned char)c;
+        if (byte <= 0x20 || byte == 0x7f || c == '%') {
+            text += '%';
+            text += digits[byte >> 4];
+            text += digits[byte & 15];
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
+const RecordEntry* GenerationRecord::byName(const std::string& name) const {
+    for (const RecordEntry& entry : entries)
+        if (entry.file.name == name) return &entry;
+    return nullptr;
+}
+
+const RecordEntry* GenerationRecord::byClass(const std::string& classId) const {
+    for (const RecordEntry& entry : entries)
+        if (entry.file.classIds.size() == 1 && entry.file.classIds[0] == classId) return &entry;
+    return nullptr;
+}
+
+namespace {
+
+const char* const firstLine = "modelbridge-record 1";
+
+void appendLines(std::string& text, const Lines& lines) {
+    for (const std::string& line : lines) {
+        text += '|';
+        text.append(line, 0, line.empty() || line.back() != '\n' ? line.size() : line.size() - 1);
+        text += '\n';
+    }
+}
+
+}  // namespace
+
+std::string GenerationRecord::text() const {
+    std::string text = "# What ModelBridge generated last into this folder. Keep it with the generated files:\n"
+                       "# updates merge the model's changes into your text by it.\n";
+    text += std::string(firstLine) + "\n";
+    for (const RecordEntry& entry : entries) {
+        const GeneratedFile& file = entry.file;
+        text += "file " + file.name + "\n";
+        for (const std::string& id : file.classIds) text += "class " + keyText(id) + "\n";
+        for (const TextPiece& piece : file.pieces) {
+            text += "piece " + std::to_string(piece.first) + " " + std::to_string(piece.end) + " " + piece.key + "\n";
+            for (const auto& [line, column] : piece.bodies)
+                text += "body " + std::to_string(line) + " " + std::to_string(column) + "\n";
+        }
+        text += "text " + std::to_string(file.lines.size()) + "\n";
+        appendLines(text, file.lines);
+        for (const KeptMember& kept : entry.kept) {
+            text += "kept " + std::to_string(kept.lines.size()) + " " + kept.key + "\n";
+            appendLines(text, kept.lines);
+        }
+        text += "end\n";
+    }
+    return text;
+}
+
+namespace {
+
+// Reads the lines of a record one by one, knowing where it stands.
+class RecordReader {
+public:
+    RecordReader(const std::string& text, const std::string& path) : lines(splitLines(text)), path(path) {}
+
+    bool atEnd() const { return next == lines.size(); }
+    // The next line without its line end; its words split at the first `words` blanks.
+    std::string line() {
+        std::string text = lines[next++];
+        if (!text.empty() && text.back() == '\n') text.pop_back();
+        return text;
+    }
+    bool fail(const std::string& reason) {
+        error = path + ":" + std::to_string(next) + ": " + reason;
+        return false;
+    }
+    // A whole number below `limit`.
+    static bool number(std::string_view text, std::size_t limit, std::size_t& value) {
+        auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
+        return status == std::errc() && end == text.data() + text.size() && value < limit;
+    }
+    // `count` lines, each "|" and the text of the line.
+    bool textLines(std::size_t count, Lines& into) {
+        for (std::size_t i = 0; i < count; ++i) {
+            if (atEnd()) return fail("the record ends within a text");
+            std::string text = line();
+            if (text.empty() || text[0] != '|') return fail("a line of text must start with '|'");
+            into.push_back(text.substr(1) + "\n");
+        }
+        return true;
+    }
+
+    std::string error;
+
+private:
+    Lines lines;
+    std::size_t next = 0;
+    std::string path;
+};
+
+// The word before the first blank, and what follows it.
+std::pair<std::string, std::string> firstWord(const std::string& line) {
+    std::size_t blank = line.find(' ');
+    if (blank == std::string::npos) return {line, {}};
+    return {line.substr(0, blank), line.substr(blank + 1)};
+}
+
+}  // namespace
+
+bool GenerationRecord::read(const std::string& text, const std::string& path, GenerationRecord& record,
+                            std::string& error) {
+    record.entries.clear();
+    RecordReader reader(text, path);
+    const std::size_t limit = std::size_t(1) << 31;
+    bool begun = false;
+    RecordEntry* entry = nullptr;
+    bool ok = true;
+    while (ok && !reader.atEnd()) {
+        std::string line = reader.line();
+        if (line.empty() || line[0] == '#') continue;
+        if (!begun) {
+            ok = line == firstLine || reader.fail("not a record of ModelBridge, or one of a newer version");
+            begun = true;
+            continue;
+        }
+        auto [word, rest] = firstWord(line);
+        if (word == "file") {
+            ok = plainFileName(rest) ? true : reader.fail("'" + rest + "' is not a plain file name");
+            if (ok && record.byName(rest) != nullptr) ok = reader.fail("the file '" + rest + "' is recorded twice");
+            record.entries.emplace_back();
+            entry = &record.entries.back();
+            entry->file.name = rest;
+            continue;
+        }
+        if (entry == nullptr) {
+            ok = reader.fail("'" + word + "' before the first file");
+        } else if (word == "class") {
+            ok = !rest.empty() || reader.fail("a class without an id");
+            entry->file.classIds.push_back(rest);
+        } else if (word == "piece") {
+            auto [first, afterFirst] = firstWord(rest);
+            auto [end, key] = firstWord(afterFirst);
+            TextPiece piece;
+            piece.key = key;
+            ok = (RecordReader::number(first, limit, piece.first) && RecordReader::number(end, limit, piece.end) && piece.first < piece.end &&
+                  !key.empty()) ||
+                 reader.fail("a piece needs its first line, its end and its key");
+            entry->file.pieces.push_back(piece);
+        } else if (word == "body") {
+            auto [lineText, columnText] = firstWord(rest);
+            std::size_t at = 0, column = 0;
+            ok = (!entry->file.pieces.empty() && RecordReader::number(lineText, limit, at) && RecordReader::number(columnText, limit, column)) ||
+                 reader.fail("a body needs its piece, its line and its column");
+            if (ok) entry->file.pieces.back().bodies.emplace_back(at, column);
+        } else if (word == "text" || word == "kept") {
+            auto [countText, key] = firstWord(rest);
+            std::size_t count = 0;
+            ok = (RecordReader::number(countText, limit, count) && (word == "text" ? key.empty() : !key.empty())) ||
+                 reader.fail("'" + word + "' needs its number of lines" + (word == "kept" ? " and its key" : ""));
+            if (word == "kept") entry->kept.push_back({key, {}});
+            ok = ok && reader.textLines(count, word == "text" ? entry->file.lines : entry->kept.back().lines);
+        } else if (word == "end") {
+            // Each piece must stand within the text, in order, and each body within its piece.
+            std::size_t after = 0;
+            for (const TextPiece& piece : entry->file.pieces) {
+                ok = ok && piece.first >= after && piece.end <= entry->file.lines.size();
+                for (const auto& [at, column] : piece.bodies) ok = ok && at >= piece.first && at < piece.end;
+                after = piece.end;
+            }
+            if (!ok) reader.fail("the pieces of '" + entry->file.name + "' don't fit its text");
+            entry = nullptr;
+        } else {
+            ok = reader.fail("unknown item '" + word + "'");
+        }
+    }
+    if (ok && entry != nullptr) ok = reader.fail("the record ends within the file '" + entry->file.name + "'");
+    if (ok && !begun) ok = reader.fail("an empty record");
+    if (!ok) {
+        error = reader.error;
+        record.entries.clear();
+    }
+    return ok;
+}
