@@ -54,6 +54,16 @@ const std::string usage =
     "  --list             list the classes of the model and write nothing\n"
     "  --class NAME       generate this class; may be given more than once (default: every class)\n"
     "  --single FILE      write the chosen classes into one file FILE.tv instead of one file each\n"
+    "Files are updated, not overwritten: what you wrote in them stays and what the model changed\n"
+    "lands, by the record of the last generation in DIR/.modelbridge (keep it with the files):\n"
+    "  --check            write nothing; exit 1 and list the files an update would change\n"
+    "  --dry-run          write nothing; say what an update would do to each file\n"
+    "  --diff             write nothing; show what an update would change, as a unified diff\n"
+    "  --list-outputs     print the paths of the files a run writes, and write nothing\n"
+    "  --conflict-markers write a file whose merge is in conflict with <<<<<<< ======= >>>>>>>\n"
+    "                     round the lines both changed, instead of leaving it as it is\n"
+    "  --overwrite        replace files that the record doesn't know, instead of leaving them\n"
+    "  --prune            remove the files of classes gone from the model, unless you changed them\n"
     "Every extension of the library is on unless turned off one by one (--no-NAME), or all of\n"
     "them with --specified, which reads the model exactly as XMI 1.x specifies (later --NAME\n"
     "options turn single ones back on):\n"
@@ -75,7 +85,9 @@ const std::string usage =
     "Exit status:\n"
     "  0  The model was parsed and every file asked for was written (or the classes were listed).\n"
     "  1  The parse failed, a file could not be written, a class asked for does not exist, there\n"
-    "     was nothing to generate, or the output folder could not be made.\n"
+    "     was nothing to generate, or the output folder could not be made; a merge was in\n"
+    "     conflict, a file the record doesn't know was in the way, or the record can't be read;\n"
+    "     with --check, a file would change.\n"
     "  2  Bad usage: an unknown option, a missing value, or a bad value (a line width out of\n"
     "     bounds, an empty indentation, a file prefix with \"/\").\n";
 
@@ -107,6 +119,10 @@ struct Options {
     bool progress = false;
     std::vector<std::string> classes;
     std::string single;
+    UpdateOptions update;
+    bool check = false;
+    bool dryRun = false;
+    bool listOutputs = false;
     // The layout of generated text; the library's defaults unless one is given.
     bool layoutChosen = false;
     std::int32_t lineWidth = 100;
@@ -187,6 +203,23 @@ bool readOptions(int argc, char** argv, Options& options) {
             options.specified = true;
         } else if (bool on; const ImportSwitch* chosen = switchOption(arg, on)) {
             options.switches.emplace_back(chosen->field, on);
+        } else if (arg == "--check") {
+            options.check = true;
+            options.update.write = false;
+        } else if (arg == "--dry-run") {
+            options.dryRun = true;
+            options.update.write = false;
+        } else if (arg == "--diff") {
+            options.update.diff = true;
+            options.update.write = false;
+        } else if (arg == "--list-outputs") {
+            options.listOutputs = true;
+        } else if (arg == "--conflict-markers") {
+            options.update.conflictMarkers = true;
+        } else if (arg == "--overwrite") {
+            options.update.overwrite = true;
+        } else if (arg == "--prune") {
+            options.update.prune = true;
         } else if (arg == "--profile") {
             options.profile = true;
         } else if (arg == "-q" || arg == "--quiet") {
@@ -214,6 +247,14 @@ bool readOptions(int argc, char** argv, Options& options) {
     for (const std::string& folder : options.libraries) options.libraryFolders.push_back(folder.c_str());
     options.extensions.libraryFolders = options.libraryFolders.data();
     options.extensions.libraryFolderCount = std::uint32_t(options.libraryFolders.size());
+    if (const char* epoch = std::getenv("SOURCE_DATE_EPOCH"); epoch != nullptr && !options.specified) {
+        char* end = nullptr;
+        long long seconds = std::strtoll(epoch, &end, 10);
+        if (*epoch >= '0' && *epoch <= '9' && *end == '\0') {
+            options.extensions.useFixedTime = true;
+            options.extensions.fixedTime = seconds;
+        }
+    }
     if (options.directory.empty()) options.directory = ".";
     if (options.directory.back() != '/') options.directory += '/';
     return true;
@@ -316,33 +357,77 @@ bool makeFolder(const std::string& directory) {
     return false;
 }
 
-// Writes the chosen classes, one file each or all in one, and prints the path of each file
-// written; false when one failed.
-bool generate(XMLImporter& importer, const Options& options, const _eSeq<_eString>& classes) {
-    _eString directory = toText(options.directory);
-    bool allWritten = true;
-    auto written = [&](const _eString& name) {
-        if (!importer.getLastCallErrorList(true).isEmpty()) {
-            allWritten = false;
-            return;
-        }
-        std::printf("%s\n", toUtf8(importer.outputFilePath(directory, name)).c_str());
-    };
-    bool ok = false;
-    if (!options.single.empty()) {
-        _eSet<_eString> chosen;
-        for (int i = 0; i < classes.size(); ++i) chosen.add(classes.at(i));
-        _eString file = toText(options.single);
-        importer.generateSingleFile(directory, file, chosen, ok);
-        written(file);
-    } else {
-        for (int i = 0; i < classes.size(); ++i) {
-            importer.generateClassFile(directory, classes.at(i), ok);
-            written(classes.at(i));
-        }
+// What an update did to one file, on standard error: everything but files created, replaced or
+// left as they were, which the paths on standard output tell.
+void tellOutcome(const std::string& directory, const FileUpdate& file) {
+    std::string path = directory + file.file;
+    if (!file.renamedFrom.empty())
+        std::fprintf(stderr, "%s: %s: renamed from %s with its class\n", program, path.c_str(), file.renamedFrom.c_str());
+    for (const std::string& member : file.orphaned)
+        std::fprintf(stderr, "%s: %s: '%s' is no longer in the model; what you wrote is kept commented out at the end of the class\n",
+                     program, path.c_str(), member.c_str());
+    for (const std::string& member : file.restored)
+        std::fprintf(stderr, "%s: %s: '%s' is back in the model, with what you wrote\n", program, path.c_str(), member.c_str());
+    for (const UpdateConflict& conflict : file.conflicts)
+        std::fprintf(stderr, "%s:%d: conflict in '%s': the model and your text changed the same lines\n", path.c_str(),
+                     conflict.line, conflict.member.c_str());
+    switch (file.outcome) {
+    case FileOutcome::merged:
+        std::fprintf(stderr, "%s: %s: the model's changes merged into yours\n", program, path.c_str());
+        break;
+    case FileOutcome::conflict:
+    case FileOutcome::foreign:
+    case FileOutcome::stale:
+    case FileOutcome::failed:
+        std::fprintf(stderr, "%s: %s: %s\n", program, path.c_str(), file.message.c_str());
+        break;
+    case FileOutcome::pruned:
+        std::fprintf(stderr, "%s: %s: removed, its class is gone from the model\n", program, path.c_str());
+        break;
+    default:
+        break;
     }
-    if (!allWritten) printLines(importer.getErrorList(true), stderr);
-    return allWritten;
+}
+
+// Brings the folder up to date with the chosen classes, one file each or all in one, and prints
+// the path of each file written; or, asked to write nothing, tells what would change. False
+// when the update failed or, for --check, something would change.
+bool update(XMLImporter& importer, const Options& options, const _eSeq<_eString>& classes, bool everyClass) {
+    UpdateReport report = importer.updateFolder(toText(options.directory), everyClass ? _eSeq<_eString>() : classes,
+                                                toText(options.single), options.update);
+    if (!report.error.empty()) {
+        std::fprintf(stderr, "%s: %s\n", program, report.error.c_str());
+        return false;
+    }
+    bool changes = false;
+    for (const FileUpdate& file : report.files) {
+        std::string path = options.directory + file.file;
+        changes = changes || file.changes || !report.ok;
+        if (options.update.diff) {
+            std::printf("%s", file.diff.c_str());
+        } else if (options.dryRun) {
+            std::printf("%s %s%s\n", outcomeName(file.outcome), path.c_str(),
+                        file.renamedFrom.empty() ? "" : (" (renamed from " + file.renamedFrom + ")").c_str());
+        } else if (options.check) {
+            if (file.changes || file.outcome == FileOutcome::conflict || file.outcome == FileOutcome::foreign)
+                std::printf("%s\n", path.c_str());
+        } else if (file.changes && file.outcome != FileOutcome::pruned) {
+            std::printf("%s\n", path.c_str());
+        }
+        if (!options.check) tellOutcome(options.directory, file);
+    }
+    return options.check ? !changes : report.ok;
+}
+
+// The paths of the files a run writes, for build systems.
+void listOutputs(XMLImporter& importer, const Options& options, const _eSeq<_eString>& classes) {
+    _eString directory = toText(options.directory);
+    if (!options.single.empty()) {
+        std::printf("%s\n", toUtf8(importer.outputFilePath(directory, toText(options.single))).c_str());
+        return;
+    }
+    for (int i = 0; i < classes.size(); ++i)
+        std::printf("%s\n", toUtf8(importer.outputFilePath(directory, classes.at(i))).c_str());
 }
 
 }  // namespace
@@ -394,7 +479,11 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "%s: nothing to generate\n", program);
         return 1;
     }
-    if (!makeFolder(options.directory)) return 1;
-    bool allWritten = generate(importer, options, classes);
-    return allWritten && allFound ? 0 : 1;
+    if (options.listOutputs) {
+        listOutputs(importer, options, classes);
+        return allFound ? 0 : 1;
+    }
+    if (options.update.write && !makeFolder(options.directory)) return 1;
+    bool updated = update(importer, options, classes, options.classes.empty());
+    return updated && allFound ? 0 : 1;
 }
