@@ -22,6 +22,14 @@ static_assert(importSwitches[0].flag == MB_XMI2 && importSwitches[1].flag == MB_
               "the C flags are the bits of the switches");
 static_assert(std::size(importSwitches) == 9, "every switch has its flag in the C header");
 
+static_assert(int(FileOutcome::created) == MB_CREATED && int(FileOutcome::merged) == MB_MERGED &&
+                  int(FileOutcome::failed) == MB_WRITE_FAILED,
+              "the C outcomes are the facade's in order");
+
+struct mb_update {
+    UpdateReport report;
+};
+
 struct mb_outcome {
     modelbridge::Result result;
 };
@@ -129,6 +137,7 @@ void mb_parse_options_init(mb_parse_options* options) {
     *options = mb_parse_options();
     options->size = sizeof(mb_parse_options);
     for (const ImportSwitch& each : importSwitches) options->flags |= each.flag;
+    options->flags |= MB_REPRODUCIBLE;
 }
 
 int mb_parse_with(const char* path, const mb_parse_options* options, mb_model** model) {
@@ -286,3 +295,107 @@ void mb_free(mb_model* model) {
 }
 
 }  // extern "C"
+
+int mb_update_folder(mb_model* model, const char* directory, const char* const* names, int count, unsigned flags,
+                     mb_update** update) {
+    if (update != nullptr) *update = nullptr;
+    if (model == nullptr || directory == nullptr || update == nullptr || count < 0 || (count > 0 && names == nullptr))
+        return MB_INVALID_ARGUMENT;
+    std::vector<std::string> chosen;
+    for (int i = 0; i < count; ++i) {
+        if (names[i] == nullptr) return MB_INVALID_ARGUMENT;
+        chosen.push_back(names[i]);
+    }
+    UpdateOptions options;
+    options.write = (flags & MB_UPDATE_CHECK) == 0;
+    options.overwrite = (flags & MB_UPDATE_OVERWRITE) != 0;
+    options.prune = (flags & MB_UPDATE_PRUNE) != 0;
+    options.conflictMarkers = (flags & MB_UPDATE_CONFLICT_MARKERS) != 0;
+    options.diff = (flags & MB_UPDATE_DIFF) != 0;
+    for (const std::string& name : chosen)
+        if (!holds(*model, name.c_str())) return MB_NO_SUCH_CLASS;
+    return guarded([&]() -> int {
+        *update = new mb_update{model->model.update(directory, options, chosen)};
+        return (*update)->report.ok ? MB_OK : MB_FAILED;
+    });
+}
+
+namespace {
+
+const std::vector<FileUpdate>* filesOf(const mb_update* update) {
+    return update == nullptr ? nullptr : &update->report.files;
+}
+
+// The list `list` of file `index`'s report: the names of its members, or null.
+const std::vector<std::string>* itemsOf(const mb_update* update, int index, int list) {
+    const std::vector<FileUpdate>* files = filesOf(update);
+    if (files == nullptr || index < 0 || std::size_t(index) >= files->size()) return nullptr;
+    const FileUpdate& file = (*files)[std::size_t(index)];
+    if (list == MB_ORPHANED) return &file.orphaned;
+    if (list == MB_RESTORED) return &file.restored;
+    return nullptr;
+}
+
+}  // namespace
+
+const char* mb_update_error(const mb_update* update) { return update == nullptr ? nullptr : update->report.error.c_str(); }
+
+int mb_update_file_count(const mb_update* update) { return update == nullptr ? 0 : int(update->report.files.size()); }
+
+const char* mb_update_file(const mb_update* update, int index) {
+    return entry(filesOf(update), index, [](const FileUpdate& f) { return f.file.c_str(); }, static_cast<const char*>(nullptr));
+}
+
+int mb_update_outcome(const mb_update* update, int index) {
+    return entry(filesOf(update), index, [](const FileUpdate& f) { return int(f.outcome); }, -1);
+}
+
+const char* mb_update_outcome_name(int outcome) {
+    return outcome < MB_CREATED || outcome > MB_WRITE_FAILED ? nullptr : outcomeName(FileOutcome(outcome));
+}
+
+int mb_update_changes(const mb_update* update, int index) {
+    return entry(filesOf(update), index, [](const FileUpdate& f) { return f.changes ? 1 : 0; }, -1);
+}
+
+const char* mb_update_renamed_from(const mb_update* update, int index) {
+    return entry(filesOf(update), index, [](const FileUpdate& f) { return f.renamedFrom.c_str(); },
+                 static_cast<const char*>(nullptr));
+}
+
+const char* mb_update_message(const mb_update* update, int index) {
+    return entry(filesOf(update), index, [](const FileUpdate& f) { return f.message.c_str(); },
+                 static_cast<const char*>(nullptr));
+}
+
+const char* mb_update_diff(const mb_update* update, int index) {
+    return entry(filesOf(update), index, [](const FileUpdate& f) { return f.diff.c_str(); },
+                 static_cast<const char*>(nullptr));
+}
+
+int mb_update_item_count(const mb_update* update, int index, int list) {
+    if (list == MB_CONFLICTS)
+        return entry(filesOf(update), index, [](const FileUpdate& f) { return int(f.conflicts.size()); }, -1);
+    const std::vector<std::string>* items = itemsOf(update, index, list);
+    return items == nullptr ? -1 : int(items->size());
+}
+
+const char* mb_update_item(const mb_update* update, int index, int list, int item) {
+    if (list == MB_CONFLICTS)
+        return entry(filesOf(update), index,
+                     [&](const FileUpdate& f) {
+                         return entry(&f.conflicts, item, [](const UpdateConflict& c) { return c.member.c_str(); },
+                                      static_cast<const char*>(nullptr));
+                     },
+                     static_cast<const char*>(nullptr));
+    return entry(itemsOf(update, index, list), item, [](const std::string& name) { return name.c_str(); },
+                 static_cast<const char*>(nullptr));
+}
+
+int mb_update_conflict_line(const mb_update* update, int index, int item) {
+    return entry(filesOf(update), index,
+                 [&](const FileUpdate& f) { return entry(&f.conflicts, item, [](const UpdateConflict& c) { return c.line; }, -1); },
+                 -1);
+}
+
+void mb_update_free(mb_update* update) { delete update; }

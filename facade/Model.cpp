@@ -221,4 +221,34 @@ std::string Model::renderClass(std::string_view name) {
     }
 }
 
+UpdateReport Model::update(const std::filesystem::path& directory, const UpdateOptions& options,
+                          const std::vector<std::string>& names) {
+    std::lock_guard<std::recursive_mutex> lock(libraryLock());
+    UpdateReport report;
+    _eSeq<_eString> chosen;
+    for (const std::string& name : names) {
+        const _eString* className = impl->find(name);
+        if (className == nullptr) {
+            report.error += (report.error.empty() ? "" : "; ") + std::string("the model has no class '") + name + "'";
+            continue;
+        }
+        chosen.pushBack(*className);
+    }
+    if (!report.error.empty()) return report;
+    std::error_code error;
+    if (options.write && !directory.empty() && !std::filesystem::is_directory(directory, error) &&
+        !std::filesystem::create_directories(directory, error)) {
+        report.error = "cannot make the folder '" + directory.string() + "': " + error.message();
+        return report;
+    }
+    try {
+        return impl->importer.updateFolder(directoryText(directory), chosen, L"", options);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        report.error = internalFailure;
+        return report;
+    }
+}
+
 }  // namespace modelbridge

@@ -38,8 +38,9 @@ enum {
 };
 
 /* Flags of the options: the switches of the library's extensions (mb_switch_name tells them
- * all by name), and the header's time. mb_parse_options_init sets every switch; MB_SPECIFIED
- * turns them all off, for exactly the library's specified results. */
+ * all by name), and the header's time. mb_parse_options_init sets every switch and
+ * MB_REPRODUCIBLE; MB_SPECIFIED turns the switches all off, for exactly the library's
+ * specified results. */
 enum {
     MB_XMI2 = 1,               /* also read UML 2 models saved as XMI 2.x */
     MB_ANYWHERE = 2,           /* find classes wherever exporters put them */
@@ -135,6 +136,51 @@ MB_C_API int mb_write_class(mb_model* model, const char* name, const char* direc
 MB_C_API int mb_write_single(mb_model* model, const char* const* names, int count, const char* file);
 MB_C_API int mb_result_count(const mb_model* model);
 MB_C_API const char* mb_result_text(const mb_model* model, int index);
+
+/* Brings DIRECTORY (made with its parents when missing) up to date with the named classes
+ * (count 0: every class), one file each: what the user wrote in the files stays and what the
+ * model changed lands, by the record of the last generation that the folder keeps in
+ * ".modelbridge". *update receives the report, freed with mb_update_free. MB_OK when every
+ * file was settled; MB_FAILED when a merge was in conflict, a file the record doesn't know was
+ * in the way, a write failed or the record can't be read (see the report); MB_NO_SUCH_CLASS
+ * with nothing written. */
+typedef struct mb_update mb_update;
+enum {
+    MB_UPDATE_CHECK = 1,            /* write nothing: only tell what an update would do */
+    MB_UPDATE_OVERWRITE = 2,        /* replace files the record doesn't know */
+    MB_UPDATE_PRUNE = 4,            /* remove files of classes gone from the model, as last generated */
+    MB_UPDATE_CONFLICT_MARKERS = 8, /* write files in conflict with markers round the lines */
+    MB_UPDATE_DIFF = 16             /* each file's change as a unified diff (mb_update_diff) */
+};
+/* What happened to a file: the order of the facade's FileOutcome. */
+enum {
+    MB_CREATED = 0, MB_UNCHANGED, MB_UPDATED, MB_MERGED, MB_CONFLICT, MB_FOREIGN, MB_STALE, MB_PRUNED, MB_WRITE_FAILED
+};
+/* Lists of one file's report, for mb_update_item_count and mb_update_item. */
+enum { MB_ORPHANED = 0, MB_RESTORED = 1, MB_CONFLICTS = 2 };
+MB_C_API int mb_update_folder(mb_model* model, const char* directory, const char* const* names, int count,
+                              unsigned flags, mb_update** update);
+/* Why nothing was done ("FILE:LINE: reason" for a record that can't be read), or "". */
+MB_C_API const char* mb_update_error(const mb_update* update);
+MB_C_API int mb_update_file_count(const mb_update* update);
+/* The file's name in the folder, its outcome (MB_CREATED ...), whether it is or would be
+ * written, renamed or removed, the file it was renamed from (or ""), why it was left alone or
+ * failed (or ""), and its unified diff with MB_UPDATE_DIFF (or ""). Texts live until
+ * mb_update_free; an index out of range gives a null pointer or -1. */
+MB_C_API const char* mb_update_file(const mb_update* update, int index);
+MB_C_API int mb_update_outcome(const mb_update* update, int index);
+MB_C_API const char* mb_update_outcome_name(int outcome);
+MB_C_API int mb_update_changes(const mb_update* update, int index);
+MB_C_API const char* mb_update_renamed_from(const mb_update* update, int index);
+MB_C_API const char* mb_update_message(const mb_update* update, int index);
+MB_C_API const char* mb_update_diff(const mb_update* update, int index);
+/* The members of a file that are kept commented out (MB_ORPHANED), back in place
+ * (MB_RESTORED), or in conflict (MB_CONFLICTS, with mb_update_conflict_line): each by its
+ * first line. */
+MB_C_API int mb_update_item_count(const mb_update* update, int index, int list);
+MB_C_API const char* mb_update_item(const mb_update* update, int index, int list, int item);
+MB_C_API int mb_update_conflict_line(const mb_update* update, int index, int item);
+MB_C_API void mb_update_free(mb_update* update);
 
 /* The text that mb_write_class(model, name, ".") would write, into *text, which the caller
  * frees with mb_string_free. */

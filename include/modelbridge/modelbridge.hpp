@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "FolderUpdate.h"
 #include "ImportExtensions.h"
 
 #if defined(_WIN32)
@@ -48,8 +49,8 @@ struct Options {
     std::string indent = "\t";  // one level of indentation (not empty, no line ends)
     std::string filePrefix;     // put before the name of every file written (no "/")
     // The header's time line is taken from the environment variable SOURCE_DATE_EPOCH (seconds
-    // since 1970, UTC) when it is set, so that builds repeat byte for byte.
-    bool reproducible = false;
+    // since 1970, UTC) when it is set, so that builds repeat byte for byte; false: the clock's.
+    bool reproducible = true;
     // Every extension of the importer, each described where the value is declared;
     // `setImportSwitch(options.extensions, "decode-references", false)` sets one by name.
     ImportExtensions extensions = everyExtension();
@@ -93,6 +94,13 @@ public:
     Result writeClasses(const std::vector<std::string>& names, const std::filesystem::path& file);
     // The text that `writeClass(name, ".")` would write, without writing; empty for an unknown name.
     std::string renderClass(std::string_view name);
+    // Brings `directory` (made with its parents when missing and `options.write`) up to date
+    // with the named classes, every class when none are, one file each: what the user wrote in
+    // the files stays and what the model changed lands, by the record of the last generation
+    // that the folder keeps (FolderUpdate.h). Unknown names are refused before anything is
+    // written, as the report's error. A model that isn't ok updates nothing.
+    UpdateReport update(const std::filesystem::path& directory, const UpdateOptions& options = {},
+                        const std::vector<std::string>& names = {});
 
     Model(const Model&) = default;
     Model(Model&&) noexcept = default;

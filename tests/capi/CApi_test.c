@@ -72,7 +72,7 @@ int main(int argc, char** argv) {
     CHECK(options.size == sizeof options && options.line_width == 0 &&
           options.flags == (MB_XMI2 | MB_ANYWHERE | MB_PLAIN_MODEL_TEXT | MB_DECODE_REFERENCES | MB_EVERY_FORM |
                             MB_DECODE_ENCODINGS | MB_SAFE_NAMES | MB_CROSS_FILE_TYPES |
-                            MB_REPORT));
+                            MB_REPORT | MB_REPRODUCIBLE));
     options.line_width = 5;
     CHECK(mb_parse_with(model_path, &options, &model) == MB_INVALID_ARGUMENT);
     mb_free(model);
