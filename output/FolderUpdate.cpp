@@ -63,9 +63,9 @@ private:
     void stale(const RecordEntry& entry);
     bool readFile(const std::string& name, std::string& text, Step& step) const;
     // The text of a file after its header, when it has the header of a generated one.
-    static Lines bodyOf(const std::string& text, const GeneratedFile& file) {
+    static Lines bodyOf(const std::string& text) {
         Lines lines = splitLines(text);
-        std::size_t header = MemberMerge::headerOf(lines, std::size_t(std::count(file.header.begin(), file.header.end(), '\n')));
+        std::size_t header = MemberMerge::headerOf(lines, TarvaneOutput::headerLines);
         return Lines(lines.begin() + long(header), lines.end());
     }
     void apply(Step& step);
@@ -126,7 +126,7 @@ Update::Step Update::settle(const GeneratedFile& file) {
     }
     step.before = text;
     if (renamed) step.remove = source;
-    Lines body = bodyOf(text, file);
+    Lines body = bodyOf(text);
     if (last == nullptr) {
         if (body == file.lines) {
             step.report.outcome = FileOutcome::unchanged;
@@ -187,9 +187,7 @@ void Update::stale(const RecordEntry& entry) {
         return;
     }
     step.before = text;
-    bool asGenerated = bodyOf(text, entry.file) == entry.file.lines ||
-                       splitLines(text) == entry.file.lines;  // a file whose header was never recorded
-    if (options.prune && asGenerated) {
+    if (options.prune && bodyOf(text) == entry.file.lines) {
         step.report.outcome = FileOutcome::pruned;
         step.remove = entry.file.name;
     } else {

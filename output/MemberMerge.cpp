@@ -168,7 +168,7 @@ private:
     void matchCompleted(const Lines& baseLines, std::vector<std::size_t>& match) const;
     void emitUnit(std::size_t nextUnit);
     void emit(const Lines& lines) { merged.insert(merged.end(), lines.begin(), lines.end()); }
-    void emitAfter(long baseUnit);
+    void emitBefore(long baseUnit);
     void conflict(const Lines& ours, const Lines& theirs, std::size_t userLine, const std::string& member);
     // The merge of one declaration.
     void mergeUnit(const Lines& baseText, const Unit* baseUnit, const Lines& ours, std::size_t userLine,
@@ -188,7 +188,7 @@ private:
     std::vector<std::size_t> groupOf;
     std::map<std::size_t, Lines> groupText;
     std::map<std::size_t, std::size_t> groupLine;
-    // Lines the user added between units, after the base unit (-1: before the first).
+    // Lines the user added between units, before the base unit (the number of units: at the end).
     std::map<long, Lines> added;
     std::vector<bool> emittedGroup;
     std::map<std::string, std::vector<std::pair<std::string, Lines>>> orphans;  // by class: key, lines
@@ -242,8 +242,8 @@ void FileMerge::alignUser() {
             if (inside) {
                 for (std::size_t j = previousUser; j < userAt; ++j) owner[j] = long(unitAt[i]);
             } else {
-                long after = i == 0 ? -1 : long(unitAt[i - 1]);
-                added[after] = linesOf(user, previousUser, userAt);
+                long before = i == baseLines.size() ? long(baseUnits.size()) : long(unitAt[i]);
+                added[before] = linesOf(user, previousUser, userAt);
             }
         }
         if (i < baseLines.size()) owner[userAt] = long(unitAt[i]);
@@ -324,7 +324,7 @@ void FileMerge::mergeUnit(const Lines& baseText, const Unit* baseUnit, const Lin
     conflict(ours, theirs, userLine + conflictLines.front(), nameOf(theirs));
 }
 
-void FileMerge::emitAfter(long baseUnit) {
+void FileMerge::emitBefore(long baseUnit) {
     auto found = added.find(baseUnit);
     if (found != added.end()) emit(found->second);
 }
@@ -341,8 +341,9 @@ void FileMerge::keepOrphans(const std::string& classKey) {
 
 void FileMerge::emitUnit(std::size_t n) {
     const Unit& unit = nextUnits[n];
-    if (unit.key.rfind("end ", 0) == 0) keepOrphans("head " + unit.key.substr(4));
     auto inBase = baseIndex.find(unit.key);
+    if (inBase != baseIndex.end()) emitBefore(long(inBase->second));
+    if (unit.key.rfind("end ", 0) == 0) keepOrphans("head " + unit.key.substr(4));
     if (inBase == baseIndex.end()) {
         auto back = takenBack.find(unit.key);
         if (back == takenBack.end()) return emit(linesOf(next.lines, unit.first, unit.end));
@@ -378,7 +379,6 @@ void FileMerge::emitUnit(std::size_t n) {
         else
             conflict(ours, theirs, groupLine[group], nameOf(theirs));
     }
-    emitAfter(long(b));
 }
 
 MergeOutcome FileMerge::run() {
@@ -387,12 +387,13 @@ MergeOutcome FileMerge::run() {
     emittedGroup.assign(baseUnits.size(), false);
     // What the model no longer has: unchanged or deleted by the user, it goes; a declaration
     // the user changed is kept commented out at the end of its class; lines the user added
-    // follow the nearest unit before them that is still there.
+    // stand before the nearest unit after them that is still there.
+    const long atEnd = long(baseUnits.size());
     std::vector<long> anchor(baseUnits.size());
+    for (std::size_t u = baseUnits.size(); u-- > 0;)
+        anchor[u] = nextIndex.count(baseUnits[u].key) ? long(u) : (u + 1 == baseUnits.size() ? atEnd : anchor[u + 1]);
     for (std::size_t u = 0; u < baseUnits.size(); ++u) {
-        bool kept = nextIndex.count(baseUnits[u].key) != 0;
-        anchor[u] = kept ? long(u) : (u == 0 ? -1 : anchor[u - 1]);
-        if (kept || u != groupOf[u]) continue;
+        if (anchor[u] == long(u) || u != groupOf[u]) continue;
         // The group the unit leads: gone from the model when none of its units is left.
         std::size_t end = u + 1;
         while (end < groupOf.size() && groupOf[end] == u) ++end;
@@ -408,22 +409,23 @@ MergeOutcome FileMerge::run() {
             // A gap the user wrote into: the lines they added stay.
             std::vector<std::size_t> match = LineDiff::matches(ours, baseText);
             for (std::size_t j = 0; j < ours.size(); ++j)
-                if (match[j] == LineDiff::none) added[anchor[u]].push_back(ours[j]);
+                if (match[j] == LineDiff::none) added[long(u)].push_back(ours[j]);
             continue;
         }
         orphans[base.file.classOf(std::size_t(piece->piece - base.file.pieces.data()))].emplace_back(piece->key, ours);
         outcome.orphaned.push_back(nameOf(ours));
         outcome.kept.push_back({piece->key, baseText});
     }
-    for (std::size_t u = 0; u < baseUnits.size(); ++u) {
+    // Lines before a unit that is gone go before the next one that stays, ahead of its own.
+    for (std::size_t u = baseUnits.size(); u-- > 0;) {
         if (anchor[u] == long(u) || !added.count(long(u))) continue;
         Lines moved = added[long(u)];
         added.erase(long(u));
         Lines& to = added[anchor[u]];
-        to.insert(to.end(), moved.begin(), moved.end());
+        to.insert(to.begin(), moved.begin(), moved.end());
     }
-    emitAfter(-1);
     for (std::size_t n = 0; n < nextUnits.size(); ++n) emitUnit(n);
+    emitBefore(atEnd);
     // Orphans of a class the file no longer declares go at its end.
     while (!orphans.empty()) keepOrphans(orphans.begin()->first);
     outcome.text = (userHeader > 0 ? next.header : std::string()) + joinLines(merged);

@@ -11,31 +11,17 @@
 #include <sstream>
 #include <string>
 
-#include "support/TempDir.h"
+#include "support/HostRun.h"
 
 namespace {
 
 std::string models(const std::string& name) { return std::string(MODELBRIDGE_MODELS_DIR) + "/" + name; }
 
-struct HostRun {
-    int status;
-    std::string out;  // standard output
-    std::string err;  // standard error
-};
-
 class SampleHost : public testing::Test {
 protected:
 
     // Runs the host with the two streams caught apart (in files beside the test's folder).
-    HostRun run(const std::string& arguments) const {
-        std::string out = dir + ".out", err = dir + ".err";
-        std::string command = std::string(MODELBRIDGE_GEN_PATH) + " " + arguments + " >" + out + " 2>" + err;
-        int status = std::system(command.c_str());
-        HostRun result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err)};
-        std::remove(out.c_str());
-        std::remove(err.c_str());
-        return result;
-    }
+    HostRun run(const std::string& arguments) const { return runHost(arguments, dir); }
 
     TempDir temp;
     const std::string dir = temp.path();
