@@ -56,6 +56,12 @@ std::string nameOf(const Lines& lines) {
     return {};
 }
 
+// A line of a declaration not yet closed by its ";".
+bool open(const std::string& line) {
+    std::string text = trimmed(line);
+    return !text.empty() && text.back() != ';' && text.rfind("//", 0) != 0;
+}
+
 bool blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 // Where `segment` ends when it is matched at `at` in `text`, any run of blanks in it matching
@@ -239,9 +245,15 @@ void FileMerge::alignUser() {
             for (std::size_t j = previousUser; j < userAt; ++j) owner[j] = long(unitAt[previousBase]);
         } else if (previousUser < userAt) {
             bool inside = i > 0 && i < baseLines.size() && unitAt[i - 1] == unitAt[i];
+            // A declaration whose last line the user left open (a body they continued on the
+            // next lines) owns the lines up to the one that closes it.
+            if (!inside && i > 0 && open(user[previousUser - 1]) && !open(baseLines[i - 1])) {
+                while (previousUser < userAt && open(user[previousUser])) owner[previousUser++] = long(unitAt[i - 1]);
+                if (previousUser < userAt) owner[previousUser++] = long(unitAt[i - 1]);
+            }
             if (inside) {
                 for (std::size_t j = previousUser; j < userAt; ++j) owner[j] = long(unitAt[i]);
-            } else {
+            } else if (previousUser < userAt) {
                 long before = i == baseLines.size() ? long(baseUnits.size()) : long(unitAt[i]);
                 added[before] = linesOf(user, previousUser, userAt);
             }
