@@ -104,7 +104,7 @@ std::optional<Lines> mergeBodies(const Lines& baseLines, const Unit& baseUnit, c
     if (!baseOffsets || !nextOffsets || baseOffsets->empty() || baseOffsets->size() != nextOffsets->size())
         return std::nullopt;
     std::string base = joinLines(baseLines, baseUnit.first, baseUnit.end), text = joinLines(user);
-    if (text.size() > (1u << 20)) return std::nullopt;
+    if (text.size() > 8192) return std::nullopt;  // longer than any declaration: not worth the search
     // The base's text around its bodies, and what stands in their place in the user's text.
     std::vector<std::string> segments;
     std::size_t from = 0;

@@ -10,7 +10,7 @@ build_dir=${BUILD_DIR:-$root/build-fuzz}
 seconds=${1:-60}
 CC=clang CXX=clang++ cmake -S "$root" -B "$build_dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMODELBRIDGE_FUZZ=ON \
     -DMODELBRIDGE_SANITIZE=ON -DMODELBRIDGE_TESTS=OFF >/dev/null
-cmake --build "$build_dir" -j"$(nproc)" --target fuzz_import fuzz_parser
+cmake --build "$build_dir" -j"$(nproc)" --target fuzz_import fuzz_parser fuzz_merge
 
 seeds="$build_dir/seeds"
 rm -rf "$seeds"
@@ -21,11 +21,14 @@ find "$root/examples/models" "$root/tests" "$root/../shared/corpus/xmi" "$root/.
 done
 echo "$(ls "$seeds" | wc -l) seed files"
 
-for target in import parser; do
+for target in import parser merge; do
     corpus="$build_dir/corpus-$target"
     mkdir -p "$corpus"
+    # The merge reads a record, a user's file and a model in one input: seeds of its own.
+    seeded="$seeds"
+    [ "$target" = merge ] && seeded="$root/tests/fuzz/merge-seeds"
     echo "== fuzz_$target for $seconds s"
-    "$build_dir/tests/fuzz/fuzz_$target" "$corpus" "$seeds" -max_total_time="$seconds" -max_len=65536 \
+    "$build_dir/tests/fuzz/fuzz_$target" "$corpus" "$seeded" -max_total_time="$seconds" -max_len=65536 \
         -timeout=60 -rss_limit_mb=4096 -print_final_stats=1 -artifact_prefix="$build_dir/artifacts/$target-" 2>&1 |
         grep -E "^#[0-9]+ +DONE|stat::number_of_executed_units|ERROR|SUMMARY|Test unit written" || true
     if ls "$build_dir/artifacts/$target-"* >/dev/null 2>&1; then
