@@ -31,6 +31,21 @@ std::string GenerationRecord::keyText(const std::string& id) {
     return text;
 }
 
+std::string GenerationRecord::idOfKeyText(const std::string& text) {
+    std::string id;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        unsigned value = 0;
+        if (text[i] == '%' && i + 2 < text.size() &&
+            std::from_chars(text.data() + i + 1, text.data() + i + 3, value, 16).ptr == text.data() + i + 3) {
+            id += char(value);
+            i += 2;
+        } else {
+            id += text[i];
+        }
+    }
+    return id;
+}
+
 const RecordEntry* GenerationRecord::byName(const std::string& name) const {
     for (const RecordEntry& entry : entries)
         if (entry.file.name == name) return &entry;
@@ -161,7 +176,7 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
             ok = reader.fail("'" + word + "' before the first file");
         } else if (word == "class") {
             ok = !rest.empty() || reader.fail("a class without an id");
-            entry->file.classIds.push_back(rest);
+            entry->file.classIds.push_back(idOfKeyText(rest));
         } else if (word == "piece") {
             auto [first, afterFirst] = firstWord(rest);
             auto [end, key] = firstWord(afterFirst);

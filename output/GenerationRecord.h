@@ -75,4 +75,5 @@ public:
     static bool plainFileName(const std::string& name);
     // An id as a key writes it: blanks, controls and "%" as "%XX".
     static std::string keyText(const std::string& id);
+    static std::string idOfKeyText(const std::string& text);
 };

@@ -1,0 +1,54 @@
+// The record of a generation: read back as written, and refused with the file and line of the
+// first thing wrong in it.
+#include "output/GenerationRecord.h"
+
+#include <gtest/gtest.h>
+
+TEST(GenerationRecord, ReadsBackWhatItWrites) {
+    GenerationRecord record;
+    RecordEntry entry;
+    entry.file = {"Account.tv", {"c 1"}, "", {"class Account ^=\n", "\tschema !reset post ?;\n", "end;\n"}, {}};
+    entry.file.pieces = {{"head c%201", 0, 1, {}}, {"member o1", 1, 2, {{1, 21}}}, {"end c%201", 2, 3, {}}};
+    entry.kept = {{"member o9", {"\tschema !gone post x! = 1;\n"}}};
+    record.entries = {entry, {{"B.tv", {}, "", {"|x\n"}, {}}, {}}};
+    GenerationRecord back;
+    std::string error;
+    ASSERT_TRUE(GenerationRecord::read(record.text(), "r", back, error)) << error;
+    EXPECT_EQ(back.entries, record.entries);
+    EXPECT_EQ(back.byClass("c 1"), &back.entries[0]);
+    EXPECT_EQ(back.byName("B.tv"), &back.entries[1]);
+    EXPECT_EQ(back.byName("C.tv"), nullptr);
+    EXPECT_EQ(GenerationRecord::keyText("a b%\n"), "a%20b%25%0A");
+    EXPECT_EQ(GenerationRecord::idOfKeyText("a%20b%25%0A%"), "a b%\n%");
+}
+
+TEST(GenerationRecord, RefusesWhatItCantReadByFileAndLine) {
+    const std::string start = "modelbridge-record 1\n";
+    struct Row {
+        std::string text, error;
+    };
+    const Row rows[] = {
+        {"", "rec:0: an empty record"},
+        {"modelbridge-record 2\n", "rec:1: not a record of ModelBridge, or one of a newer version"},
+        {start + "piece 0 1 head c\n", "rec:2: 'piece' before the first file"},
+        {start + "file ../x.tv\n", "rec:2: '../x.tv' is not a plain file name"},
+        {start + "file a/b.tv\n", "rec:2: 'a/b.tv' is not a plain file name"},
+        {start + "file A.tv\nend\nfile A.tv\n", "rec:4: the file 'A.tv' is recorded twice"},
+        {start + "file A.tv\npiece 1 1 head c\n", "rec:3: a piece needs its first line, its end and its key"},
+        {start + "file A.tv\npiece x 1 head c\n", "rec:3: a piece needs its first line, its end and its key"},
+        {start + "file A.tv\nbody 0 0\n", "rec:3: a body needs its piece, its line and its column"},
+        {start + "file A.tv\ntext 2\n|a\n", "rec:4: the record ends within a text"},
+        {start + "file A.tv\ntext 1\na\n", "rec:4: a line of text must start with '|'"},
+        {start + "file A.tv\nkept 1\n", "rec:3: 'kept' needs its number of lines and its key"},
+        {start + "file A.tv\npiece 0 2 head c\ntext 1\n|a\nend\n", "rec:6: the pieces of 'A.tv' don't fit its text"},
+        {start + "file A.tv\ntext 0\n", "rec:3: the record ends within the file 'A.tv'"},
+        {start + "file A.tv\nwhat\n", "rec:3: unknown item 'what'"},
+    };
+    for (const Row& row : rows) {
+        GenerationRecord record;
+        std::string error;
+        EXPECT_FALSE(GenerationRecord::read(row.text, "rec", record, error)) << row.text;
+        EXPECT_EQ(error, row.error) << row.text;
+        EXPECT_TRUE(record.entries.empty());
+    }
+}
