@@ -110,6 +110,26 @@ int main(int argc, char** argv) {
 
     CHECK(mb_parse(NULL, NULL, &model) == MB_INVALID_ARGUMENT && model == NULL);
     mb_free(NULL);
+
+    /* An update: every file created, then a check that finds nothing to change. */
+    char folder[4096];
+    snprintf(folder, sizeof folder, "%s/updated", directory);
+    CHECK(mb_parse(argv[1], NULL, &model) == MB_OK);
+    mb_update* update = NULL;
+    CHECK(mb_update_folder(model, folder, NULL, 0, 0, &update) == MB_OK && mb_update_file_count(update) == 3);
+    CHECK(strcmp(mb_update_error(update), "") == 0 && strcmp(mb_update_file(update, 0), "Account.tv") == 0);
+    CHECK(mb_update_outcome(update, 0) == MB_CREATED && mb_update_changes(update, 0) == 1);
+    CHECK(strcmp(mb_update_outcome_name(mb_update_outcome(update, 0)), "created") == 0);
+    CHECK(mb_update_item_count(update, 0, MB_ORPHANED) == 0 && mb_update_item(update, 0, MB_CONFLICTS, 0) == NULL);
+    CHECK(mb_update_outcome(update, 3) == -1 && mb_update_file(update, -1) == NULL);
+    mb_update_free(update);
+    CHECK(mb_update_folder(model, folder, NULL, 0, MB_UPDATE_CHECK, &update) == MB_OK);
+    CHECK(mb_update_outcome(update, 2) == MB_UNCHANGED && mb_update_changes(update, 2) == 0);
+    mb_update_free(update);
+    const char* nobody[] = {"Nobody"};
+    CHECK(mb_update_folder(model, folder, nobody, 1, 0, &update) == MB_NO_SUCH_CLASS && update == NULL);
+    CHECK(mb_update_folder(model, NULL, NULL, 0, 0, &update) == MB_INVALID_ARGUMENT);
+    mb_free(model);
     if (failures == 0) printf("C API: every check passed\n");
     return failures == 0 ? 0 : 1;
 }

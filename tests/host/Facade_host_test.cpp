@@ -164,3 +164,40 @@ TEST_F(Facade, CallsFromSeveralThreads) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(matches, std::vector<int>(4, 10));
 }
+
+// An update through the facade: a report file by file; the user's body stays when the model
+// renames its operation; unknown names are refused before anything is written.
+TEST_F(Facade, UpdatesAFolderKeepingTheUsersBodies) {
+    fs::path out = dir / "out";
+    Model model = Model::parse(bank);
+    UpdateReport first = model.update(out);
+    ASSERT_TRUE(first.ok) << first.error;
+    ASSERT_EQ(first.files.size(), 3u);
+    EXPECT_EQ(first.files[0].file, "Account.tv");
+    EXPECT_EQ(first.files[0].outcome, FileOutcome::created);
+    std::string account = temp.read("out/Account.tv");
+    std::string filled = account;
+    filled.replace(filled.find("schema !deposit (amount: real) post ?;"), 38, "schema !deposit (amount: real) post balance! = 1;");
+    temp.write("out/Account.tv", filled);
+    std::string renamed = readFile(bank);
+    renamed.replace(renamed.find("\"deposit\""), 9, "\"payIn\"");
+    Model changed = Model::parse(write("renamed.xmi", renamed));
+    UpdateOptions check;
+    check.write = false;
+    check.diff = true;
+    UpdateReport asked = changed.update(out, check);
+    ASSERT_TRUE(asked.ok) << asked.error;
+    EXPECT_EQ(asked.files[0].outcome, FileOutcome::merged);
+    EXPECT_NE(asked.files[0].diff.find("+\tschema !payIn (amount: real) post balance! = 1;\n"), std::string::npos)
+        << asked.files[0].diff;
+    EXPECT_EQ(temp.read("out/Account.tv"), filled);
+    UpdateReport done = changed.update(out);
+    EXPECT_TRUE(done.ok);
+    EXPECT_EQ(done.files[1].outcome, FileOutcome::unchanged);
+    EXPECT_NE(temp.read("out/Account.tv").find("schema !payIn (amount: real) post balance! = 1;"), std::string::npos);
+    UpdateReport refused = changed.update(out, {}, {"Nobody"});
+    EXPECT_EQ(refused.error, "the model has no class 'Nobody'");
+    EXPECT_TRUE(refused.files.empty());
+    temp.write("out/.modelbridge/record", "modelbridge-record 1\nfile ../A.tv\n");
+    EXPECT_EQ(changed.update(out).error, out.string() + "/.modelbridge/record:2: '../A.tv' is not a plain file name");
+}

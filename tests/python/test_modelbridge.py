@@ -40,6 +40,30 @@ class ModelBridgeFromPython(unittest.TestCase):
         self.assertEqual(len(failed.exception.diagnostics), 1)
         self.assertIn("for 'write' access.", failed.exception.diagnostics[0])
 
+    def test_update_keeps_the_users_bodies(self):
+        m = modelbridge.parse(BANK)
+        out = os.path.join(self.dir, "out")
+        report = m.update(out)
+        self.assertTrue(report.ok)
+        self.assertEqual([(f.file, f.outcome, f.changes) for f in report.files],
+                         [("Account.tv", "created", True), ("Customer.tv", "created", True),
+                          ("SavingsAccount.tv", "created", True)])
+        path = os.path.join(out, "Customer.tv")
+        with open(path) as f:
+            text = f.read()
+        with open(path, "w") as f:
+            f.write(text.replace("end;", "\tinvariant true;\nend;"))
+        checked = m.update(out, check=True, diff=True)
+        self.assertEqual([f.outcome for f in checked.files], ["unchanged", "unchanged", "unchanged"])
+        self.assertEqual(checked.files[1].diff, "")
+        with self.assertRaises(KeyError):
+            m.update(out, ["Nobody"])
+        with open(os.path.join(out, ".modelbridge", "record"), "w") as f:
+            f.write("nonsense\n")
+        broken = m.update(out)
+        self.assertFalse(broken.ok)
+        self.assertTrue(broken.error.endswith("record:1: not a record of ModelBridge, or one of a newer version"))
+
     def test_diagnostics_options_and_names(self):
         bad = os.path.join(self.dir, "bad.xmi")
         with open(bad, "w") as out:
