@@ -353,8 +353,11 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
     std::vector<GeneratedFile> files;
     std::set<std::string> ids;
     auto layOut = [&](const _eSeq<_eString>& names, const _eString& fileName, bool single) {
-        std::string path = toPlatformText(outputFilePath(directory, fileName));
-        if (path.empty() || (!single && !XMLDocument::namesOneFile(fileName))) {
+        // The file as generation names it: in the directory, with the prefix and ".tv".
+        FileName file(directory, fileName, L"tv", &environment);
+        FileName target = TarvaneOutput::target(importOptions(), file, environment);
+        std::string path = toPlatformText(target.fullPathText());
+        if (!file.isValid() || !target.isValid() || (!single && !XMLDocument::namesOneFile(fileName))) {
             FileUpdate refused;
             refused.file = toPlatformText(fileName) + ".tv";
             refused.outcome = FileOutcome::failed;
@@ -362,8 +365,8 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
             report.files.push_back(refused);
             return;
         }
-        TarvaneOutput::Layout layout = state->document->layOutFile(names, single, FileName(directory, fileName, L"tv", &environment),
-                                                                   source, environment, importOptions());
+        TarvaneOutput::Layout layout =
+            state->document->layOutFile(names, single, file, source, environment, importOptions());
         files.push_back(FolderUpdate::generatedFile(path.substr(path.rfind('/') + 1), layout, TarvaneOutput::headerLines));
         ids.insert(files.back().classIds.begin(), files.back().classIds.end());
     };

@@ -247,7 +247,7 @@ bool readOptions(int argc, char** argv, Options& options) {
     for (const std::string& folder : options.libraries) options.libraryFolders.push_back(folder.c_str());
     options.extensions.libraryFolders = options.libraryFolders.data();
     options.extensions.libraryFolderCount = std::uint32_t(options.libraryFolders.size());
-    if (const char* epoch = std::getenv("SOURCE_DATE_EPOCH"); epoch != nullptr && !options.specified) {
+    if (const char* epoch = std::getenv("SOURCE_DATE_EPOCH"); epoch != nullptr) {
         char* end = nullptr;
         long long seconds = std::strtoll(epoch, &end, 10);
         if (*epoch >= '0' && *epoch <= '9' && *end == '\0') {
