@@ -416,6 +416,15 @@ bool update(XMLImporter& importer, const Options& options, const _eSeq<_eString>
         }
         if (!options.check) tellOutcome(options.directory, file);
     }
+    if (!options.quiet && options.update.write) {
+        // "out/: 1 merged, 2 unchanged", the outcomes in their order.
+        std::map<FileOutcome, int> counts;
+        for (const FileUpdate& file : report.files) ++counts[file.outcome];
+        std::string summary;
+        for (const auto& [outcome, count] : counts)
+            summary += (summary.empty() ? "" : ", ") + std::to_string(count) + " " + outcomeName(outcome);
+        std::fprintf(stderr, "%s: %s: %s\n", program, options.directory.c_str(), summary.c_str());
+    }
     return options.check ? !changes : report.ok;
 }
 

@@ -178,6 +178,24 @@ mutations() {
 @ Generated/XMLImporter.cpp | diagnostics: the first error stands for the most severe
 - if (state->errors.at(i)->severity() == worst) return
 + if (state->errors.at(i)->severity() >= ErrorSeverity::inform) return
+@ output/MemberMerge.cpp | merge: a declaration only the user changed takes the model's text
+- if (theirs == baseText) return emit(ours);
++ if (theirs == baseText) return emit(theirs);
+@ output/MemberMerge.cpp | merge: the user's bodies aren't carried into a renamed declaration
+- if (bodies[b] != "?") next.replace((*nextOffsets)[b], 1, bodies[b]);
++ if (bodies[b] == "?") next.replace((*nextOffsets)[b], 1, bodies[b]);
+@ output/MemberMerge.cpp | merge: lines added before a deleted unit are dropped
+- to.insert(to.begin(), moved.begin(), moved.end());
++ to.clear();
+@ output/LineDiff.cpp | three-way merge: a change both sides made alike is a conflict
+- if (o == b || o == t) {
++ if (o == b) {
+@ output/GenerationRecord.cpp | record: a name with a separator is taken for a plain file name
+- if (c == '/' || (unsigned char)c < 0x20 || c == 0x7f) return false;
++ if ((unsigned char)c < 0x20 || c == 0x7f) return false;
+@ output/FolderUpdate.cpp | update: a file the user never changed is merged as if they had
+- if (body == last->file.lines && last->kept.empty()) {
++ if (body == last->file.lines && !last->kept.empty()) {
 EOF
 }
 

@@ -270,6 +270,9 @@ TEST_F(FolderUpdate, ForeignAndStaleFilesAndAskingWithoutWriting) {
     EXPECT_EQ(host("--prune").status, 0);
     EXPECT_FALSE(std::filesystem::exists(out + "/Account.tv"));
     EXPECT_EQ(host("--list-outputs").out, out + "/Ledger.tv\n");
+    // Without -q a line sums up what the update did.
+    HostRun told = runHost(model + " -o " + out, temp / "run");
+    EXPECT_NE(told.err.find("modelbridge-gen: " + out + "/: 1 unchanged\n"), std::string::npos) << told.err;
 }
 
 TEST_F(FolderUpdate, TheHeadersTimeComesFromSourceDateEpochAndStaysWhenNothingElseChanges) {
