@@ -187,6 +187,20 @@ TEST_F(FolderUpdate, AMemberDeletedWithTheUsersBodyIsKeptAndComesBack) {
               {{{"c1", "Account", {"a1 balance", "o2 size():int"}}}, {}, "", 0, {{"Account.tv", kept}}, {}, {"Account.tv"}},
               {{account}, {}, "", 0, {{"Account.tv", completedText}}, {"is back in the model"}, {}},
           }});
+    // A comment the user wrote before a member the model deletes stays, before what follows.
+    play({"comment before a deleted member",
+          {
+              {{account}, {}, "", 0, {{"Account.tv", accountText}}, {}, {}},
+              {{{"c1", "Account", {"a1 balance", "o2 size():int"}}},
+               {{"Account.tv", "\tschema !reset", "\t// reset only at the end of the year\n\tschema !reset"}},
+               "",
+               0,
+               {{"Account.tv", body({"class Account ^=", "abstract", "\tvar balance: int;", "interface",
+                                     "\tselector balance;", "\t// reset only at the end of the year",
+                                     "\tfunction size: int ^= ?;", "end;"})}},
+               {},
+               {}},
+          }});
 }
 
 TEST_F(FolderUpdate, TheSameLineChangedOnBothSidesIsAConflict) {
