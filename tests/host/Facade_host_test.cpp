@@ -7,19 +7,13 @@
 #include <thread>
 
 #include "modelbridge/modelbridge.hpp"
+#include "support/GeneratedText.h"
 #include "support/TempDir.h"
 
 namespace fs = std::filesystem;
 using modelbridge::Model;
 
 namespace {
-
-// The text after the header's seven lines.
-std::string body(const std::string& file) {
-    std::size_t start = 0;
-    for (int line = 0; line < 7 && start != std::string::npos; ++line) start = file.find('\n', start) + 1;
-    return file.substr(start);
-}
 
 class Facade : public testing::Test {
 protected:
@@ -50,7 +44,7 @@ TEST_F(Facade, ParsesListsWritesAndRendersWithResultsOfEachCall) {
     EXPECT_TRUE(written.diagnostics.empty());
     std::string account = readFile(dir / "Account.tv");
     EXPECT_NE(account.find("//* File: '" + (dir / "Account.tv").string() + "'\n"), std::string::npos) << account;
-    EXPECT_EQ(body(model.renderClass("Account")), body(account));
+    EXPECT_EQ(afterHeader(model.renderClass("Account")), afterHeader(account));
     EXPECT_EQ(model.renderClass("Nobody"), "");
 
     // Unknown names are refused before anything is written.
@@ -65,7 +59,7 @@ TEST_F(Facade, ParsesListsWritesAndRendersWithResultsOfEachCall) {
     EXPECT_FALSE(fs::exists(dir / "some.tv"));
 
     EXPECT_TRUE(model.writeClasses({"SavingsAccount", "Account"}, dir / "pair"));
-    std::string pair = body(readFile(dir / "pair.tv"));
+    std::string pair = afterHeader(readFile(dir / "pair.tv"));
     EXPECT_LT(pair.find("class Account ^="), pair.find("final class SavingsAccount ^="));
     EXPECT_TRUE(model.writeClasses({}, dir / "every.tv"));
     EXPECT_NE(readFile(dir / "every.tv").find("class Customer ^="), std::string::npos);
@@ -147,7 +141,7 @@ TEST_F(Facade, NamesBeyondAscii) {
 // Several threads, each with models of its own, get what one thread gets.
 TEST_F(Facade, CallsFromSeveralThreads) {
     Model shared = Model::parse(bank);
-    const std::string expected = body(shared.renderClass("SavingsAccount"));
+    const std::string expected = afterHeader(shared.renderClass("SavingsAccount"));
     std::vector<int> matches(4, 0);
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
@@ -155,8 +149,8 @@ TEST_F(Facade, CallsFromSeveralThreads) {
             for (int round = 0; round < 10; ++round) {
                 Model own = Model::parse(bank);
                 Model copy = shared;
-                if (own.classes().size() == 3 && body(own.renderClass("SavingsAccount")) == expected &&
-                    body(copy.renderClass("SavingsAccount")) == expected &&
+                if (own.classes().size() == 3 && afterHeader(own.renderClass("SavingsAccount")) == expected &&
+                    afterHeader(copy.renderClass("SavingsAccount")) == expected &&
                     own.writeClass("Account", dir / ("t" + std::to_string(t))).diagnostics.size() == 1)
                     ++matches[std::size_t(t)];
             }

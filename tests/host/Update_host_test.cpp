@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "support/GeneratedText.h"
 #include "support/HostRun.h"
 #include "support/UpdateModels.h"
 
@@ -43,14 +44,6 @@ std::string body(const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) text += line + "\n";
     return text + "\n\n// End of file.\n";
-}
-
-const std::size_t headerLines = 7;
-
-std::string afterHeader(const std::string& text) {
-    std::size_t at = 0;
-    for (std::size_t line = 0; line < headerLines && at != std::string::npos; ++line) at = text.find('\n', at) + 1;
-    return at == std::string::npos ? text : text.substr(at);
 }
 
 const std::time_t longAgo = 1'000'000'000;

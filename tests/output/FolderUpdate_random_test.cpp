@@ -11,6 +11,7 @@
 #include "Generated/XMLImporter.h"
 #include "environment/PlatformText.h"
 #include "output/LineDiff.h"
+#include "support/GeneratedText.h"
 #include "support/TempDir.h"
 #include "support/UpdateModels.h"
 
@@ -24,7 +25,7 @@ Files filesOf(const std::string& folder, bool headless = false) {
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         if (entry.path().extension() != ".tv") continue;
         std::string text = readFile(entry.path());
-        files[entry.path().filename().string()] = headless ? joinLines(splitLines(text), 7) : text;
+        files[entry.path().filename().string()] = headless ? afterHeader(text) : text;
     }
     return files;
 }

@@ -10,6 +10,7 @@
 
 #include "Generated/XMLImporter.h"
 #include "environment/PlatformText.h"
+#include "support/GeneratedText.h"
 #include "support/TempDir.h"
 
 using Extensions = ImportExtensions;
@@ -38,15 +39,7 @@ struct ImportRun {
     }
 
     // The text after the header's seven lines.
-    static std::string body(const std::string& file) {
-        std::size_t start = 0;
-        for (int line = 0; line < 7; ++line) {
-            std::size_t end = file.find('\n', start);
-            if (end == std::string::npos) return {};
-            start = end + 1;
-        }
-        return file.substr(start);
-    }
+    static std::string body(const std::string& file) { return afterHeader(file); }
 
     TempDir dir;
     bool parsed = false;

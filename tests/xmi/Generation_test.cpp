@@ -6,16 +6,15 @@
 #include "environment/PlatformText.h"
 #include "support/CorpusScan.h"
 #include "support/ImporterInspector.h"
+#include "support/GeneratedText.h"
 #include "support/TempDir.h"
 
 namespace {
 
 // The generated declarations: the file without its seven header lines and its footer.
 std::string body(const std::string& file) {
-    std::size_t start = 0;
-    for (int line = 0; line < 7; ++line) start = file.find('\n', start) + 1;
-    std::string footer = "\n\n// End of file.\n";
-    return file.substr(start, file.size() - start - footer.size());
+    std::string text = afterHeader(file), footer = "\n\n// End of file.\n";
+    return text.substr(0, text.size() - footer.size());
 }
 
 std::vector<std::wstring> texts(const _eSeq<_eString>& list) {
