@@ -180,6 +180,12 @@ private:
     void mergeUnit(const Lines& baseText, const Unit* baseUnit, const Lines& ours, std::size_t userLine,
                    const Unit& nextUnit);
     void keepOrphans(const std::string& classKey);
+    // Just after the last unit of the group that `group` leads.
+    std::size_t groupEnd(std::size_t group) const {
+        std::size_t end = group + 1;
+        while (end < groupOf.size() && groupOf[end] == group) ++end;
+        return end;
+    }
 
     const RecordEntry& base;
     const GeneratedFile& next;
@@ -367,8 +373,7 @@ void FileMerge::emitUnit(std::size_t n) {
     std::size_t b = inBase->second, group = groupOf[b];
     const Unit& baseUnit = baseUnits[b];
     Lines ours = groupText.count(group) ? groupText[group] : Lines();
-    bool single = (b + 1 >= groupOf.size() || groupOf[b + 1] != group) && group == b;
-    if (single) {
+    if (groupEnd(group) == group + 1) {
         mergeUnit(linesOf(base.file.lines, baseUnit.first, baseUnit.end), &baseUnit, ours, groupLine[group], unit);
     } else if (!emittedGroup[group]) {
         // One change of the user over several declarations: it stands when the model changed
@@ -376,7 +381,7 @@ void FileMerge::emitUnit(std::size_t n) {
         emittedGroup[group] = true;
         Lines theirs;
         bool unchanged = true;
-        for (std::size_t u = group; u < groupOf.size() && groupOf[u] == group; ++u) {
+        for (std::size_t u = group; u < groupEnd(group); ++u) {
             auto inNext = nextIndex.find(baseUnits[u].key);
             if (inNext == nextIndex.end()) {
                 unchanged = false;
@@ -407,8 +412,7 @@ MergeOutcome FileMerge::run() {
     for (std::size_t u = 0; u < baseUnits.size(); ++u) {
         if (anchor[u] == long(u) || u != groupOf[u]) continue;
         // The group the unit leads: gone from the model when none of its units is left.
-        std::size_t end = u + 1;
-        while (end < groupOf.size() && groupOf[end] == u) ++end;
+        std::size_t end = groupEnd(u);
         if (std::any_of(baseUnits.begin() + long(u), baseUnits.begin() + long(end),
                         [&](const Unit& unit) { return nextIndex.count(unit.key) != 0; }))
             continue;
