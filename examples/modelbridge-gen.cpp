@@ -399,10 +399,10 @@ bool update(XMLImporter& importer, const Options& options, const _eSeq<_eString>
         std::fprintf(stderr, "%s: %s\n", program, report.error.c_str());
         return false;
     }
-    bool changes = false;
+    bool changes = !report.ok;  // for --check: a file in conflict or in the way counts as one to change
     for (const FileUpdate& file : report.files) {
         std::string path = options.directory + file.file;
-        changes = changes || file.changes || !report.ok;
+        changes = changes || file.changes;
         if (options.update.diff) {
             std::printf("%s", file.diff.c_str());
         } else if (options.dryRun) {
