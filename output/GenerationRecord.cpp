@@ -165,6 +165,11 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
         }
         auto [word, rest] = firstWord(line);
         if (word == "file") {
+            // Only an entry closed by "end" has had its pieces checked against its text.
+            if (entry != nullptr) {
+                ok = reader.fail("the file '" + entry->file.name + "' has no 'end' before the next file");
+                break;
+            }
             ok = plainFileName(rest) ? true : reader.fail("'" + rest + "' is not a plain file name");
             if (ok && record.byName(rest) != nullptr) ok = reader.fail("the file '" + rest + "' is recorded twice");
             record.entries.emplace_back();

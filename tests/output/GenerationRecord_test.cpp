@@ -42,6 +42,7 @@ TEST(GenerationRecord, RefusesWhatItCantReadByFileAndLine) {
         {start + "file A.tv\nkept 1\n", "rec:3: 'kept' needs its number of lines and its key"},
         {start + "file A.tv\npiece 0 2 head c\ntext 1\n|a\nend\n", "rec:6: the pieces of 'A.tv' don't fit its text"},
         {start + "file A.tv\ntext 0\n", "rec:3: the record ends within the file 'A.tv'"},
+        {start + "file A.tv\npiece 5 6 member o\nfile B.tv\n", "rec:4: the file 'A.tv' has no 'end' before the next file"},
         {start + "file A.tv\nwhat\n", "rec:3: unknown item 'what'"},
     };
     for (const Row& row : rows) {
