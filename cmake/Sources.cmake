@@ -50,6 +50,7 @@ set(MODELBRIDGE_SOURCES
   xml/XMLNames.cpp
   xmi/ClassRenderer.cpp
   xmi/Context.cpp
+  xmi/ModelAnnotations.cpp
   xmi/ModelReader.cpp
   xmi/ModelNames.cpp
   xmi/ModelReport.cpp

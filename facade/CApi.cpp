@@ -18,9 +18,11 @@ static_assert(importSwitches[0].flag == MB_XMI2 && importSwitches[1].flag == MB_
                   importSwitches[2].flag == MB_PLAIN_MODEL_TEXT && importSwitches[3].flag == MB_DECODE_REFERENCES &&
                   importSwitches[4].flag == MB_EVERY_FORM && importSwitches[5].flag == MB_DECODE_ENCODINGS &&
                   importSwitches[6].flag == MB_SAFE_NAMES && importSwitches[7].flag == MB_CROSS_FILE_TYPES &&
-                  importSwitches[8].flag == MB_REPORT,
+                  importSwitches[8].flag == MB_REPORT && importSwitches[9].flag == MB_ENUMERATIONS &&
+                  importSwitches[10].flag == MB_INTERFACES && importSwitches[11].flag == MB_ASSOCIATION_CLASSES &&
+                  importSwitches[12].flag == MB_DOCUMENTATION && importSwitches[13].flag == MB_CONSTRAINTS,
               "the C flags are the bits of the switches");
-static_assert(std::size(importSwitches) == 9, "every switch has its flag in the C header");
+static_assert(std::size(importSwitches) == 14, "every switch has its flag in the C header");
 
 static_assert(int(FileOutcome::created) == MB_CREATED && int(FileOutcome::merged) == MB_MERGED &&
                   int(FileOutcome::failed) == MB_WRITE_FAILED,

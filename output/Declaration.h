@@ -8,8 +8,8 @@
 
 #include "runtime/Seq.h"
 
-// What a token is. Only `comment` tokens are comments where the options say comments are told
-// by kind; otherwise any token that starts with the comment prefix is laid out as one.
+// What a token is. Only `comment` and `note` tokens are comments where the options say comments
+// are told by kind; otherwise any token that starts with the comment prefix is laid out as one.
 enum class TokenKind : std::int32_t {
     keyword,      // a word of the language: "class", "var", "post"
     name,         // a name the model gives: a class, a member, a type
@@ -19,6 +19,8 @@ enum class TokenKind : std::int32_t {
     body,         // "?" where the user completes the text: after "post", after "^="
     unknown,      // "?" where the model lacks something: a name, a type, a value
     lineBreak,    // "\n": the next token starts a line
+    note,         // a comment that carries the model's documentation or constraints: wrapped
+                  // pieces continue under its indentation
 };
 
 using TokenKinds = _eSeq<std::int32_t>;

@@ -25,6 +25,13 @@ _eSet<_eString> setOf(std::initializer_list<const wchar_t*> words) {
     return set;
 }
 
+// The number of units after the last line end of `lead`; none when it has no line end.
+std::int32_t trailingIndentation(const _eString& lead) {
+    for (std::int32_t i = lead.size() - 1; i >= 0; --i)
+        if (lead.get(i) == L'\n') return lead.size() - 1 - i;
+    return 0;
+}
+
 }  // namespace
 
 ElementBase::ElementBase(const Tokens& texts) {
@@ -98,7 +105,8 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             if (lines != nullptr) lines->push_back({line, line});
             continue;
         }
-        bool comment = byKind ? kind == TokenKind::comment : current.startsWith(options.getCommentPrefix());
+        bool comment = byKind ? kind == TokenKind::comment || kind == TokenKind::note
+                              : current.startsWith(options.getCommentPrefix());
         _eString separator;
         if (breakPending)
             separator = newLine;
@@ -135,7 +143,10 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             column += text.size();
             if (lines != nullptr) byteColumn = columnAfter(text, byteColumn);
         } else {
-            line += writeWrapped(environment, file, lead, current, column, options, status);
+            // A note continues under its own indentation; any other comment under blanks.
+            _eString indentation = lead.drop(lead.size() - trailingIndentation(lead));
+            line += writeWrapped(environment, file, lead, current, column, options, status,
+                                 kind == TokenKind::note ? &indentation : nullptr);
         }
         if (lines != nullptr) lines->push_back({firstLine, line, firstColumn});
         if (opensBlock(previous, current))
@@ -162,7 +173,8 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
 
 std::int32_t ElementBase::writeWrapped(const Environment& environment, const _eHndl<FileRef>& file,
                                        const _eString& lead, const _eString& text, std::int32_t column,
-                                       const ImportOptions& options, FileError::_eEnum& status) const {
+                                       const ImportOptions& options, FileError::_eEnum& status,
+                                       const _eString* indentation) const {
     _eString pieceLead = lead;
     _eString rest = text;
     const _eString& prefix = options.getCommentPrefix();
@@ -178,7 +190,7 @@ std::int32_t ElementBase::writeWrapped(const Environment& environment, const _eH
         environment.writeText(file, pieceLead + rest.take(cut), status);
         if (status != FileError::success) return breaks;
         rest = prefix + rest.drop(cut);
-        pieceLead = newLineAndBlanks(column);
+        pieceLead = indentation != nullptr ? _eString(L"\n") + *indentation : newLineAndBlanks(column);
         ++breaks;
     }
 }

@@ -5,8 +5,8 @@
 // each XMI dialect fill these; `ClassRenderer` alone turns them into tokens.
 //
 // Each record of a model element carries the element's id (empty where the model gives none);
-// classes, attributes and operations their documentation, and a class the names of the
-// packages it stands in.
+// classes, attributes, operations and literals their documentation and constraints, and a
+// class the names of the packages it stands in.
 #pragma once
 
 #include <optional>
@@ -65,6 +65,23 @@ struct MultiplicityRecord {
     std::optional<_eString> upper;
 };
 
+// A constraint on a class or a member: its name, the language of its body where the model gives
+// one, and the body as written.
+struct ConstraintRecord {
+    _eString id;
+    NameRecord name;
+    std::optional<_eString> language;
+    _eString body;
+};
+
+// What a model element says beside its declaration: its documentation, its constraints, and
+// the ids of the comments that the documentation was taken from.
+struct NotesRecord {
+    std::optional<_eString> documentation;
+    std::vector<ConstraintRecord> constraints;
+    std::vector<_eString> commentIds;
+};
+
 struct AttributeRecord {
     _eString id;
     NameRecord name;
@@ -73,7 +90,7 @@ struct AttributeRecord {
     std::optional<_eString> initialValue;  // the body of the initial value, if there is one
     TypeRecord type;
     MultiplicityRecord multiplicity;
-    std::optional<_eString> documentation;
+    NotesRecord notes;  // read where documentation or constraints are asked for
 };
 
 struct ParameterRecord {
@@ -92,7 +109,7 @@ struct OperationRecord {
     bool isLeaf = false;
     Scope scope = Scope::unknown;
     std::vector<ParameterRecord> parameters;  // in order, results among them
-    std::optional<_eString> documentation;
+    NotesRecord notes;
 };
 
 // One member of a class, in the order the renderer places them.
@@ -121,7 +138,18 @@ struct GeneralizationRecord {
     TypeRecord parent;
 };
 
+// One literal of an enumeration.
+struct LiteralRecord {
+    _eString id;
+    NameRecord name;
+    NotesRecord notes;
+};
+
+// What a declared classifier is in the model.
+enum class ClassKind { class_, interface, enumeration, associationClass };
+
 struct ClassRecord {
+    ClassKind kind = ClassKind::class_;
     _eString id;                                   // empty when the class has no id
     NameRecord name;
     bool isLeaf = false;
@@ -129,6 +157,8 @@ struct ClassRecord {
     std::vector<FeatureRecord> features;            // in the order they are placed
     std::vector<AssociationRecord> associations;    // those that involve the class, in order
     std::vector<GeneralizationRecord> parents;      // the generalizations whose child it is
-    std::optional<_eString> documentation;         // the text the model documents the class with
     std::vector<NameRecord> packagePath;           // the packages it stands in, outermost first
+    std::vector<GeneralizationRecord> realizations; // the interfaces it realises, in document order
+    std::vector<LiteralRecord> literals;            // of an enumeration, in order
+    NotesRecord notes;                              // read where documentation or constraints are asked for
 };

@@ -166,6 +166,72 @@ Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord
     return stateWithAccessor(far.visibility, far.id, declaration, tokens({L"selector", modelName(name), L";"}));
 }
 
+// The lines of a model's text: broken at every kind of line end, each line without the blanks
+// at its end and with any other control character as a blank; no empty line at the start or
+// the end, and no two in a row.
+std::vector<std::wstring> textLines(const _eString& text) {
+    std::vector<std::wstring> lines(1);
+    std::wstring whole = toWString(text);
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        wchar_t c = whole[i];
+        bool lineEnd = c == L'\n' || c == L'\r' || c == L'\v' || c == L'\f' || c == 0x85 || c == 0x2028 || c == 0x2029;
+        if (!lineEnd) {
+            lines.back().push_back(c != L'\t' && (c < 0x20 || c == 0x7f) ? L' ' : c);
+            continue;
+        }
+        if (c == L'\r' && i + 1 < whole.size() && whole[i + 1] == L'\n') ++i;
+        lines.emplace_back();
+    }
+    std::vector<std::wstring> out;
+    for (std::wstring& line : lines) {
+        line.erase(line.find_last_not_of(L" \t") + 1);
+        if (line.empty() && (out.empty() || out.back().empty())) continue;
+        out.push_back(line);
+    }
+    while (!out.empty() && out.back().empty()) out.pop_back();
+    return out;
+}
+
+// The lines of a text, each without its leading blanks, joined by blanks.
+std::wstring oneLine(const _eString& text) {
+    std::wstring out;
+    for (const std::wstring& line : textLines(text))
+        if (std::size_t start = line.find_first_not_of(L" \t"); start != std::wstring::npos)
+            out += (out.empty() ? L"" : L" ") + line.substr(start);
+    return out;
+}
+
+// A comment of one line of text: "// " and the line, "//" alone for an empty one. A line comment
+// ends only at a line end, and the text has none left, so nothing in it can end the comment early.
+Piece commentLine(const std::wstring& line) {
+    return {_eString((line.empty() ? L"//" : L"// " + line).c_str()), TokenKind::note};
+}
+
+Output comments(const std::vector<std::wstring>& lines) {
+    Output out = none();
+    for (const std::wstring& line : lines) out = out + tokens({commentLine(line)});
+    return out;
+}
+
+// The comment lines that stand before a declaration: each line of the documentation, then each
+// constraint as "constraint NAME (LANGUAGE): BODY", a body of several lines continued below.
+Output notesBefore(const NotesRecord& notes) {
+    Output out = notes.documentation ? comments(textLines(*notes.documentation)) : none();
+    for (const ConstraintRecord& constraint : notes.constraints) {
+        std::wstring head = L"constraint";
+        std::wstring name = oneLine(ClassRenderer::nameText(constraint.name, false));
+        std::wstring language = constraint.language ? oneLine(*constraint.language) : std::wstring();
+        if (!name.empty()) head += L" " + name;
+        if (!language.empty()) head += L" (" + language + L")";
+        head += L":";
+        std::vector<std::wstring> body = textLines(constraint.body);
+        if (!body.empty()) head += L" " + body.front().substr(body.front().find_first_not_of(L" \t"));
+        out = out + tokens({commentLine(head)});
+        for (std::size_t i = 1; i < body.size(); ++i) out = out + tokens({commentLine(body[i])});
+    }
+    return out;
+}
+
 // The part under its section keyword, which belongs to the class `id`, or nothing when it is empty.
 Output headed(const _eString& id, const wchar_t* keyword, const Output& part) {
     return part->isEmpty() ? none() : tokens({keyword})->declared(id, DeclarationPart::section) + part;
@@ -272,15 +338,17 @@ _eString ClassRenderer::literalText(const _eString& value) {
 // type and multiplicity with a selector.
 _eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& attribute) {
     _eString name = nameOrUnknown(attribute.name, true);
+    Output notes = notesBefore(attribute.notes);
     if (attribute.changeability == Changeability::frozen)
         return stateWithAccessor(
             attribute.visibility, attribute.id,
-            tokens({L"const", modelName(name), L"^=",
-                    attribute.initialValue ? Piece(literalText(*attribute.initialValue), TokenKind::literal) : unknown(),
-                    L";"}),
+            notes + tokens({L"const", modelName(name), L"^=",
+                            attribute.initialValue ? Piece(literalText(*attribute.initialValue), TokenKind::literal)
+                                                   : unknown(),
+                            L";"}),
             tokens({L"function", modelName(name), L";"}));
     return stateWithAccessor(attribute.visibility, attribute.id,
-                             tokens({L"var", modelName(name), L":"}) +
+                             notes + tokens({L"var", modelName(name), L":"}) +
                                  multiplicityType(attribute.multiplicity, attribute.type, false) + tokens({L";"}),
                              tokens({L"selector", modelName(name), L";"}));
 }
@@ -322,7 +390,7 @@ _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& 
         }
     }
     return placed(sectionFor(operation.visibility),
-                  (prefix + body + tokens({L";"}))->declared(operation.id, DeclarationPart::member));
+                  (notesBefore(operation.notes) + prefix + body + tokens({L";"}))->declared(operation.id, DeclarationPart::member));
 }
 
 // Members for the navigable far ends of a two-ended association, the first end's first.
@@ -334,18 +402,39 @@ _eHndl<TarvaneSections> ClassRenderer::associationSections(const AssociationReco
     return endSections(first, second, classId)->merge(*endSections(second, first, classId));
 }
 
+// An enumeration: "class NAME ^= enum" and its literals separated by ",", each after its notes,
+// then "end;".
+_eHndl<TarvaneOutput> ClassRenderer::enumerationDeclaration(const ClassRecord& record) {
+    Output head = notesBefore(record.notes) + tokens({L"class", modelName(typeName(record.name)), L"^=", L"enum"});
+    for (std::size_t i = 0; i < record.literals.size(); ++i) {
+        const LiteralRecord& literal = record.literals[i];
+        head = head + (i > 0 ? tokens({L","}) : none()) + notesBefore(literal.notes) +
+               tokens({modelName(nameOrUnknown(literal.name, true))});
+    }
+    return head->declared(record.id, DeclarationPart::classHead) +
+           tokens({L"end", L";"})->declared(record.id, DeclarationPart::classEnd);
+}
+
 // Features in their order, then the members from associations, each part under its keyword
 // in the order abstract, confined, interface; a class without members still has "interface".
+// An interface is a deferred class whose operations are all deferred; the interfaces a class
+// realises follow its parents in its inherits list.
 _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record) {
+    if (record.kind == ClassKind::enumeration) return enumerationDeclaration(record);
+    bool isInterface = record.kind == ClassKind::interface;
     _eString name = typeName(record.name);
     Sections sections = TarvaneSections::empty();
     for (const FeatureRecord& feature : record.features)
         sections = sections->merge(*std::visit(
             [&](const auto& member) -> Sections {
-                if constexpr (std::is_same_v<std::decay_t<decltype(member)>, AttributeRecord>)
+                if constexpr (std::is_same_v<std::decay_t<decltype(member)>, AttributeRecord>) {
                     return attributeSections(member);
-                else
-                    return operationSections(member, name);
+                } else {
+                    if (!isInterface) return operationSections(member, name);
+                    OperationRecord deferred = member;
+                    deferred.isAbstract = true;
+                    return operationSections(deferred, name);
+                }
             },
             feature));
     for (const AssociationRecord& association : record.associations)
@@ -357,13 +446,19 @@ _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record)
     Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty()
                               ? tokens({L"interface"})->declared(id, DeclarationPart::section) + interfacePart
                               : headed(id, L"interface", interfacePart);
-    Output prefix = record.isLeaf ? tokens({L"final"}) : record.isAbstract ? tokens({L"deferred"}) : none();
+    Output prefix = isInterface     ? tokens({L"deferred"})
+                    : record.isLeaf ? tokens({L"final"})
+                    : record.isAbstract ? tokens({L"deferred"})
+                                        : none();
     Output inherits = none();
-    for (std::size_t i = 0; i < record.parents.size(); ++i) {
-        const TypeRecord& parent = record.parents[i].parent;
+    std::vector<const GeneralizationRecord*> supertypes;
+    for (const GeneralizationRecord& parent : record.parents) supertypes.push_back(&parent);
+    for (const GeneralizationRecord& realization : record.realizations) supertypes.push_back(&realization);
+    for (std::size_t i = 0; i < supertypes.size(); ++i) {
+        const TypeRecord& parent = supertypes[i]->parent;
         inherits = inherits + tokens({i == 0 ? L"inherits" : L",", parent.resolved() ? modelName(referenceName(parent)) : unknown()});
     }
-    Output head = (prefix + tokens({L"class", modelName(name), L"^="}) + inherits)
+    Output head = (notesBefore(record.notes) + prefix + tokens({L"class", modelName(name), L"^="}) + inherits)
                       ->declared(id, DeclarationPart::classHead);
     Output body = headed(id, L"abstract", abstractPart) + headed(id, L"confined", confinedPart) + interfaceOut +
                   tokens({L"end", L";"})->declared(id, DeclarationPart::classEnd);

@@ -3,8 +3,9 @@
 // its kind and each member's run a declaration tagged with the id of its model element: the
 // class declaration with its modifiers, `inherits` list and sections; attributes as variables
 // or constants with their accessors; operations as constructors, schemas, functions or
-// operators; the members that associations give; multiplicities as collection types; literals;
-// names with the reserved-word escape and the names of the built-in and library data types.
+// operators; the members that associations give; enumerations and interfaces; the model's
+// documentation and constraints as comments before what they document; multiplicities as
+// collection types; literals; names with the reserved-word escape and the names of the built-in and library data types.
 // Layout into lines is the business of the output writer.
 #pragma once
 
@@ -16,6 +17,8 @@ public:
     // The declaration of one class: modifiers, "class NAME ^=", the inherits list, the
     // sections, "end;".
     static _eHndl<TarvaneOutput> classDeclaration(const ClassRecord& record);
+    // The declaration of an enumeration: "class NAME ^= enum", its literals, "end;".
+    static _eHndl<TarvaneOutput> enumerationDeclaration(const ClassRecord& record);
 
     // The name that a class or data type is known by: in types, in inherits lists, in the class
     // list and as a file name. Never escaped; "boolean" reads "bool", "float" and "double" "real".

@@ -2,6 +2,8 @@
 // reference is followed, and the forms of the model that are read.
 #pragma once
 
+#include <memory>
+
 #include "runtime/Class.h"
 #include "xml/XMLcontent.h"
 
@@ -12,13 +14,28 @@
 // straight under their class, whose "type" attributes name their types rather than refer to them.
 enum class MemberForms { specified, every, everyByName };
 
+// The kinds of model elements that are declared beyond classes, and what is read beside each
+// declaration; none as specified.
+struct ModelParts {
+    bool enumerations = false;
+    bool interfaces = false;
+    bool associationClasses = false;
+    bool documentation = false;
+    bool constraints = false;
+
+    bool operator==(const ModelParts&) const = default;
+};
+
+class ModelAnnotations;
+
 class Context : public _eClass<Context, _eAny> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule1, 0};
 
     // On the empty dictionary.
     Context();
-    explicit Context(const _eHndl<XMLDictionary>& dictionary, MemberForms forms = MemberForms::specified);
+    explicit Context(const _eHndl<XMLDictionary>& dictionary, MemberForms forms = MemberForms::specified,
+                     ModelParts parts = {});
     Context(const Context& other);
     ~Context() override;
 
@@ -33,10 +50,18 @@ public:
     const _eHndl<XMLDictionary>& getDictionary() const { return dictionary; }
     MemberForms getForms() const { return forms; }
     bool everyForm() const { return forms != MemberForms::specified; }
-    // The same dictionary, reading `other` forms.
-    _eHndl<Context> reading(MemberForms other) const;
+    const ModelParts& getParts() const { return parts; }
+    // The same dictionary, reading `other` forms and `otherParts`.
+    _eHndl<Context> reading(MemberForms other) const { return reading(other, parts); }
+    _eHndl<Context> reading(MemberForms other, const ModelParts& otherParts) const;
+    // What the model says about its elements from elsewhere (comments, constraints,
+    // realisations); null where none is read.
+    const ModelAnnotations* getAnnotations() const { return annotations.get(); }
+    _eHndl<Context> withAnnotations(std::shared_ptr<const ModelAnnotations> index) const;
 
 private:
     _eHndl<XMLDictionary> dictionary;
     MemberForms forms = MemberForms::specified;
+    ModelParts parts;
+    std::shared_ptr<const ModelAnnotations> annotations;
 };

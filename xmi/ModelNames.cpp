@@ -77,7 +77,7 @@ ModelNames::ModelNames(const ModelClasses& found, const ModelReader& reader) {
     std::set<std::wstring> reported;
     for (std::size_t i = 0; i < all.size(); ++i) {
         byElement.emplace(all[i].element, given[i]);
-        _eString id = all[i].element->ownId();
+        _eString id = reader.elementId(*all[i].element);
         if (!id.isEmpty()) byId.emplace(toWString(id), given[i]);
         if (!(given[i] == all[i].written) && reported.insert(toWString(all[i].written + L"\n" + given[i])).second)
             changes.push_back({all[i].written, given[i]});
@@ -130,6 +130,8 @@ TypeRecord ModelNames::type(TypeRecord type) const {
 ClassRecord ModelNames::apply(ClassRecord record, const XMLElement& element) const {
     record.name = NameRecord::plain(className(element));
     for (GeneralizationRecord& parent : record.parents) parent.parent = type(parent.parent);
+    for (GeneralizationRecord& realization : record.realizations) realization.parent = type(realization.parent);
+    for (LiteralRecord& literal : record.literals) literal.name = memberName(literal.name);
     for (FeatureRecord& feature : record.features) {
         if (auto* attribute = std::get_if<AttributeRecord>(&feature)) {
             attribute->name = memberName(attribute->name);
@@ -170,6 +172,8 @@ std::vector<ModelNames::Change> ModelNames::memberChanges(const ClassRecord& wri
         compare(before.name, after.name);
         for (std::size_t k = 0; k < before.parameters.size(); ++k) compare(before.parameters[k].name, after.parameters[k].name);
     }
+    for (std::size_t i = 0; i < written.literals.size() && i < given.literals.size(); ++i)
+        compare(written.literals[i].name, given.literals[i].name);
     for (std::size_t i = 0; i < written.associations.size(); ++i)
         for (std::size_t k = 0; k < written.associations[i].ends.size(); ++k)
             compare(written.associations[i].ends[k].name, given.associations[i].ends[k].name);

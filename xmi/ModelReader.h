@@ -71,6 +71,9 @@ public:
     // (a tool's own records).
     virtual _eString definedKind(const XMLElement& element, bool& descend) const = 0;
 
+    // The id of an element that `definedKind` tells, as the dialect writes ids.
+    virtual _eString elementId(const XMLElement& element) const = 0;
+
     // The classes of the document, found by one walk from its root.
     ModelClasses classes() const;
     // The name a class element is known by: its key among the classes.
@@ -79,6 +82,11 @@ public:
     // The reader of the document of `root`: the first row of the table that the extensions of
     // `source` leave on and that recognises the document.
     static std::shared_ptr<const ModelReader> choose(const XMLElement& root, const ModelSource& source);
+    // What the extensions declare and read beyond classes.
+    static ModelParts partsOf(const ImportExtensions& extensions) {
+        return {extensions.enumerations, extensions.interfaces, extensions.associationClasses, extensions.documentation,
+                extensions.constraints};
+    }
 
 protected:
     explicit ModelReader(const XMLElement& root) : root(const_cast<XMLElement*>(&root)) {}

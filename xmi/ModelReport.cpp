@@ -1,6 +1,7 @@
 #include "xmi/ModelReport.h"
 
 #include <map>
+#include <variant>
 
 #include "runtime/StringUtils.h"
 #include "xmi/XmiHelpers.h"
@@ -33,7 +34,24 @@ constexpr std::size_t firstItems = 5;
 
 }  // namespace
 
-std::vector<ReportKind> ModelReport::elementsLeftOut(const XMLElement& root, const ModelReader& reader) {
+void ModelReport::addCarried(const ClassRecord& record, std::unordered_set<std::wstring>& carried) {
+    auto add = [&](const _eString& id) {
+        if (!id.isEmpty()) carried.insert(toWString(id));
+    };
+    auto addNotes = [&](const NotesRecord& notes) {
+        for (const _eString& id : notes.commentIds) add(id);
+        for (const ConstraintRecord& constraint : notes.constraints) add(constraint.id);
+    };
+    add(record.id);
+    addNotes(record.notes);
+    for (const GeneralizationRecord& realization : record.realizations) add(realization.id);
+    for (const LiteralRecord& literal : record.literals) addNotes(literal.notes);
+    for (const FeatureRecord& feature : record.features)
+        std::visit([&](const auto& member) { addNotes(member.notes); }, feature);
+}
+
+std::vector<ReportKind> ModelReport::elementsLeftOut(const XMLElement& root, const ModelReader& reader,
+                                                     const std::unordered_set<std::wstring>& carried) {
     std::vector<ReportKind> kinds;
     std::map<std::wstring, std::size_t> byMetaclass;
     for (const LeftOutKind& kind : leftOutKinds()) {
@@ -46,7 +64,7 @@ std::vector<ReportKind> ModelReport::elementsLeftOut(const XMLElement& root, con
             bool descend = true;
             _eString metaclass = reader.definedKind(element, descend);
             auto at = metaclass.isEmpty() ? byMetaclass.end() : byMetaclass.find(toWString(metaclass));
-            if (at != byMetaclass.end()) {
+            if (at != byMetaclass.end() && (carried.empty() || !carried.count(toWString(reader.elementId(element))))) {
                 NameRecord name = reader.readName(element);
                 kinds[at->second].items.push_back(
                     name.form == NameRecord::attribute && !trimSpaces(name.text).isEmpty() ? name.text : _eString(L"?"));

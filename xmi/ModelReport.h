@@ -7,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "xmi/ModelNames.h"
@@ -24,6 +25,11 @@ public:
     static _eSeq<_eString> lines(const std::vector<ReportKind>& kinds, bool everyItem);
 
     // The elements of the document of `root` that no declaration is made for, by the kind each
-    // is, as `reader` tells the kinds of elements.
-    static std::vector<ReportKind> elementsLeftOut(const XMLElement& root, const ModelReader& reader);
+    // is, as `reader` tells the kinds of elements: all but those whose ids are `carried`
+    // (declared, or taken into the text of a declaration).
+    static std::vector<ReportKind> elementsLeftOut(const XMLElement& root, const ModelReader& reader,
+                                                   const std::unordered_set<std::wstring>& carried = {});
+    // The ids of the model elements whose text `record` carries: the class, its members and
+    // literals, the realisations, comments and constraints taken into it.
+    static void addCarried(const ClassRecord& record, std::unordered_set<std::wstring>& carried);
 };

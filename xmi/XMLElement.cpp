@@ -75,7 +75,7 @@ TypeRecord XMLElement::readType(const _eString& elementName, const _eHndl<Contex
 // its id is the name of the type.
 TypeRecord XMLElement::typeOfAttribute(const _eString& text, const _eHndl<Context>& context) {
     _eFrom<XMLElement> found = context->lookup(text);
-    if (!found.isNull()) return found->typeRecord(context);
+    if (!found.isNull()) return typeOfTarget(*found, context);
     if (context->getForms() == MemberForms::everyByName && !text.isEmpty())
         return {TypeRecord::named, NameRecord::plain(text), false, {}};
     return unresolvedType;
@@ -85,7 +85,16 @@ TypeRecord XMLElement::typeOfAttribute(const _eString& text, const _eHndl<Contex
 // `referencedId` gave: it reads "?".
 TypeRecord XMLElement::referencedType(const _eHndl<Context>& context) const {
     _eFrom<XMLElement> found = context->lookup(content->referencedId(context));
-    return found.isNull() ? unresolvedType : found->typeRecord(context);
+    return found.isNull() ? unresolvedType : typeOfTarget(*found, context);
+}
+
+TypeRecord XMLElement::typeOfTarget(const XMLElement& target, const _eHndl<Context>& context) {
+    const ModelParts& parts = context->getParts();
+    if (parts.interfaces && textIs(target.getName(), L"UML:Interface"))
+        return {TypeRecord::classType, target.readName(), false, target.ownId()};
+    if (parts.associationClasses && textIs(target.getName(), L"UML:AssociationClass"))
+        return {TypeRecord::classType, target.readName(), XmiWords::flag(target.isLeaf(context)), target.ownId()};
+    return target.typeRecord(context);
 }
 
 // In every form, "multiplicity" as an XML attribute: "0..*", "1..n", "1", or "*" for 0..*.

@@ -64,8 +64,12 @@ public:
     // A flag as written, or, where it is left out ("?") and every form is read, the older
     // attribute `olderName` ("1" or "true" for true).
     _eString flagOrOlder(const _eString& written, const wchar_t* olderName, const _eHndl<Context>& context) const;
-    // The text that documents the element, if the model gives one.
-    std::optional<_eString> documentation(const _eHndl<Context>& context) const;
+    // What the model says beside the element's declaration, as far as the context's parts ask:
+    // the text that documents it, and the constraints on it.
+    NotesRecord notes(const _eHndl<Context>& context) const;
+    // What a reference to `target` reads as in a type: a declared interface as a class that isn't
+    // a leaf, a declared association class as a class; anything else as the element says.
+    static TypeRecord typeOfTarget(const XMLElement& target, const _eHndl<Context>& context);
     // An element built from a tag of the vocabulary, not an `UnrecognisedElement`.
     bool isRecognised() const;
 
@@ -195,9 +199,12 @@ public:
     using _eClass::_eClass;
     bool equalFields(const FCAssociationElement& other) const { return XMLElement::equalFields(other); }
 
-    AssociationRecord read(const _eHndl<Context>& context) const;
+    AssociationRecord read(const _eHndl<Context>& context) const { return read(*this, context); }
     // The ids that the ends refer to: the classes that the association involves.
-    Names endTypeIds(const _eHndl<Context>& context) const;
+    Names endTypeIds(const _eHndl<Context>& context) const { return endTypeIds(*this, context); }
+    // The same of any element written as an association is: an association class.
+    static AssociationRecord read(const XMLElement& association, const _eHndl<Context>& context);
+    static Names endTypeIds(const XMLElement& association, const _eHndl<Context>& context);
 
 private:
     // Where an end names its type: the children `elementName`, or in every form an id in an XML
@@ -214,7 +221,7 @@ private:
     };
     // The elements at "UML:Association.connection", "UML:AssociationEnd" that name their type,
     // each with where it does.
-    std::vector<EndReference> ends(const _eHndl<Context>& context) const;
+    static std::vector<EndReference> ends(const XMLElement& association, const _eHndl<Context>& context);
 };
 
 // "UML:Generalization": known through the dictionary, wherever it stands.

@@ -3,6 +3,9 @@
 // does.
 #include "xmi/Xmi1Reader.h"
 
+#include <algorithm>
+#include <cwctype>
+
 #include "runtime/StringUtils.h"
 #include "xmi/ClassRenderer.h"
 #include "xmi/XMLDictionary.h"
@@ -31,14 +34,20 @@ std::optional<_eString> taggedValue(const XMLElement& element, const wchar_t* ta
         const XMLElement& value = *values.get(i);
         std::optional<_eString> name = value.propertyText(L"tag", L"UML:TaggedValue.tag", context);
         ElementSeq definitions = value.getContent()->elementsAtPath({L"UML:TaggedValue.type", L"UML:TagDefinition"});
-        if (!name && definitions.size() == 1 && definitions.get(0)->hasAttribute(L"xmi.idref")) {
-            _eFrom<XMLElement> definition = context->lookup(definitions.get(0)->attributeText(L"xmi.idref", context));
+        std::optional<_eString> definitionId;
+        if (definitions.size() == 1 && definitions.get(0)->hasAttribute(L"xmi.idref"))
+            definitionId = definitions.get(0)->attributeText(L"xmi.idref", context);
+        else if (context->getParts().documentation && value.hasAttribute(L"type"))
+            definitionId = value.attributeText(L"type", context);
+        if (!name && definitionId) {
+            _eFrom<XMLElement> definition = context->lookup(*definitionId);
             if (!definition.isNull()) name = definition->readName().text;
         }
         if (!name || !textIs(*name, tag)) continue;
         if (std::optional<_eString> text = value.propertyText(L"value", L"UML:TaggedValue.value", context)) return text;
         ElementSeq data = value.getContent()->childrenNamed(L"UML:TaggedValue.dataValue");
         if (data.size() == 1) return data.get(0)->getContent()->text();
+        if (value.hasAttribute(L"dataValue")) return value.attributeText(L"dataValue", context);
     }
     return std::nullopt;
 }
@@ -58,13 +67,100 @@ MemberForms formsOf(const ImportExtensions& extensions) {
 
 }  // namespace
 
-// What documents an element: its tagged value "documentation", else the "comment" attribute
-// that some exporters write; in every form also a "documentation" attribute.
-std::optional<_eString> XMLElement::documentation(const _eHndl<Context>& context) const {
-    if (std::optional<_eString> text = taggedValue(*this, L"documentation", context)) return text;
-    static const _eString comment = L"comment";
-    if (hasAttribute(comment)) return attributeText(comment, context);
-    return olderAttribute(L"documentation", context);
+namespace {
+
+// The ids an element refers to in its XML attribute `attribute` (a list), else by the
+// "xmi.idref" of the elements within its children `holder`, in order.
+std::vector<_eString> referencedIds(const XMLElement& element, const wchar_t* attribute, const wchar_t* holder,
+                                    const _eHndl<Context>& context) {
+    std::vector<_eString> ids;
+    if (element.hasAttribute(attribute)) {
+        _eSeq<_eString> words = XmiNames::words(element.attributeText(attribute, context));
+        for (int i = 0, n = words.size(); i < n; ++i) ids.push_back(words.get(i));
+        return ids;
+    }
+    ElementSeq holders = element.getContent()->childrenNamed(holder);
+    for (int i = 0, n = holders.size(); i < n; ++i) {
+        ElementSeq inner = holders.get(i)->getContent()->childElements();
+        for (int k = 0, m = inner.size(); k < m; ++k)
+            if (inner.get(k)->hasAttribute(L"xmi.idref")) ids.push_back(inner.get(k)->attributeText(L"xmi.idref", context));
+    }
+    return ids;
+}
+
+// The text of a comment: its body, by attribute or child; older exporters write it as the name.
+_eString commentText(const XMLElement& comment, const _eHndl<Context>& context) {
+    if (std::optional<_eString> body = comment.propertyText(L"body", L"UML:Comment.body", context)) return *body;
+    NameRecord name = comment.readName();
+    return name.form == NameRecord::attribute || name.form == NameRecord::element ? name.text : _eString();
+}
+
+// A constraint with the body and language of its expression, by attribute or child.
+ConstraintRecord readConstraint(const XMLElement& constraint, const _eHndl<Context>& context) {
+    ConstraintRecord record;
+    record.id = idOf(constraint);
+    record.name = constraint.readName();
+    const XMLElement* expression = &constraint;
+    ElementSeq bodies = constraint.getContent()->childrenNamed(L"UML:Constraint.body");
+    if (bodies.size() == 1 && !bodies.get(0)->getContent()->childElements().isEmpty())
+        expression = bodies.get(0)->getContent()->childElements().get(0).get();
+    std::optional<_eString> body = expression->propertyText(L"body", L"UML:Expression.body", context);
+    if (!body && bodies.size() == 1) body = bodies.get(0)->getContent()->text();
+    record.body = body.value_or(_eString());
+    record.language = expression->propertyText(L"language", L"UML:Expression.language", context);
+    return record;
+}
+
+bool isRealizeWord(const _eString& word) {
+    std::wstring text = toWString(trimSpaces(word));
+    for (wchar_t& c : text) c = wchar_t(std::towlower(c));
+    return text == L"realize" || text == L"realization" || text == L"realizes" || text == L"implements";
+}
+
+// A dependency that says its client realises its supplier: stereotyped «realize» by reference,
+// by name or by a stereotype that lists it, or an abstraction without a stereotype.
+bool isRealization(const XMLElement& dependency, const Names& realizeExtended, const _eHndl<Context>& context) {
+    if (realizeExtended.contains(idOf(dependency))) return true;
+    std::vector<_eString> names;
+    for (const _eString& id : referencedIds(dependency, L"stereotype", L"UML:ModelElement.stereotype", context)) {
+        _eFrom<XMLElement> stereotype = context->lookup(id);
+        names.push_back(stereotype.isNull() ? id : stereotype->readName().text);
+    }
+    ElementSeq written = dependency.getContent()->elementsAtPath({L"UML:ModelElement.stereotype", L"UML:Stereotype"});
+    for (int i = 0, n = written.size(); i < n; ++i)
+        if (!written.get(i)->hasAttribute(L"xmi.idref")) names.push_back(written.get(i)->readName().text);
+    if (names.empty()) return textIs(dependency.getName(), L"UML:Abstraction");
+    return std::any_of(names.begin(), names.end(), isRealizeWord);
+}
+
+}  // namespace
+
+// What the element says of itself: its tagged value "documentation" (the tag by name or by a tag
+// definition, the value by attribute or child), the "comment" attribute some exporters write,
+// or older ones "documentation"; comments it refers to and constraints it owns; then what
+// the document says of it elsewhere.
+NotesRecord XMLElement::notes(const _eHndl<Context>& context) const {
+    NotesRecord notes;
+    const ModelParts& parts = context->getParts();
+    if (parts.documentation) {
+        if (std::optional<_eString> text = taggedValue(*this, L"documentation", context))
+            ModelAnnotations::addDocumentation(notes, *text);
+        for (const wchar_t* attribute : {L"comment", L"documentation"})
+            if (hasAttribute(attribute)) ModelAnnotations::addDocumentation(notes, attributeText(attribute, context));
+        for (const _eString& id : referencedIds(*this, L"comment", L"UML:ModelElement.comment", context)) {
+            _eFrom<XMLElement> comment = context->lookup(id);
+            if (comment.isNull()) continue;
+            ModelAnnotations::addDocumentation(notes, commentText(*comment, context));
+            notes.commentIds.push_back(id);
+        }
+    }
+    if (parts.constraints)
+        for (const _eString& id : referencedIds(*this, L"constraint", L"UML:ModelElement.constraint", context)) {
+            _eFrom<XMLElement> constraint = context->lookup(id);
+            if (!constraint.isNull()) notes.constraints.push_back(readConstraint(*constraint, context));
+        }
+    if (context->getAnnotations() != nullptr) context->getAnnotations()->addTo(notes, ownId(), parts);
+    return notes;
 }
 
 bool Xmi1Reader::readsDocument() const { return root->getName() == _eString(L"XMI"); }
@@ -83,20 +179,114 @@ bool Xmi1Reader::isPackage(const XMLElement& element) const {
     return element.getName() == _eString(L"UML:Package") || element.getName() == _eString(L"UML:Subsystem");
 }
 
+bool Xmi1Reader::isDeclaredBeyondClasses(const XMLElement& element) const {
+    if (!element.hasAttribute(L"xmi.id") || element.hasAttribute(L"xmi.idref")) return false;
+    const _eString& tag = element.getName();
+    if (parts.interfaces && textIs(tag, L"UML:Interface")) return true;
+    if (parts.associationClasses && textIs(tag, L"UML:AssociationClass")) return true;
+    if (!parts.enumerations || !textIs(tag, L"UML:Enumeration")) return false;
+    return !element.getContent()->childrenNamed(L"UML:EnumerationLiteral").isEmpty() ||
+           !element.getContent()->elementsAtPath({L"UML:Enumeration.literal", L"UML:EnumerationLiteral"}).isEmpty();
+}
+
+// One walk, outside the tools' records: comments and constraints by the elements they name (or,
+// naming none, the element they stand in), realisations of interfaces by their clients, and
+// association classes by the classes at their ends.
+std::shared_ptr<const ModelAnnotations> Xmi1Reader::annotations(const _eHndl<Context>& context) const {
+    std::call_once(annotationsGathered, [&] {
+        auto index = std::make_shared<ModelAnnotations>();
+        std::vector<_eString> owners{_eString()};
+        std::vector<const XMLElement*> dependencies;
+        Names realizeExtended;
+        walkTree(
+            *root,
+            [&](const XMLElement& element) {
+                const _eString& tag = element.getName();
+                _eString id = element.hasAttribute(L"xmi.idref") ? _eString() : idOf(element);
+                auto targets = [&](const wchar_t* attribute, const wchar_t* holder) {
+                    std::vector<_eString> named = referencedIds(element, attribute, holder, context);
+                    return named.empty() ? std::vector<_eString>{owners.back()} : named;
+                };
+                if (!id.isEmpty() && parts.documentation && textIs(tag, L"UML:Comment"))
+                    for (const _eString& target : targets(L"annotatedElement", L"UML:Comment.annotatedElement"))
+                        index->addComment(target, id, commentText(element, context));
+                if (!id.isEmpty() && parts.constraints && textIs(tag, L"UML:Constraint"))
+                    for (const _eString& target : targets(L"constrainedElement", L"UML:Constraint.constrainedElement"))
+                        index->addConstraint(target, readConstraint(element, context));
+                if (!id.isEmpty() && parts.interfaces) {
+                    if (textIs(tag, L"UML:Stereotype") && isRealizeWord(element.readName().text))
+                        for (const _eString& extended :
+                             referencedIds(element, L"extendedElement", L"UML:Stereotype.extendedElement", context))
+                            realizeExtended.add(extended);
+                    if (textIs(tag, L"UML:Abstraction") || textIs(tag, L"UML:Dependency") || textIs(tag, L"UML:Realization"))
+                        dependencies.push_back(&element);
+                }
+                if (!id.isEmpty() && parts.associationClasses && textIs(tag, L"UML:AssociationClass")) {
+                    Names ends = FCAssociationElement::endTypeIds(element, context);
+                    for (int i = 0, n = ends.size(); i < n; ++i) index->addAssociationClass(ends.at(i), &element);
+                }
+                owners.push_back(id.isEmpty() ? owners.back() : id);
+                return textIs(tag, L"XMI.extension") ? ElementSeq() : element.getContent()->childElements();
+            },
+            [&](const XMLElement&) { owners.pop_back(); });
+        for (const XMLElement* dependency : dependencies) {
+            if (!isRealization(*dependency, realizeExtended, context)) continue;
+            for (const _eString& supplierId : referencedIds(*dependency, L"supplier", L"UML:Dependency.supplier", context)) {
+                _eFrom<XMLElement> supplier = context->lookup(supplierId);
+                if (supplier.isNull() || !textIs(supplier->getName(), L"UML:Interface")) continue;
+                for (const _eString& client : referencedIds(*dependency, L"client", L"UML:Dependency.client", context))
+                    index->addRealization(client, {idOf(*dependency), XMLElement::typeOfTarget(*supplier, context)});
+            }
+        }
+        gathered = index;
+    });
+    return gathered;
+}
+
+// A class, an interface or an association class with its features, the associations that
+// involve it, its parents, the interfaces it realises; an enumeration with its literals; each
+// with its notes, as far as the parts ask.
 ClassRecord Xmi1Reader::readClass(const FoundClass& found, const _eHndl<Context>& context) const {
-    _eHndl<Context> reading = context->reading(forms);
-    ClassRecord record = FCClassElement::readClass(*found.element, reading);
-    record.documentation = found.element->documentation(reading);
+    const XMLElement& element = *found.element;
+    _eHndl<Context> reading = context->reading(forms, parts);
+    bool annotated = parts.documentation || parts.constraints || parts.interfaces || parts.associationClasses;
+    if (annotated) reading = reading->withAnnotations(annotations(reading));
+    ClassRecord record = FCClassElement::readClass(element, reading);
     record.packagePath = found.packagePath;
+    const _eString& tag = element.getName();
+    if (textIs(tag, L"UML:Interface")) record.kind = ClassKind::interface;
+    if (textIs(tag, L"UML:AssociationClass")) record.kind = ClassKind::associationClass;
+    if (textIs(tag, L"UML:Enumeration")) {
+        record.kind = ClassKind::enumeration;
+        ElementSeq literals = element.getContent()->elementsAtPath({L"UML:Enumeration.literal", L"UML:EnumerationLiteral"});
+        literals = literals.concat(element.getContent()->childrenNamed(L"UML:EnumerationLiteral"));
+        for (int i = 0, n = literals.size(); i < n; ++i)
+            record.literals.push_back({idOf(*literals.get(i)), literals.get(i)->readName(), literals.get(i)->notes(reading)});
+    }
+    if (!annotated) return record;
+    record.notes = element.notes(reading);
+    if (!element.hasAttribute(L"xmi.id")) return record;
+    if (parts.interfaces) {
+        const ModelAnnotations& index = *reading->getAnnotations();
+        record.realizations = index.realizationsOf(record.id);
+        for (const _eString& id : referencedIds(element, L"realization", L"UML:Class.realization", reading)) {
+            _eFrom<XMLElement> target = reading->lookup(id);
+            if (!target.isNull() && textIs(target->getName(), L"UML:Interface"))
+                record.realizations.push_back({id, XMLElement::typeOfTarget(*target, reading)});
+        }
+    }
+    if (parts.associationClasses)
+        for (const XMLElement* association : reading->getAnnotations()->associationClassesAt(record.id))
+            if (association != &element) record.associations.push_back(FCAssociationElement::read(*association, reading));
     return record;
 }
 
 std::shared_ptr<const ModelReader> Xmi1PathReader::recognise(const XMLElement& root, const ModelSource& source) {
-    return std::make_shared<const Xmi1PathReader>(root, formsOf(source.extensions));
+    return std::make_shared<const Xmi1PathReader>(root, formsOf(source.extensions), partsOf(source.extensions));
 }
 
 bool Xmi1PathReader::isClass(const XMLElement& element) const {
-    return element.isRecognised() && element.getName() == _eString(L"UML:Class");
+    return (element.isRecognised() && element.getName() == _eString(L"UML:Class")) || isDeclaredBeyondClasses(element);
 }
 
 ElementSeq Xmi1PathReader::descent(const XMLElement& element) const {
@@ -109,19 +299,28 @@ ElementSeq Xmi1PathReader::descent(const XMLElement& element) const {
         m.put(L"UML:Package", Names(_eString(L"UML:Namespace.ownedElement"), _eString(L"UML:Package")));
         return m;
     }();
+    static const Names declared(_eString(L"UML:Interface"), _eString(L"UML:AssociationClass"), _eString(L"UML:Enumeration"));
     if (!element.isRecognised()) return {};
     auto [index, end] = steps.lookup(element.getName());
-    return index == end ? ElementSeq() : element.getContent()->childrenInSet(steps.elements().get(index).second);
+    if (index == end) return {};
+    ElementSeq path = element.getContent()->childrenInSet(steps.elements().get(index).second);
+    if (!(parts == ModelParts()) && textIs(element.getName(), L"UML:Namespace.ownedElement")) {
+        ElementSeq beyond = element.getContent()->childrenInSet(declared);
+        for (int i = 0, n = beyond.size(); i < n; ++i)
+            if (isDeclaredBeyondClasses(*beyond.get(i))) path.pushBack(beyond.get(i));
+    }
+    return path;
 }
 
 std::shared_ptr<const ModelReader> Xmi1AnywhereReader::recognise(const XMLElement& root,
                                                                  const ModelSource& source) {
-    return std::make_shared<const Xmi1AnywhereReader>(root, formsOf(source.extensions));
+    return std::make_shared<const Xmi1AnywhereReader>(root, formsOf(source.extensions), partsOf(source.extensions));
 }
 
 bool Xmi1AnywhereReader::isClass(const XMLElement& element) const {
-    return element.getName() == _eString(L"UML:Class") && element.hasAttribute(L"xmi.id") &&
-           !element.hasAttribute(L"xmi.idref");
+    return (element.getName() == _eString(L"UML:Class") && element.hasAttribute(L"xmi.id") &&
+            !element.hasAttribute(L"xmi.idref")) ||
+           isDeclaredBeyondClasses(element);
 }
 
 ElementSeq Xmi1AnywhereReader::descent(const XMLElement& element) const {
@@ -181,7 +380,7 @@ AttributeRecord FCAttributeElement::read(const _eHndl<Context>& context) const {
         record.initialValue = olderInitialValue(*this, context);
     record.type = readType(L"UML:StructuralFeature.type", context);
     record.multiplicity = readMultiplicity(L"UML:StructuralFeature.multiplicity", context);
-    record.documentation = documentation(context);
+    record.notes = notes(context);
     return record;
 }
 
@@ -202,7 +401,7 @@ OperationRecord FCOperationElement::read(const _eHndl<Context>& context) const {
     for (int i = 0, n = all.size(); i < n; ++i) record.parameters.push_back(readParameter(*all.get(i), context));
     if (std::optional<ParameterRecord> result = olderResult(context, record.parameters))
         record.parameters.push_back(*result);
-    record.documentation = documentation(context);
+    record.notes = notes(context);
     return record;
 }
 
@@ -250,8 +449,9 @@ ParameterRecord FCOperationElement::readParameter(const XMLElement& parameter, c
 
 // An end names its type by the child "UML:AssociationEnd.type"; in every form also by the child
 // "UML:AssociationEnd.participant", or by the XML attribute "type" or "participant".
-std::vector<FCAssociationElement::EndReference> FCAssociationElement::ends(const _eHndl<Context>& context) const {
-    ElementSeq all = getContent()->elementsAtPath({L"UML:Association.connection", L"UML:AssociationEnd"});
+std::vector<FCAssociationElement::EndReference> FCAssociationElement::ends(const XMLElement& association,
+                                                                          const _eHndl<Context>& context) {
+    ElementSeq all = association.getContent()->elementsAtPath({L"UML:Association.connection", L"UML:AssociationEnd"});
     std::vector<EndReference> named;
     for (int i = 0, n = all.size(); i < n; ++i) {
         EndReference reference{all.get(i).get(), L"UML:AssociationEnd.type", {}, {}};
@@ -272,16 +472,16 @@ _eString FCAssociationElement::EndReference::id(const _eHndl<Context>& context) 
     return attributeId ? *attributeId : elements.get(0)->getContent()->referencedId(context);
 }
 
-Names FCAssociationElement::endTypeIds(const _eHndl<Context>& context) const {
+Names FCAssociationElement::endTypeIds(const XMLElement& association, const _eHndl<Context>& context) {
     Names ids;
-    for (const EndReference& reference : ends(context)) ids.add(reference.id(context));
+    for (const EndReference& reference : ends(association, context)) ids.add(reference.id(context));
     return ids;
 }
 
-AssociationRecord FCAssociationElement::read(const _eHndl<Context>& context) const {
+AssociationRecord FCAssociationElement::read(const XMLElement& association, const _eHndl<Context>& context) {
     AssociationRecord record;
-    record.id = idOf(*this);
-    for (const EndReference& reference : ends(context)) {
+    record.id = idOf(association);
+    for (const EndReference& reference : ends(association, context)) {
         const XMLElement& end = *reference.end;
         AssociationEndRecord endRecord;
         endRecord.id = idOf(end);
@@ -325,9 +525,18 @@ const Names& FCGeneralizationElement::innerNames() {
 // "supertype".
 _eString FCGeneralizationElement::endId(const Names& elementNames, const wchar_t* attribute, const wchar_t* older,
                                         const _eHndl<Context>& context) const {
+    // Where interfaces and association classes are declared, they are ends of generalizations too.
+    static const Names declaredNames = [] {
+        Names names = innerNames();
+        names.add(L"UML:Interface");
+        names.add(L"UML:AssociationClass");
+        return names;
+    }();
     for (const wchar_t* name : {attribute, older})
         if (std::optional<_eString> id = olderAttribute(name, context)) return *id;
-    return getContent()->grandchildAttributeInSet(elementNames, innerNames(), L"xmi.idref", context);
+    const ModelParts& parts = context->getParts();
+    const Names& inner = parts.interfaces || parts.associationClasses ? declaredNames : innerNames();
+    return getContent()->grandchildAttributeInSet(elementNames, inner, L"xmi.idref", context);
 }
 
 _eString FCGeneralizationElement::childId(const _eHndl<Context>& context) const {

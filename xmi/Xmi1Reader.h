@@ -3,6 +3,9 @@
 // (xmi/XMLElement.h) and the id dictionary; they differ in where they look.
 #pragma once
 
+#include <mutex>
+
+#include "xmi/ModelAnnotations.h"
 #include "xmi/ModelReader.h"
 
 class Xmi1Reader : public ModelReader {
@@ -18,14 +21,28 @@ public:
     _eString definedKind(const XMLElement& element, bool& descend) const override;
     // In every form, the ids of the tools' records are left out.
     bool countsExtensionIds() const override { return forms == MemberForms::specified; }
+    _eString elementId(const XMLElement& element) const override { return element.ownId(); }
 
 protected:
-    Xmi1Reader(const XMLElement& root, MemberForms forms) : ModelReader(root), forms(forms) {}
+    Xmi1Reader(const XMLElement& root, MemberForms forms, ModelParts parts)
+        : ModelReader(root), forms(forms), parts(parts) {}
 
     // "UML:Package" and "UML:Subsystem".
     bool isPackage(const XMLElement& element) const override;
+    // An element with an id, not a reference, of a kind declared beyond classes: an interface,
+    // an association class, an enumeration with literals.
+    bool isDeclaredBeyondClasses(const XMLElement& element) const;
 
     MemberForms forms;  // the forms of members read
+    ModelParts parts;   // what is declared and read beyond classes
+
+private:
+    // What the document says about its elements from elsewhere, gathered on first use through
+    // the dictionary of `context`.
+    std::shared_ptr<const ModelAnnotations> annotations(const _eHndl<Context>& context) const;
+
+    mutable std::once_flag annotationsGathered;
+    mutable std::shared_ptr<const ModelAnnotations> gathered;
 };
 
 // The one path of an XMI 1.x document: "XMI", "XMI.content", "UML:Model",
@@ -34,8 +51,8 @@ protected:
 // count: a reference or an empty-element tag stops the path.
 class Xmi1PathReader : public Xmi1Reader {
 public:
-    explicit Xmi1PathReader(const XMLElement& root, MemberForms forms = MemberForms::specified)
-        : Xmi1Reader(root, forms) {}
+    explicit Xmi1PathReader(const XMLElement& root, MemberForms forms = MemberForms::specified, ModelParts parts = {})
+        : Xmi1Reader(root, forms, parts) {}
     // Every document: the path reader is the last row of the table.
     static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ModelSource& source = {});
 
@@ -49,8 +66,9 @@ protected:
 // start tag or as an empty-element tag. A class that holds another comes first, whole.
 class Xmi1AnywhereReader : public Xmi1Reader {
 public:
-    explicit Xmi1AnywhereReader(const XMLElement& root, MemberForms forms = MemberForms::specified)
-        : Xmi1Reader(root, forms) {}
+    explicit Xmi1AnywhereReader(const XMLElement& root, MemberForms forms = MemberForms::specified,
+                                ModelParts parts = {})
+        : Xmi1Reader(root, forms, parts) {}
     // Every document, as the path reader: an XMI 1.x document and anything not XMI 2.
     static std::shared_ptr<const ModelReader> recognise(const XMLElement& root, const ModelSource& source = {});
 

@@ -58,7 +58,10 @@ std::shared_ptr<const ModelReader> Xmi2Reader::recognise(const XMLElement& root,
 
 Xmi2Reader::Xmi2Reader(const XMLElement& root, const _eString& xmiPrefix, const Names& umlPrefixes,
                        const ModelSource& source)
-    : ModelReader(root), vocabulary(xmiPrefix, umlPrefixes), idrefKey(xmiPrefix + L":idref") {
+    : ModelReader(root),
+      vocabulary(xmiPrefix, umlPrefixes),
+      idrefKey(xmiPrefix + L":idref"),
+      parts(partsOf(source.extensions)) {
     if (source.extensions.crossFileTypes) libraries = std::make_shared<TypeLibraries>(source);
     findClasses();
 }
@@ -122,9 +125,11 @@ void Xmi2Reader::findClasses() {
             if (!done.ofModel) return;
             bool holds = !done.holding.isEmpty();
             if (holds) holding[&element] = done.holding;
-            bool isClassElement = textIs(done.kind, L"Class") && defines(element);
+            bool isClassElement = declares(done.kind) && defines(element) &&
+                                  (!textIs(done.kind, L"Enumeration") || !vocabulary.properties(element, L"ownedLiteral").isEmpty());
             if (isClassElement) classElements.insert(&element);
-            if (textIs(done.kind, L"Association")) associationElements.push_back(&element);
+            if (textIs(done.kind, L"Association") || (parts.associationClasses && textIs(done.kind, L"AssociationClass")))
+                associationElements.push_back(&element);
             if (!open.empty() && (holds || isClassElement))
                 open.back().holding.pushBack(const_cast<XMLElement*>(&element));
         });
@@ -136,6 +141,7 @@ const Xmi2Reader::Lookups& Xmi2Reader::lookups() const {
         auto tables = std::make_unique<Lookups>();
         tables->ids = IdIndex(*root, vocabulary.idKey());
         for (const XMLElement* element : associationElements) indexAssociation(*element, *tables);
+        if (!(parts == ModelParts())) gatherAnnotations(*tables);
         built = std::move(tables);
     });
     return *built;
@@ -168,12 +174,22 @@ NameRecord Xmi2Reader::readName(const XMLElement& element) const {
     return name ? NameRecord::plain(*name) : NameRecord();
 }
 
-// A class reads as a class, anything else by its name.
+bool Xmi2Reader::declares(const _eString& kind) const {
+    return textIs(kind, L"Class") || (parts.interfaces && textIs(kind, L"Interface")) ||
+           (parts.associationClasses && textIs(kind, L"AssociationClass")) ||
+           (parts.enumerations && textIs(kind, L"Enumeration"));
+}
+
+// A class reads as a class, and so does a declared interface (never a leaf) or association
+// class; anything else by its name.
 TypeRecord Xmi2Reader::typeOfElement(const XMLElement& target) const {
     TypeRecord record;
+    _eString kind = vocabulary.metaclass(target);
     record.name = readName(target);
-    record.kind = textIs(vocabulary.metaclass(target), L"Class") ? TypeRecord::classType : TypeRecord::named;
-    record.leaf = record.kind == TypeRecord::classType && XmiWords::flag(vocabulary.property(target, L"isLeaf", L"false"));
+    bool isInterface = parts.interfaces && textIs(kind, L"Interface");
+    bool classLike = textIs(kind, L"Class") || isInterface || (parts.associationClasses && textIs(kind, L"AssociationClass"));
+    record.kind = classLike ? TypeRecord::classType : TypeRecord::named;
+    record.leaf = classLike && !isInterface && XmiWords::flag(vocabulary.property(target, L"isLeaf", L"false"));
     record.id = vocabulary.id(target);
     return record;
 }
@@ -187,8 +203,12 @@ TypeRecord Xmi2Reader::readReference(const XMLElement& element, const wchar_t* n
     if (written.size() != 1) return unresolvedType;
     const XMLElement& reference = *written.get(0);
     if (reference.hasAttribute(idrefKey)) return idType(reference.attributeText(idrefKey, Context::shared()));
-    if (reference.hasAttribute(L"href")) return hrefType(reference.attributeText(L"href", Context::shared()));
-    return unresolvedType;
+    if (!reference.hasAttribute(L"href")) return unresolvedType;
+    TypeRecord type = hrefType(reference.attributeText(L"href", Context::shared()));
+    // An interface in another file reads as a class that isn't a leaf, as one in this file does.
+    if (parts.interfaces && type.resolved() && textIs(vocabulary.metaclass(reference), L"Interface"))
+        type.kind = TypeRecord::classType;
+    return type;
 }
 
 _eString Xmi2Reader::typeId(const XMLElement& element) const {
@@ -256,7 +276,7 @@ AttributeRecord Xmi2Reader::readAttribute(const XMLElement& element) const {
     record.initialValue = defaultValue(element);
     record.type = readReference(element, L"type");
     record.multiplicity = readMultiplicity(element);
-    record.documentation = vocabulary.documentation(element);
+    record.notes = readNotes(element);
     return record;
 }
 
@@ -288,7 +308,7 @@ OperationRecord Xmi2Reader::readOperation(const XMLElement& element) const {
     record.scope = XmiWords::flag(vocabulary.property(element, L"isStatic", L"false")) ? Scope::classifier : Scope::instance;
     ElementSeq parameters = vocabulary.properties(element, L"ownedParameter");
     for (int i = 0, n = parameters.size(); i < n; ++i) record.parameters.push_back(readParameter(*parameters.get(i)));
-    record.documentation = vocabulary.documentation(element);
+    record.notes = readNotes(element);
     return record;
 }
 
@@ -344,16 +364,26 @@ void Xmi2Reader::indexAssociation(const XMLElement& element, Lookups& tables) co
 }
 
 // Its attributes, then its operations, then the members its associations give, then its
-// generalizations' parents, each in document order.
+// generalizations' parents and the interfaces it realises, each in document order; an
+// enumeration's literals.
 ClassRecord Xmi2Reader::readClass(const FoundClass& found, const _eHndl<Context>&) const {
     const XMLElement& element = *found.element;
     ClassRecord record;
+    _eString kind = vocabulary.metaclass(element);
+    if (textIs(kind, L"Interface")) record.kind = ClassKind::interface;
+    if (textIs(kind, L"AssociationClass")) record.kind = ClassKind::associationClass;
+    if (textIs(kind, L"Enumeration")) record.kind = ClassKind::enumeration;
     record.id = vocabulary.id(element);
     record.name = readName(element);
     record.isLeaf = XmiWords::flag(vocabulary.property(element, L"isLeaf", L"false"));
     record.isAbstract = XmiWords::flag(vocabulary.property(element, L"isAbstract", L"false"));
-    record.documentation = vocabulary.documentation(element);
+    record.notes = readNotes(element);
     record.packagePath = found.packagePath;
+    ElementSeq literals = vocabulary.properties(element, L"ownedLiteral");
+    for (int i = 0, n = literals.size(); i < n; ++i) {
+        const XMLElement& literal = *literals.get(i);
+        record.literals.push_back({vocabulary.id(literal), readName(literal), readNotes(literal)});
+    }
     ElementSeq attributes = vocabulary.properties(element, L"ownedAttribute");
     for (int i = 0, n = attributes.size(); i < n; ++i)
         if (!isAssociationEnd(*attributes.get(i))) record.features.emplace_back(readAttribute(*attributes.get(i)));
@@ -363,10 +393,122 @@ ClassRecord Xmi2Reader::readClass(const FoundClass& found, const _eHndl<Context>
     for (int i = 0, n = generalizations.size(); i < n; ++i)
         record.parents.push_back({vocabulary.id(*generalizations.get(i)), readReference(*generalizations.get(i), L"general")});
     if (!element.hasAttribute(vocabulary.idKey())) return record;
+    if (parts.interfaces) record.realizations = readRealizations(record.id);
     const Lookups& tables = lookups();
     auto at = tables.byClassId.find(toWString(record.id));
     if (at != tables.byClassId.end())
         for (int index : at->second)
-            record.associations.push_back(readAssociation(tables.associations[std::size_t(index)]));
+            if (!(tables.associations[std::size_t(index)].id == record.id))
+                record.associations.push_back(readAssociation(tables.associations[std::size_t(index)]));
     return record;
+}
+
+NotesRecord Xmi2Reader::readNotes(const XMLElement& element) const {
+    NotesRecord notes;
+    if (parts.documentation || parts.constraints) lookups().annotations.addTo(notes, vocabulary.id(element), parts);
+    return notes;
+}
+
+// The body of its specification: the bodies of an opaque expression, one per line, with its
+// language; the value of any other.
+ConstraintRecord Xmi2Reader::readConstraint(const XMLElement& element) const {
+    ConstraintRecord record;
+    record.id = vocabulary.id(element);
+    record.name = readName(element);
+    ElementSeq specifications = vocabulary.properties(element, L"specification");
+    if (specifications.size() != 1) return record;
+    const XMLElement& specification = *specifications.get(0);
+    if (specification.hasAttribute(L"body")) record.body = specification.attributeText(L"body", Context::shared());
+    ElementSeq bodies = vocabulary.properties(specification, L"body");
+    for (int i = 0, n = bodies.size(); i < n; ++i)
+        record.body = record.body + (i > 0 ? L"\n" : L"") + bodies.get(i)->getContent()->text();
+    if (specification.hasAttribute(L"body") || !bodies.isEmpty()) {
+        std::optional<_eString> language = vocabulary.property(specification, L"language");
+        if (!language) {
+            ElementSeq languages = vocabulary.properties(specification, L"language");
+            if (!languages.isEmpty()) language = languages.get(0)->getContent()->text();
+        }
+        record.language = language;
+    } else {
+        record.body = vocabulary.property(specification, L"value", L"");
+    }
+    return record;
+}
+
+// A realisation names an interface by its "contract", else its "supplier"; an interface
+// realisation always counts, any other realisation only when it names an interface.
+std::vector<GeneralizationRecord> Xmi2Reader::readRealizations(const _eString& classId) const {
+    std::vector<GeneralizationRecord> out;
+    const Lookups& tables = lookups();
+    auto at = tables.realizations.find(toWString(classId));
+    if (at == tables.realizations.end()) return out;
+    for (const XMLElement* realization : at->second) {
+        const wchar_t* property = vocabulary.property(*realization, L"contract") ||
+                                          !vocabulary.properties(*realization, L"contract").isEmpty()
+                                      ? L"contract"
+                                      : L"supplier";
+        bool named = textIs(vocabulary.metaclass(*realization), L"InterfaceRealization") ||
+                     textIs(XmiNames::local(realization->getName()), L"interfaceRealization");
+        _eSeq<_eString> ids = vocabulary.references(*realization, property);
+        ElementSeq written = vocabulary.properties(*realization, property);
+        if (ids.size() == 1 && !lookup(ids.get(0)).isNull())
+            named = named || textIs(vocabulary.metaclass(*lookup(ids.get(0))), L"Interface");
+        else if (written.size() == 1)
+            named = named || textIs(vocabulary.metaclass(*written.get(0)), L"Interface");
+        if (named) out.push_back({vocabulary.id(*realization), readReference(*realization, property)});
+    }
+    return out;
+}
+
+// One walk over the whole document, the tools' records too: what stands in an element names it
+// when it names nothing else.
+void Xmi2Reader::gatherAnnotations(Lookups& tables) const {
+    struct Open {
+        _eString owner;  // the innermost element with an id
+        bool foreign;    // within an element of another namespace
+    };
+    std::vector<Open> open{{_eString(), false}};
+    walkTree(
+        *root,
+        [&](const XMLElement& element) {
+            bool ofModel = true;
+            _eString kind = &element == root.get() ? _eString() : vocabulary.metaclass(element, ofModel);
+            ofModel = ofModel && !open.back().foreign;
+            _eString tag = local(element.getName());
+            _eString id = vocabulary.id(element);
+            auto targets = [&](const wchar_t* property) {
+                _eSeq<_eString> named = vocabulary.references(element, property);
+                std::vector<_eString> out;
+                for (int i = 0, n = named.size(); i < n; ++i) out.push_back(named.get(i));
+                if (out.empty()) out.push_back(open.back().owner);
+                return out;
+            };
+            if (!ofModel) {
+                // A tool's record of a model element ("xmi:idref"): its documentation as a
+                // property or as the value of a child.
+                if (element.hasAttribute(idrefKey)) {
+                    _eString target = element.attributeText(idrefKey, Context::shared());
+                    ElementSeq children = element.getContent()->childElements();
+                    for (int i = 0, n = children.size(); i < n; ++i) {
+                        const XMLElement& child = *children.get(i);
+                        if (textIs(child.getName(), L"properties") && child.hasAttribute(L"documentation"))
+                            tables.annotations.addComment(target, {}, child.attributeText(L"documentation", Context::shared()));
+                        if (textIs(child.getName(), L"documentation") && child.hasAttribute(L"value"))
+                            tables.annotations.addComment(target, {}, child.attributeText(L"value", Context::shared()));
+                    }
+                }
+            } else if (textIs(kind, L"Comment") || textIs(tag, L"ownedComment")) {
+                for (const _eString& target : targets(L"annotatedElement"))
+                    tables.annotations.addComment(target, id, vocabulary.property(element, L"body", L""));
+            } else if (textIs(kind, L"Constraint") || textIs(tag, L"ownedRule")) {
+                for (const _eString& target : targets(L"constrainedElement"))
+                    tables.annotations.addConstraint(target, readConstraint(element));
+            } else if (textIs(kind, L"InterfaceRealization") || textIs(kind, L"Realization") ||
+                       textIs(tag, L"interfaceRealization")) {
+                for (const _eString& client : targets(L"client")) tables.realizations[toWString(client)].push_back(&element);
+            }
+            open.push_back({id.isEmpty() ? open.back().owner : id, !ofModel});
+            return element.getContent()->childElements();
+        },
+        [&](const XMLElement&) { open.pop_back(); });
 }

@@ -14,6 +14,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "xmi/ModelAnnotations.h"
 #include "xmi/ModelReader.h"
 #include "xmi/XmiHelpers.h"
 
@@ -39,6 +40,7 @@ public:
     _eString definedKind(const XMLElement& element, bool& descend) const override;
     // The attribute "name", else the text of one child "name"; else none.
     NameRecord readName(const XMLElement& element) const override;
+    _eString elementId(const XMLElement& element) const override { return vocabulary.id(element); }
 
 protected:
     // A "Class" of UML with an id that refers to nothing else, outside other namespaces.
@@ -85,6 +87,13 @@ private:
     AssociationRecord readAssociation(const Association& association) const;
     // An owned attribute that is the end of an association rather than an attribute.
     bool isAssociationEnd(const XMLElement& element) const;
+    // The metaclass `kind` is declared: a class, or what the parts declare beyond classes.
+    bool declares(const _eString& kind) const;
+    // What the document says beside the element's declaration, as far as the parts ask.
+    NotesRecord readNotes(const XMLElement& element) const;
+    ConstraintRecord readConstraint(const XMLElement& element) const;
+    // The interfaces that the realisations of a class name, in document order.
+    std::vector<GeneralizationRecord> readRealizations(const _eString& classId) const;
 
     // What generation looks up: built on its first use, so that listing the classes costs no
     // more than the walk that finds them.
@@ -93,9 +102,14 @@ private:
         std::vector<Association> associations;               // in document order
         std::map<std::wstring, std::vector<int>> byClassId;  // the associations at each class id
         Names endIds;                                        // every member end of an association
+        ModelAnnotations annotations;                        // comments and constraints by what they name
+        std::map<std::wstring, std::vector<const XMLElement*>> realizations;  // by the ids of their clients
     };
     const Lookups& lookups() const;
     void indexAssociation(const XMLElement& element, Lookups& tables) const;
+    // Comments, constraints and realisations by the elements they name or stand in, and the
+    // documentation a tool keeps in its own records.
+    void gatherAnnotations(Lookups& tables) const;
     _eFrom<XMLElement> lookup(const _eString& id) const { return lookups().ids.find(id); }
 
     // The walk over the document that finds its classes, what holds them, and its associations.
@@ -109,6 +123,7 @@ private:
     mutable std::once_flag lookupsBuilt;
     mutable std::unique_ptr<Lookups> built;
     std::shared_ptr<TypeLibraries> libraries;  // with types across files; null without
+    ModelParts parts;                          // what is declared and read beyond classes
     mutable std::mutex unresolvedLock;
     mutable std::vector<UnresolvedReference> unresolved;  // in the order first met
     mutable std::unordered_set<std::wstring> unresolvedSeen;

@@ -147,7 +147,6 @@ _eString XMLDocument::classId(const _eString& className) const {
 // only then.
 std::vector<ReportKind> XMLDocument::leftOut(const Names& builtInNames, bool searchedAnywhere) const {
     if (!analysed || !modelReader().readsDocument()) return {};
-    std::vector<ReportKind> kinds = ModelReport::elementsLeftOut(*root, modelReader());
     ReportKind dropped{L"classes dropped by the built-in names (Boolean, Byte, Character, Double, Integer, String, "
                        L"bag, bool, map, pair, real, seq, set, triple)", {}};
     ReportKind elsewhere{L"classes off the one path of XMI 1.x, which the search anywhere finds", {}};
@@ -167,6 +166,7 @@ std::vector<ReportKind> XMLDocument::leftOut(const Names& builtInNames, bool sea
     if (names)
         for (const ModelNames::Change& change : names->classChanges()) rename(change);
     _eHndl<Context> context = generationContext();
+    std::unordered_set<std::wstring> carried;
     for (const FoundClass& each : found.inOrder) {
         _eString name = nameOf(*each.element);
         if (builtInNames.contains(name)) {
@@ -174,6 +174,7 @@ std::vector<ReportKind> XMLDocument::leftOut(const Names& builtInNames, bool sea
             continue;
         }
         ClassRecord written = modelReader().readClass(each, context);
+        ModelReport::addCarried(written, carried);
         ClassRecord given = names ? names->apply(written, *each.element) : written;
         if (names)
             for (const ModelNames::Change& change : ModelNames::memberChanges(written, given)) rename(change);
@@ -191,6 +192,7 @@ std::vector<ReportKind> XMLDocument::leftOut(const Names& builtInNames, bool sea
     }
     for (const auto& [file, count] : byFile)
         unresolved.items.push_back(fromPlatformText(file) + L" (" + intToString(count) + L")");
+    std::vector<ReportKind> kinds = ModelReport::elementsLeftOut(*root, modelReader(), carried);
     for (ReportKind* kind : {&dropped, &elsewhere, &unresolved, &placeholders, &renamed}) kinds.push_back(*kind);
     return kinds;
 }

@@ -25,6 +25,16 @@ const Names& classifierNames() {
     return names;
 }
 
+// With enumerations declared, a reference to one is a classifier too.
+const Names& classifierOrEnumerationNames() {
+    static const Names names = [] {
+        Names all = classifierNames();
+        all.add(L"UML:Enumeration");
+        return all;
+    }();
+    return names;
+}
+
 }  // namespace
 
 XMLcontent::XMLcontent(const _eHndl<Location>& location) : _eClass(location) {}
@@ -42,8 +52,9 @@ ElementSeq XMLcontent::childElements() const {
 bool XMLcontent::hasChild(const _eString& name) const { return !childrenNamed(name).isEmpty(); }
 
 _eString XMLcontent::referencedId(const _eHndl<Context>& context) const {
-    ElementSeq candidates = childrenInSet(classifierNames());
-    if (candidates.size() != 1) return missingOrDuplicate(classifierNames(), candidates.size());
+    const Names& names = context->getParts().enumerations ? classifierOrEnumerationNames() : classifierNames();
+    ElementSeq candidates = childrenInSet(names);
+    if (candidates.size() != 1) return missingOrDuplicate(names, candidates.size());
     const _eFrom<XMLElement>& candidate = candidates.get(0);
     if (candidate->hasAttribute(L"xmi.idref")) return candidate->requiredAttribute(L"xmi.idref", context);
     return candidate->getContent()->grandchildAttribute(L"UML:Namespace.ownedElement", L"UML:DataType", L"xmi.idref",

@@ -80,6 +80,25 @@ struct ImportExtensions {
     // declaration is made for, classes dropped or off the path, references left unresolved,
     // placeholders and names changed. Off by default: nothing is said.
     bool reportLeftOut = false;
+    // Enumerations ("UML:Enumeration", "uml:Enumeration") are declared as classes of their
+    // literals, "class Colour ^= enum red, green, blue end;", listed and written like classes;
+    // one without literals is left out. Off by default: an enumeration is only a type's name.
+    bool enumerations = false;
+    // Interfaces are declared as deferred classes whose operations are all deferred, and a
+    // class lists the interfaces it realises in its "inherits" after its parents; a type that
+    // is an interface reads as a class that isn't a leaf ("from I"). Off by default.
+    bool interfaces = false;
+    // Association classes are declared as classes with their own attributes and operations,
+    // and give the classes at their ends members as any association does. Off by default.
+    bool associationClasses = false;
+    // The documentation of a class, interface, enumeration, attribute, operation or literal
+    // stands as comment lines before its declaration, in every form tools write it (tagged
+    // values, comment attributes, comments that annotate the element, a tool's own records).
+    // Off by default.
+    bool documentation = false;
+    // A constraint on a class or a member stands before its declaration as the comment
+    // "// constraint NAME (LANGUAGE): BODY". Off by default.
+    bool constraints = false;
 };
 
 static_assert(std::is_trivially_copyable_v<ImportExtensions>, "extensions are copied as bytes up to their size");
@@ -110,6 +129,14 @@ inline constexpr ImportSwitch importSwitches[] = {
     {"cross-file-types", &ImportExtensions::crossFileTypes, 256u,
      "read the names of types that a model refers to in other files and well-known libraries"},
     {"report", &ImportExtensions::reportLeftOut, 512u, "say what the text leaves out of the model"},
+    {"enumerations", &ImportExtensions::enumerations, 1024u, "declare enumerations as classes of their literals"},
+    {"interfaces", &ImportExtensions::interfaces, 2048u,
+     "declare interfaces as deferred classes, and list the interfaces a class realises"},
+    {"association-classes", &ImportExtensions::associationClasses, 4096u,
+     "declare association classes with their own members"},
+    {"documentation", &ImportExtensions::documentation, 8192u,
+     "put the model's documentation before each declaration as comments"},
+    {"constraints", &ImportExtensions::constraints, 16384u, "put the model's constraints before their declarations as comments"},
 };
 
 // Every switch on: what the command line, the facade, the C API and Python read with unless

@@ -52,6 +52,11 @@ enum {
     MB_SAFE_NAMES = 128,       /* every name an identifier; same-named classes told apart */
     MB_CROSS_FILE_TYPES = 256, /* types in other files and well-known libraries read by name */
     MB_REPORT = 512,           /* what the text leaves out, as diagnostics of information */
+    MB_ENUMERATIONS = 1024,    /* enumerations declared as classes of their literals */
+    MB_INTERFACES = 2048,      /* interfaces declared as deferred classes, realisations inherited */
+    MB_ASSOCIATION_CLASSES = 4096, /* association classes declared with their own members */
+    MB_DOCUMENTATION = 8192,   /* the model's documentation as comments before declarations */
+    MB_CONSTRAINTS = 16384,    /* the model's constraints as comments before declarations */
     MB_SPECIFIED = 0x40000000  /* no extension, whatever the other flags say */
 };
 

@@ -72,14 +72,15 @@ int main(int argc, char** argv) {
     CHECK(options.size == sizeof options && options.line_width == 0 &&
           options.flags == (MB_XMI2 | MB_ANYWHERE | MB_PLAIN_MODEL_TEXT | MB_DECODE_REFERENCES | MB_EVERY_FORM |
                             MB_DECODE_ENCODINGS | MB_SAFE_NAMES | MB_CROSS_FILE_TYPES |
-                            MB_REPORT | MB_REPRODUCIBLE));
+                            MB_REPORT | MB_ENUMERATIONS | MB_INTERFACES | MB_ASSOCIATION_CLASSES |
+                            MB_DOCUMENTATION | MB_CONSTRAINTS | MB_REPRODUCIBLE));
     options.line_width = 5;
     CHECK(mb_parse_with(model_path, &options, &model) == MB_INVALID_ARGUMENT);
     mb_free(model);
     options.size = 1;
     CHECK(mb_parse_with(model_path, &options, &model) == MB_INVALID_ARGUMENT && model == NULL);
-    CHECK(mb_switch_count() == 9 && strcmp(mb_switch_name(3), "decode-references") == 0);
-    CHECK(mb_switch_flag(4) == MB_EVERY_FORM && mb_switch_name(9) == NULL && mb_switch_flag(-1) == 0);
+    CHECK(mb_switch_count() == 14 && strcmp(mb_switch_name(3), "decode-references") == 0);
+    CHECK(mb_switch_flag(4) == MB_EVERY_FORM && mb_switch_name(14) == NULL && mb_switch_flag(-1) == 0);
 
     /* Every extension by default: a class in a subsystem is found; MB_SPECIFIED turns them all off. */
     char nested[4096];

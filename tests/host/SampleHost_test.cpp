@@ -222,7 +222,7 @@ TEST_F(SampleHost, HelpManualAndReadmeAgree) {
     HostRun help = run("--help");
     EXPECT_EQ(help.status, 0);
     std::set<std::string> named = optionsAndCodes(help.out);
-    EXPECT_EQ(named.size(), 42u + 3u);
+    EXPECT_EQ(named.size(), 52u + 3u);
     EXPECT_EQ(named, optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/examples/modelbridge-gen.1.in")));
     std::set<std::string> codes = optionsAndCodes(readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/README.md"));
     for (const char* code : {"0", "1", "2"}) EXPECT_EQ(codes.count(code), 1u) << code;

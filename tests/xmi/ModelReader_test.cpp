@@ -21,6 +21,7 @@ struct Read {
         document = dynamic_cast<XMLDocument*>(o.result.get());
         ModelSource source;
         source.extensions = extensions;
+        source.extensions.documentation = true;
         reader = ModelReader::choose(*document->getRoot(), source);
         found = reader->classes();
         context = new Context(document->getRoot()->dictionary());
@@ -47,12 +48,12 @@ std::wstring documented(const _eString& id, const std::optional<_eString>& docum
 // "class:documentation attribute:documentation operation:documentation parameter ...
 // generalization ...", each element by its id.
 std::wstring idsAndDocumentation(const ClassRecord& record) {
-    std::wstring text = documented(record.id, record.documentation);
+    std::wstring text = documented(record.id, record.notes.documentation);
     for (const FeatureRecord& feature : record.features) {
         if (const auto* attribute = std::get_if<AttributeRecord>(&feature))
-            text += L" " + documented(attribute->id, attribute->documentation);
+            text += L" " + documented(attribute->id, attribute->notes.documentation);
         if (const auto* operation = std::get_if<OperationRecord>(&feature)) {
-            text += L" " + documented(operation->id, operation->documentation);
+            text += L" " + documented(operation->id, operation->notes.documentation);
             for (const ParameterRecord& parameter : operation->parameters) text += L" " + w(parameter.id);
         }
     }

@@ -25,15 +25,15 @@ const std::string model = readFile(std::string(MODELBRIDGE_TEST_DATA_DIR) + "/ex
 }  // namespace
 
 // Every kind once, with its items in document order; nothing of the tools' records; the
-// classes off the path only when they aren't searched for; nothing without the extension.
+// classes off the path only when they aren't searched for; nothing without the extension. The
+// interface and the association class are declared; the enumeration without literals, the
+// comment and the constraint that name no declared element are not.
 TEST(ModelReport, EveryKindSaidOnce) {
     ImportExtensions extensions = everyExtension();
     extensions.anywhere = false;
     std::vector<std::wstring> expected = {
         L"Left out: 1 enumerations not generated: Colour",
-        L"Left out: 1 interfaces not generated: Shape",
         L"Left out: 1 data types not generated: int",
-        L"Left out: 1 association classes not generated: Link",
         L"Left out: 1 dependencies not generated: uses",
         L"Left out: 1 constraints not generated: positive",
         L"Left out: 1 comments not generated: note",
@@ -52,6 +52,11 @@ TEST(ModelReport, EveryKindSaidOnce) {
     std::vector<std::wstring> anywhere = reportOf(model, extensions, false);
     EXPECT_EQ(anywhere.size(), expected.size() - 1);
     for (const std::wstring& line : anywhere) EXPECT_EQ(line.find(L"off the one path"), std::wstring::npos);
+
+    extensions.interfaces = extensions.associationClasses = false;
+    std::vector<std::wstring> undeclared = reportOf(model, extensions, false);
+    EXPECT_EQ(undeclared.at(1), L"Left out: 1 interfaces not generated: Shape");
+    EXPECT_EQ(undeclared.at(3), L"Left out: 1 association classes not generated: Link");
 
     extensions.reportLeftOut = false;
     EXPECT_TRUE(reportOf(model, extensions, true).empty());

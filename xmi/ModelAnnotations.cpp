@@ -1,0 +1,74 @@
+#include "xmi/ModelAnnotations.h"
+
+#include <algorithm>
+
+#include "runtime/StringUtils.h"
+
+template <class T>
+const std::vector<T>& ModelAnnotations::at(const std::unordered_map<std::wstring, std::vector<T>>& map,
+                                           const _eString& id) {
+    static const std::vector<T> none;
+    auto found = id.isEmpty() ? map.end() : map.find(toWString(id));
+    return found == map.end() ? none : found->second;
+}
+
+void ModelAnnotations::addComment(const _eString& target, const _eString& commentId, const _eString& text) {
+    if (!target.isEmpty() && !trimSpaces(text).isEmpty()) comments[toWString(target)].push_back({commentId, text});
+}
+
+void ModelAnnotations::addConstraint(const _eString& target, const ConstraintRecord& constraint) {
+    if (!target.isEmpty()) constraints[toWString(target)].push_back(constraint);
+}
+
+void ModelAnnotations::addRealization(const _eString& client, const GeneralizationRecord& realization) {
+    if (client.isEmpty()) return;
+    std::vector<GeneralizationRecord>& list = realizations[toWString(client)];
+    bool known = std::any_of(list.begin(), list.end(), [&](const GeneralizationRecord& each) {
+        return each.id == realization.id && each.parent.id == realization.parent.id;
+    });
+    if (!known) list.push_back(realization);
+}
+
+void ModelAnnotations::addAssociationClass(const _eString& classId, const XMLElement* element) {
+    std::vector<const XMLElement*>& list = associationClasses[toWString(classId)];
+    if (std::find(list.begin(), list.end(), element) == list.end()) list.push_back(element);
+}
+
+void ModelAnnotations::addDocumentation(NotesRecord& notes, const _eString& text) {
+    if (trimSpaces(text).isEmpty()) return;
+    if (!notes.documentation) {
+        notes.documentation = text;
+        return;
+    }
+    std::wstring whole = toWString(*notes.documentation);
+    std::wstring part = toWString(text);
+    if (whole == part || whole.find(L"\n\n" + part) != std::wstring::npos || whole.rfind(part + L"\n\n", 0) == 0) return;
+    notes.documentation = *notes.documentation + L"\n\n" + text;
+}
+
+void ModelAnnotations::addTo(NotesRecord& notes, const _eString& id, const ModelParts& parts) const {
+    auto seen = [&](const _eString& each) {
+        return std::find(notes.commentIds.begin(), notes.commentIds.end(), each) != notes.commentIds.end();
+    };
+    if (parts.documentation)
+        for (const Comment& comment : at(comments, id)) {
+            if (!comment.id.isEmpty() && seen(comment.id)) continue;
+            addDocumentation(notes, comment.text);
+            notes.commentIds.push_back(comment.id);
+        }
+    if (parts.constraints)
+        for (const ConstraintRecord& constraint : at(constraints, id)) {
+            bool known = std::any_of(notes.constraints.begin(), notes.constraints.end(), [&](const ConstraintRecord& each) {
+                return !each.id.isEmpty() && each.id == constraint.id;
+            });
+            if (!known) notes.constraints.push_back(constraint);
+        }
+}
+
+const std::vector<GeneralizationRecord>& ModelAnnotations::realizationsOf(const _eString& classId) const {
+    return at(realizations, classId);
+}
+
+const std::vector<const XMLElement*>& ModelAnnotations::associationClassesAt(const _eString& classId) const {
+    return at(associationClasses, classId);
+}

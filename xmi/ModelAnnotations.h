@@ -1,0 +1,47 @@
+// `ModelAnnotations`: what a model says about its elements from elsewhere than the elements
+// themselves, gathered in one walk over the document: comments that annotate an element,
+// constraints on it, the interfaces a class realises, the association classes at a class. Each
+// reader fills it from its own dialect; the records of a class take from it by id.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "xmi/ClassRecords.h"
+#include "xmi/Context.h"
+
+class XMLElement;
+
+class ModelAnnotations {
+public:
+    // The text of the comment `commentId` documents the element `target`.
+    void addComment(const _eString& target, const _eString& commentId, const _eString& text);
+    void addConstraint(const _eString& target, const ConstraintRecord& constraint);
+    // The class `client` realises the interface that `realization` names.
+    void addRealization(const _eString& client, const GeneralizationRecord& realization);
+    // The association class `element` has an end at the class `classId`.
+    void addAssociationClass(const _eString& classId, const XMLElement* element);
+
+    // `notes` with what is gathered for the element `id` and isn't in them yet, as far as
+    // `parts` asks: its comments joined to its documentation, then its constraints.
+    void addTo(NotesRecord& notes, const _eString& id, const ModelParts& parts) const;
+    // A text joined to the documentation in `notes` as a paragraph of its own, unless it is
+    // there already.
+    static void addDocumentation(NotesRecord& notes, const _eString& text);
+    const std::vector<GeneralizationRecord>& realizationsOf(const _eString& classId) const;
+    const std::vector<const XMLElement*>& associationClassesAt(const _eString& classId) const;
+
+private:
+    struct Comment {
+        _eString id;
+        _eString text;
+    };
+    template <class T>
+    static const std::vector<T>& at(const std::unordered_map<std::wstring, std::vector<T>>& map, const _eString& id);
+
+    std::unordered_map<std::wstring, std::vector<Comment>> comments;
+    std::unordered_map<std::wstring, std::vector<ConstraintRecord>> constraints;
+    std::unordered_map<std::wstring, std::vector<GeneralizationRecord>> realizations;
+    std::unordered_map<std::wstring, std::vector<const XMLElement*>> associationClasses;
+};
