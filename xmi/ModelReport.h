@@ -1,6 +1,7 @@
 // `ModelReport`: what the generated text will not carry of a model, by kind: the elements that
-// no declaration is made for (enumerations, interfaces, data types, association classes,
-// dependencies, constraints, comments, stereotypes, template parameters), the classes that the
+// no declaration is made for and that no declaration carries (enumerations, interfaces, data
+// types, association classes, dependencies, constraints, comments, stereotypes, template
+// parameters), the classes that the
 // built-in names drop, the classes off the one path of XMI 1.x when they aren't searched for,
 // references left unresolved, placeholders put into the text, and names changed. Each kind
 // counts its items and names them in document order.

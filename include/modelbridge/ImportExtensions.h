@@ -77,7 +77,7 @@ struct ImportExtensions {
     const char* const* libraryFolders = nullptr;
     std::uint32_t libraryFolderCount = 0;
     // The importer tells what the text leaves out (`getLeftOutReport`): elements no
-    // declaration is made for, classes dropped or off the path, references left unresolved,
+    // declaration is made for or carries, classes dropped or off the path, references left unresolved,
     // placeholders and names changed. Off by default: nothing is said.
     bool reportLeftOut = false;
     // Enumerations ("UML:Enumeration", "uml:Enumeration") are declared as classes of their
