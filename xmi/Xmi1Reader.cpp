@@ -111,24 +111,45 @@ ConstraintRecord readConstraint(const XMLElement& constraint, const _eHndl<Conte
     return record;
 }
 
+// The text, trimmed, is `word` whatever the case of its letters.
+bool isWord(const _eString& text, const wchar_t* word) {
+    std::wstring lower = toWString(trimSpaces(text));
+    for (wchar_t& c : lower) c = wchar_t(std::towlower(c));
+    return lower == word;
+}
+
 bool isRealizeWord(const _eString& word) {
-    std::wstring text = toWString(trimSpaces(word));
-    for (wchar_t& c : text) c = wchar_t(std::towlower(c));
-    return text == L"realize" || text == L"realization" || text == L"realizes" || text == L"implements";
+    return isWord(word, L"realize") || isWord(word, L"realization") || isWord(word, L"realizes") ||
+           isWord(word, L"implements");
+}
+
+// The names of the stereotypes of an element: referred to by id (in an attribute or a child), or
+// written within it; an id that names nothing is the stereotype's name, as some exporters write.
+std::vector<_eString> stereotypeNames(const XMLElement& element, const _eHndl<Context>& context) {
+    std::vector<_eString> names;
+    for (const _eString& id : referencedIds(element, L"stereotype", L"UML:ModelElement.stereotype", context)) {
+        _eFrom<XMLElement> stereotype = context->lookup(id);
+        names.push_back(stereotype.isNull() ? id : stereotype->readName().text);
+    }
+    ElementSeq written = element.getContent()->elementsAtPath({L"UML:ModelElement.stereotype", L"UML:Stereotype"});
+    for (int i = 0, n = written.size(); i < n; ++i)
+        if (!written.get(i)->hasAttribute(L"xmi.idref")) names.push_back(written.get(i)->readName().text);
+    return names;
+}
+
+// A class that some exporters write for an enumeration: stereotyped «enumeration», its
+// attributes its literals.
+bool isEnumerationClass(const XMLElement& element, const _eHndl<Context>& context) {
+    if (!textIs(element.getName(), L"UML:Class")) return false;
+    std::vector<_eString> names = stereotypeNames(element, context);
+    return std::any_of(names.begin(), names.end(), [](const _eString& name) { return isWord(name, L"enumeration"); });
 }
 
 // A dependency that says its client realises its supplier: stereotyped «realize» by reference,
 // by name or by a stereotype that lists it, or an abstraction without a stereotype.
 bool isRealization(const XMLElement& dependency, const Names& realizeExtended, const _eHndl<Context>& context) {
     if (realizeExtended.contains(idOf(dependency))) return true;
-    std::vector<_eString> names;
-    for (const _eString& id : referencedIds(dependency, L"stereotype", L"UML:ModelElement.stereotype", context)) {
-        _eFrom<XMLElement> stereotype = context->lookup(id);
-        names.push_back(stereotype.isNull() ? id : stereotype->readName().text);
-    }
-    ElementSeq written = dependency.getContent()->elementsAtPath({L"UML:ModelElement.stereotype", L"UML:Stereotype"});
-    for (int i = 0, n = written.size(); i < n; ++i)
-        if (!written.get(i)->hasAttribute(L"xmi.idref")) names.push_back(written.get(i)->readName().text);
+    std::vector<_eString> names = stereotypeNames(dependency, context);
     if (names.empty()) return textIs(dependency.getName(), L"UML:Abstraction");
     return std::any_of(names.begin(), names.end(), isRealizeWord);
 }
@@ -262,6 +283,12 @@ ClassRecord Xmi1Reader::readClass(const FoundClass& found, const _eHndl<Context>
         literals = literals.concat(element.getContent()->childrenNamed(L"UML:EnumerationLiteral"));
         for (int i = 0, n = literals.size(); i < n; ++i)
             record.literals.push_back({idOf(*literals.get(i)), literals.get(i)->readName(), literals.get(i)->notes(reading)});
+    }
+    if (parts.enumerations && record.literals.empty() && isEnumerationClass(element, reading)) {
+        for (const FeatureRecord& feature : record.features)
+            if (const auto* attribute = std::get_if<AttributeRecord>(&feature))
+                record.literals.push_back({attribute->id, attribute->name, attribute->notes});
+        if (!record.literals.empty()) record.kind = ClassKind::enumeration;
     }
     if (!annotated) return record;
     record.notes = element.notes(reading);

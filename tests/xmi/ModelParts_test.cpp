@@ -127,3 +127,14 @@ TEST(ModelParts, TheCorpus) {
     EXPECT_TRUE(contains(jabber.files["Jabber.tv"], "deferred class Jabber ^= inherits ?, ?, ?, ?\n"));
     EXPECT_TRUE(contains(jabber.files["State.tv"], "// From Jabber\ndeferred class State ^="));
 }
+
+// An exporter that writes an enumeration as a class stereotyped «enumeration» has its
+// attributes as the literals; such a class without attributes stays a class.
+TEST(ModelParts, EnumerationsWrittenAsClasses) {
+    ImportRun run(partsData("stereotyped-enumeration.xmi"), everyExtension());
+    EXPECT_EQ(run.single, "// Colours.\nclass Colour ^= enum\n\t// Red.\n\tred, green\nend;\n\n"
+                          "class Size ^=\ninterface\nend;\n\n\n// End of file.\n");
+    ImportExtensions noEnumerations = everyExtension();
+    noEnumerations.enumerations = false;
+    EXPECT_TRUE(contains(ImportRun(partsData("stereotyped-enumeration.xmi"), noEnumerations).single, "\tvar red: ?;\n"));
+}
