@@ -196,6 +196,18 @@ mutations() {
 @ output/FolderUpdate.cpp | update: a file the user never changed is merged as if they had
 - if (body == last->file.lines && last->kept.empty()) {
 + if (body == last->file.lines && !last->kept.empty()) {
+@ xmi/ClassRenderer.cpp | an interface's operations keep their own abstractness
+- deferred.isAbstract = true;
++ deferred.isAbstract = member.isAbstract;
+@ xmi/ClassRenderer.cpp | a realised interface no longer follows the parents in the inherits list
+- for (const GeneralizationRecord& realization : record.realizations) supertypes.push_back(&realization);
++ for (const GeneralizationRecord& realization : record.realizations) (void)realization;
+@ xmi/ClassRenderer.cpp | a line of a note keeps a control character
+- lines.back().push_back(c != L'\t' && (c < 0x20 || c == 0x7f) ? L' ' : c);
++ lines.back().push_back(c);
+@ xmi/Xmi2Reader.cpp | a tool's own records are read as the model's
+- ofModel = ofModel && !open.back().foreign;
++ ofModel = ofModel || open.back().foreign;
 EOF
 }
 
