@@ -69,12 +69,12 @@ MemberForms formsOf(const ImportExtensions& extensions) {
 
 namespace {
 
-// The ids an element refers to in its XML attribute `attribute` (a list), else by the
-// "xmi.idref" of the elements within its children `holder`, in order.
+// The ids an element refers to in its XML attribute `attribute` (a list; none where it is null),
+// else by the "xmi.idref" of the elements within its children `holder`, in order.
 std::vector<_eString> referencedIds(const XMLElement& element, const wchar_t* attribute, const wchar_t* holder,
                                     const _eHndl<Context>& context) {
     std::vector<_eString> ids;
-    if (element.hasAttribute(attribute)) {
+    if (attribute != nullptr && element.hasAttribute(attribute)) {
         _eSeq<_eString> words = XmiNames::words(element.attributeText(attribute, context));
         for (int i = 0, n = words.size(); i < n; ++i) ids.push_back(words.get(i));
         return ids;
@@ -168,9 +168,10 @@ NotesRecord XMLElement::notes(const _eHndl<Context>& context) const {
             ModelAnnotations::addDocumentation(notes, *text);
         for (const wchar_t* attribute : {L"comment", L"documentation"})
             if (hasAttribute(attribute)) ModelAnnotations::addDocumentation(notes, attributeText(attribute, context));
-        for (const _eString& id : referencedIds(*this, L"comment", L"UML:ModelElement.comment", context)) {
+        // The attribute "comment" is a text, not a reference: only the child refers to comments.
+        for (const _eString& id : referencedIds(*this, nullptr, L"UML:ModelElement.comment", context)) {
             _eFrom<XMLElement> comment = context->lookup(id);
-            if (comment.isNull()) continue;
+            if (comment.isNull() || !textIs(comment->getName(), L"UML:Comment")) continue;
             ModelAnnotations::addDocumentation(notes, commentText(*comment, context));
             notes.commentIds.push_back(id);
         }
@@ -178,7 +179,8 @@ NotesRecord XMLElement::notes(const _eHndl<Context>& context) const {
     if (parts.constraints)
         for (const _eString& id : referencedIds(*this, L"constraint", L"UML:ModelElement.constraint", context)) {
             _eFrom<XMLElement> constraint = context->lookup(id);
-            if (!constraint.isNull()) notes.constraints.push_back(readConstraint(*constraint, context));
+            if (!constraint.isNull() && textIs(constraint->getName(), L"UML:Constraint"))
+                notes.constraints.push_back(readConstraint(*constraint, context));
         }
     if (context->getAnnotations() != nullptr) context->getAnnotations()->addTo(notes, ownId(), parts);
     return notes;

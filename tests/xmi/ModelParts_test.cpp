@@ -138,3 +138,13 @@ TEST(ModelParts, EnumerationsWrittenAsClasses) {
     noEnumerations.enumerations = false;
     EXPECT_TRUE(contains(ImportRun(partsData("stereotyped-enumeration.xmi"), noEnumerations).single, "\tvar red: ?;\n"));
 }
+
+// The "comment" attribute is the text itself, never a list of ids; what an element refers to as
+// its comment or constraint counts only when it is one.
+TEST(ModelParts, ReferencesFollowedOnlyToTheirKind) {
+    ImportRun run("<XMI xmi.version='1.2'><XMI.content><UML:Model xmi.id='m' name='M'><UML:Namespace.ownedElement>"
+                  "<UML:Class xmi.id='c1' name='Note' comment='See c2 for more.' constraint='c2'/>"
+                  "<UML:Class xmi.id='c2' name='Other'/></UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>",
+                  everyExtension());
+    EXPECT_EQ(run.files["Note.tv"], "// See c2 for more.\nclass Note ^=\ninterface\nend;\n\n\n// End of file.\n");
+}
