@@ -144,9 +144,9 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             if (lines != nullptr) byteColumn = columnAfter(text, byteColumn);
         } else {
             // A note continues under its own indentation; any other comment under blanks.
-            _eString indentation = lead.drop(lead.size() - trailingIndentation(lead));
-            line += writeWrapped(environment, file, lead, current, column, options, status,
-                                 kind == TokenKind::note ? &indentation : nullptr);
+            bool note = kind == TokenKind::note;
+            _eString indentation = note ? lead.drop(lead.size() - trailingIndentation(lead)) : _eString();
+            line += writeWrapped(environment, file, lead, current, column, options, status, note ? &indentation : nullptr);
         }
         if (lines != nullptr) lines->push_back({firstLine, line, firstColumn});
         if (opensBlock(previous, current))

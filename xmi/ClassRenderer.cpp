@@ -192,12 +192,14 @@ std::vector<std::wstring> textLines(const _eString& text) {
     return out;
 }
 
+// A line of `textLines` without its leading blanks (it has a character that isn't one).
+std::wstring withoutLeadingBlanks(const std::wstring& line) { return line.substr(line.find_first_not_of(L" \t")); }
+
 // The lines of a text, each without its leading blanks, joined by blanks.
 std::wstring oneLine(const _eString& text) {
     std::wstring out;
     for (const std::wstring& line : textLines(text))
-        if (std::size_t start = line.find_first_not_of(L" \t"); start != std::wstring::npos)
-            out += (out.empty() ? L"" : L" ") + line.substr(start);
+        if (!line.empty()) out += (out.empty() ? L"" : L" ") + withoutLeadingBlanks(line);
     return out;
 }
 
@@ -224,10 +226,12 @@ Output notesBefore(const NotesRecord& notes) {
         if (!name.empty()) head += L" " + name;
         if (!language.empty()) head += L" (" + language + L")";
         head += L":";
-        std::vector<std::wstring> body = textLines(constraint.body);
-        if (!body.empty()) head += L" " + body.front().substr(body.front().find_first_not_of(L" \t"));
-        out = out + tokens({commentLine(head)});
-        for (std::size_t i = 1; i < body.size(); ++i) out = out + tokens({commentLine(body[i])});
+        std::vector<std::wstring> lines = textLines(constraint.body);
+        if (lines.empty())
+            lines.push_back(head);
+        else
+            lines.front() = head + L" " + withoutLeadingBlanks(lines.front());
+        out = out + comments(lines);
     }
     return out;
 }

@@ -145,6 +145,13 @@ bool isEnumerationClass(const XMLElement& element, const _eHndl<Context>& contex
     return std::any_of(names.begin(), names.end(), [](const _eString& name) { return isWord(name, L"enumeration"); });
 }
 
+// The literals of an enumeration, held by "UML:Enumeration.literal" or standing straight in it.
+ElementSeq enumerationLiterals(const XMLElement& enumeration) {
+    const XMLcontent& content = *enumeration.getContent();
+    return content.elementsAtPath({L"UML:Enumeration.literal", L"UML:EnumerationLiteral"})
+        .concat(content.childrenNamed(L"UML:EnumerationLiteral"));
+}
+
 // A dependency that says its client realises its supplier: stereotyped «realize» by reference,
 // by name or by a stereotype that lists it, or an abstraction without a stereotype.
 bool isRealization(const XMLElement& dependency, const Names& realizeExtended, const _eHndl<Context>& context) {
@@ -207,9 +214,7 @@ bool Xmi1Reader::isDeclaredBeyondClasses(const XMLElement& element) const {
     const _eString& tag = element.getName();
     if (parts.interfaces && textIs(tag, L"UML:Interface")) return true;
     if (parts.associationClasses && textIs(tag, L"UML:AssociationClass")) return true;
-    if (!parts.enumerations || !textIs(tag, L"UML:Enumeration")) return false;
-    return !element.getContent()->childrenNamed(L"UML:EnumerationLiteral").isEmpty() ||
-           !element.getContent()->elementsAtPath({L"UML:Enumeration.literal", L"UML:EnumerationLiteral"}).isEmpty();
+    return parts.enumerations && textIs(tag, L"UML:Enumeration") && !enumerationLiterals(element).isEmpty();
 }
 
 // One walk, outside the tools' records: comments and constraints by the elements they name (or,
@@ -281,8 +286,7 @@ ClassRecord Xmi1Reader::readClass(const FoundClass& found, const _eHndl<Context>
     if (textIs(tag, L"UML:AssociationClass")) record.kind = ClassKind::associationClass;
     if (textIs(tag, L"UML:Enumeration")) {
         record.kind = ClassKind::enumeration;
-        ElementSeq literals = element.getContent()->elementsAtPath({L"UML:Enumeration.literal", L"UML:EnumerationLiteral"});
-        literals = literals.concat(element.getContent()->childrenNamed(L"UML:EnumerationLiteral"));
+        ElementSeq literals = enumerationLiterals(element);
         for (int i = 0, n = literals.size(); i < n; ++i)
             record.literals.push_back({idOf(*literals.get(i)), literals.get(i)->readName(), literals.get(i)->notes(reading)});
     }

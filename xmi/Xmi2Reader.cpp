@@ -443,18 +443,19 @@ std::vector<GeneralizationRecord> Xmi2Reader::readRealizations(const _eString& c
     auto at = tables.realizations.find(toWString(classId));
     if (at == tables.realizations.end()) return out;
     for (const XMLElement* realization : at->second) {
-        const wchar_t* property = vocabulary.property(*realization, L"contract") ||
-                                          !vocabulary.properties(*realization, L"contract").isEmpty()
-                                      ? L"contract"
-                                      : L"supplier";
+        const wchar_t* property =
+            realization->hasAttribute(L"contract") || !vocabulary.properties(*realization, L"contract").isEmpty()
+                ? L"contract"
+                : L"supplier";
         bool named = textIs(vocabulary.metaclass(*realization), L"InterfaceRealization") ||
                      textIs(XmiNames::local(realization->getName()), L"interfaceRealization");
+        // What the realisation names: the element of its one id, else its one reference written
+        // as an element (an "href" into another file carries its metaclass).
         _eSeq<_eString> ids = vocabulary.references(*realization, property);
         ElementSeq written = vocabulary.properties(*realization, property);
-        if (ids.size() == 1 && !lookup(ids.get(0)).isNull())
-            named = named || textIs(vocabulary.metaclass(*lookup(ids.get(0))), L"Interface");
-        else if (written.size() == 1)
-            named = named || textIs(vocabulary.metaclass(*written.get(0)), L"Interface");
+        _eFrom<XMLElement> target = ids.size() == 1 ? lookup(ids.get(0)) : _eFrom<XMLElement>();
+        if (target.isNull() && written.size() == 1) target = written.get(0);
+        named = named || (!target.isNull() && textIs(vocabulary.metaclass(*target), L"Interface"));
         if (named) out.push_back({vocabulary.id(*realization), readReference(*realization, property)});
     }
     return out;
