@@ -50,6 +50,11 @@ _eString XMLNames::sharedText(const _eString& text) {
     return lookUp(kept, text, [&] { return text; });
 }
 
+_eString XMLNames::sharedValue(const _eString& text) {
+    static Table kept;
+    return lookUp(kept, text, [&] { return text; });
+}
+
 _eString XMLNames::derivedIn(Table& table, const _eString& name, Derivation derive) {
     return lookUp(table, name, [&] { return derive(name); });
 }

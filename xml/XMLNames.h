@@ -23,6 +23,8 @@ public:
     // The same for short texts that repeat, such as the white space between elements: a table
     // of their own, so that they never crowd out the names.
     static _eString sharedText(const _eString& text);
+    // The same for short attribute values ("public", "false", the ids of common types).
+    static _eString sharedValue(const _eString& text);
     // The string that `Derive` makes of `name`, made on the first request and kept: a name that
     // stands for another, such as a long tag for its canonical form, is worked out once. Each
     // derivation keeps a table of its own.

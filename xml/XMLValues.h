@@ -15,29 +15,21 @@ public:
     virtual _eString text(const _eHndl<Context>& context) const = 0;
     // Appends the text to `out`: a value is read one element after another.
     virtual void appendText(_eString& out, const _eHndl<Context>& context) const { out.appendAll(text(context)); }
-    // The element as a character, or null.
-    virtual const XMLCharValue* asCharacter() const { return nullptr; }
 };
 
 class XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 1};
 
-    explicit XMLCharValue(wchar_t character) : character(character) {}
+    // A run of characters, held as one string.
+    explicit XMLCharValue(const _eString& characters) : characters(characters) {}
 
-    // The value of a byte-sized character, one object per character shared by every list:
-    // values never change, so holding the same object costs a count instead of a block.
-    // Wider characters get an object of their own.
-    static _eFrom<XMLEntityValueElement> of(wchar_t character);
-
-    bool equalFields(const XMLCharValue& other) const { return character == other.character; }
-    _eString text(const _eHndl<Context>&) const override { return _eString(character); }
-    void appendText(_eString& out, const _eHndl<Context>&) const override { out.pushBack(character); }
-    const XMLCharValue* asCharacter() const override { return this; }
-    wchar_t getCharacter() const { return character; }
+    bool equalFields(const XMLCharValue& other) const { return characters == other.characters; }
+    _eString text(const _eHndl<Context>&) const override { return characters; }
+    void appendText(_eString& out, const _eHndl<Context>&) const override { out.appendAll(characters); }
 
 private:
-    wchar_t character;
+    _eString characters;
 };
 
 class XMLReferenceValue : public _eClass<XMLReferenceValue, XMLEntityValueElement> {
@@ -66,39 +58,55 @@ private:
     _eHndl<XMLPEReference> reference;
 };
 
-using ValueElements = _eSeq<_eFrom<XMLEntityValueElement>>;
-
-// Entity and attribute values share their shape: a list of characters and references.
+// Entity and attribute values share their shape: characters and references. The characters
+// since the last reference are held as one string, so that a value without references is its
+// text, and a reference closes the run before it into an element of the list.
 template <class Self>
 class _aValueList : public _eClass<Self, NonTerminal> {
 public:
     using _eClass<Self, NonTerminal>::_eClass;
 
     bool equalFields(const _aValueList& other) const {
-        return NonTerminal::equalFields(other) && elements == other.elements;
+        return NonTerminal::equalFields(other) && elements == other.elements && characters == other.characters;
     }
 
     virtual void addReference(const _eFrom<XMLReference>& reference) { append(new XMLReferenceValue(reference)); }
-    virtual void addCharacter(const _eHndl<Terminal>& terminal) { append(XMLCharValue::of(terminal->getCharacter())); }
+    virtual void addCharacter(const _eHndl<Terminal>& terminal) {
+        wchar_t character = terminal->getCharacter();
+        addCharacters(&character, 1);
+    }
     void addCharacters(const wchar_t* units, std::int32_t count) {
         _eFreeze freeze(this);
-        for (std::int32_t i = 0; i < count; ++i) elements.pushBack(XMLCharValue::of(units[i]));
+        characters.appendRange(count, units);
     }
 
-    const ValueElements& getElements() const { return elements; }
+    // The texts of the elements and of the characters after them, in order.
+    virtual _eString text(const _eHndl<Context>& context) const {
+        if (elements.isEmpty()) return characters;
+        _eString out;
+        _eSeqReader<_eFrom<XMLEntityValueElement>> reader(elements);
+        for (int i = 0, n = elements.size(); i < n; ++i) reader.next()->appendText(out, context);
+        out.appendAll(characters);
+        return out;
+    }
 
 protected:
     void append(const _eFrom<XMLEntityValueElement>& element) {
         _eFreeze freeze(this);
+        if (!characters.isEmpty()) elements.pushBack(new XMLCharValue(characters));
+        characters = _eString();
         elements.pushBack(element);
     }
-    void replaceElements(const ValueElements& equal) {
+    bool hasOnlyCharacters() const { return elements.isEmpty(); }
+    const _eString& getCharacters() const { return characters; }
+    void replaceCharacters(const _eString& equal) {
         _eFreeze freeze(this);
-        elements = equal;
+        characters = equal;
     }
 
 private:
-    ValueElements elements;
+    _eSeq<_eFrom<XMLEntityValueElement>> elements;  // up to the last reference
+    _eString characters;                            // after it
 };
 
 class XMLEntityValue : public _aValueList<XMLEntityValue> {
@@ -114,16 +122,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 17};
     using _aValueList::_aValueList;
 
-    // Holds the elements that other values of the same characters hold, when there are few of
-    // them and no reference among them: short values repeat all through a document.
+    // Holds the string that other values of the same characters hold, when the value is short
+    // and has no reference: short values repeat all through a document.
     void shareElements();
-
-    // The texts of the elements, in order.
-    virtual _eString text(const _eHndl<Context>& context) const {
-        _eString out;
-        const ValueElements& elements = getElements();
-        _eSeqReader<_eFrom<XMLEntityValueElement>> reader(elements);
-        for (int i = 0, n = elements.size(); i < n; ++i) reader.next()->appendText(out, context);
-        return out;
-    }
 };
