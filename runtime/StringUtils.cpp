@@ -78,6 +78,14 @@ bool textIs(const _eString& text, std::wstring_view word) {
     return true;
 }
 
+std::wstring_view unitsOf(const _eString& text, std::wstring& scratch) {
+    if (text.rootNode()->level() == 0) return {text.rootNode()->asLeaf()->data(), std::size_t(text.size())};
+    scratch.clear();
+    _eSeqReader<wchar_t> reader(text);
+    for (int i = 0, n = text.size(); i < n; ++i) scratch.push_back(reader.next());
+    return scratch;
+}
+
 _eString trimSpaces(const _eString& text) {
     int from = 0;
     int to = text.size();

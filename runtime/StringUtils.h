@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "runtime/Seq.h"
@@ -22,6 +23,9 @@ bool isInteger(const _eString& s);
 _eString trimSpaces(const _eString& text);
 // `text` holds exactly the units of `word`; compared in place, without making a string of it.
 bool textIs(const _eString& text, std::wstring_view word);
+// The units of a string as one view: in place where the string lies in one leaf (the view then
+// lives as long as the string is unchanged), else copied into `scratch`.
+std::wstring_view unitsOf(const _eString& text, std::wstring& scratch);
 bool containsUnit(const _eString& s, wchar_t c);
 // How many times `c` stands in `s`.
 std::int32_t countUnits(const _eString& s, wchar_t c);

@@ -5,10 +5,7 @@ const _eHndl<XMLDictionary>& XMLDictionary::empty() {
     return none;
 }
 
-_eFrom<XMLElement> XMLDictionary::lookup(const _eString& id) const {
-    auto [index, end] = entries.lookup(id);
-    return index == end ? _eFrom<XMLElement>() : entries.at(index).second;
-}
+_eFrom<XMLElement> XMLDictionary::lookup(const _eString& id) const { return entryIndex.find(id, entries); }
 
 _eHndl<XMLDictionary> XMLDictionary::add(const _eString& id, const _eFrom<XMLElement>& element) const {
     _eHndl<XMLDictionary> result(new XMLDictionary(*this));

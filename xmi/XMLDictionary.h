@@ -2,6 +2,11 @@
 // generalizations. A value: every operation gives a new dictionary.
 #pragma once
 
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "runtime/StringUtils.h"
 #include "xmi/XMLElement.h"
 
 using Associations = _eSet<_eHndl<FCAssociationElement>>;
@@ -50,6 +55,46 @@ private:
 
     bool built = false;
     _eMap<_eString, Members> byId;
+};
+
+// The entries by id in a hash table, built on the first lookup: a lookup then costs one hash of
+// the id instead of a search that compares strings through their trees. A copy starts empty,
+// as the indexes above do.
+class EntryIndex {
+public:
+    EntryIndex() = default;
+    EntryIndex(const EntryIndex&) {}
+    EntryIndex& operator=(const EntryIndex&) {
+        built = false;
+        byId.clear();
+        return *this;
+    }
+
+    // The element of `id` in `entries`, or null.
+    _eFrom<XMLElement> find(const _eString& id, const ClassMap& entries) {
+        if (entries.isEmpty()) return {};
+        if (!built) build(entries);
+        std::wstring scratch;
+        auto found = byId.find(unitsOf(id, scratch));
+        return found == byId.end() ? _eFrom<XMLElement>() : found->second;
+    }
+
+private:
+    void build(const ClassMap& entries) {
+        const auto& all = entries.elements();
+        byId.reserve(std::size_t(all.size()));
+        std::wstring scratch;
+        for (int i = 0, n = all.size(); i < n; ++i)
+            byId.emplace(std::wstring(unitsOf(all.get(i).first, scratch)), all.get(i).second);
+        built = true;
+    }
+
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
+    };
+    bool built = false;
+    std::unordered_map<std::wstring, _eFrom<XMLElement>, Hash, std::equal_to<>> byId;
 };
 
 class XMLDictionary : public _eClass<XMLDictionary, _eAny> {
@@ -103,4 +148,5 @@ private:
     Names pendingIds;
     mutable ClassIdIndex<FCAssociationElement> associationIndex;
     mutable ClassIdIndex<FCGeneralizationElement> generalizationIndex;
+    mutable EntryIndex entryIndex;
 };

@@ -53,8 +53,8 @@ TypeRecord XMLElement::typeRecord(const _eHndl<Context>&) const {
 }
 
 _eString XMLElement::ownId() const {
-    static const _eString idName = L"xmi.id";
-    return hasAttribute(idName) ? attributeText(idName, Context::shared()) : _eString();
+    const XMLAttributeValue* id = attributeValue(L"xmi.id");
+    return id != nullptr ? id->text(Context::shared()) : _eString();
 }
 
 namespace {
@@ -144,13 +144,28 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
     return result;
 }
 
-_eString XMLElement::attributeText(const _eString& attribute, const _eHndl<Context>& context) const {
-    return attributes.get(attribute)->text(context);
+AttributeName::AttributeName(const _eString& text) : view(unitsOf(text, copy)) {}
+
+// A start tag holds few attributes: one pass comparing units in place beats a search that
+// compares strings through their trees.
+const XMLAttributeValue* XMLElement::attributeValue(const AttributeName& attribute) const {
+    std::wstring_view wanted = attribute.text();
+    const auto& entries = attributes.elements();
+    for (int i = 0, n = entries.size(); i < n; ++i) {
+        const auto& [key, value] = entries.get(i);
+        if (key.size() != int(wanted.size())) continue;
+        if (std::wstring scratch; unitsOf(key, scratch) == wanted) return value.get();
+    }
+    return nullptr;
 }
 
-std::optional<_eString> XMLElement::propertyText(const _eString& attribute, const _eString& subElement,
+_eString XMLElement::attributeText(const AttributeName& attribute, const _eHndl<Context>& context) const {
+    return attributeValue(attribute)->text(context);
+}
+
+std::optional<_eString> XMLElement::propertyText(const AttributeName& attribute, const _eString& subElement,
                                                 const _eHndl<Context>& context) const {
-    if (hasAttribute(attribute)) return attributeText(attribute, context);
+    if (const XMLAttributeValue* value = attributeValue(attribute)) return value->text(context);
     ElementSeq children = content->childrenNamed(subElement);
     if (children.size() != 1) return std::nullopt;
     const _eFrom<XMLElement>& child = children.get(0);
@@ -158,20 +173,21 @@ std::optional<_eString> XMLElement::propertyText(const _eString& attribute, cons
     return child->getContent()->text();
 }
 
-_eString XMLElement::attributeOrSubElement(const _eString& attribute, const _eString& subElement,
+_eString XMLElement::attributeOrSubElement(const AttributeName& attribute, const _eString& subElement,
                                            const _eHndl<Context>& context) const {
     return propertyText(attribute, subElement, context).value_or(_eString(L"?"));
 }
 
-_eString XMLElement::requiredAttribute(const _eString& attribute, const _eHndl<Context>& context) const {
-    if (hasAttribute(attribute)) return attributeText(attribute, context);
-    return _eString(L"?[[Missing Attribute '") + attribute + L"']]";
+_eString XMLElement::requiredAttribute(const AttributeName& attribute, const _eHndl<Context>& context) const {
+    if (const XMLAttributeValue* value = attributeValue(attribute)) return value->text(context);
+    return _eString(L"?[[Missing Attribute '") + _eString(attribute.text()) + L"']]";
 }
 
 // The text of an attribute is read with the shared context, as everywhere that no other is at
 // hand: the values' text is asked for with a context, though no value reads it.
 NameRecord XMLElement::readName() const {
-    if (hasAttribute(L"name")) return NameRecord::plain(attributeText(L"name", Context::shared()));
+    if (const XMLAttributeValue* written = attributeValue(L"name"))
+        return NameRecord::plain(written->text(Context::shared()));
     const _eString tag = L"UML:ModelElement.name";
     ElementSeq written = content->childrenNamed(tag);
     if (written.isEmpty()) return {NameRecord::missing, tag};

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "xmi/ClassRecords.h"
@@ -14,6 +16,22 @@
 // `unprefixedUml` those read as "UML:" forms too, every tag that has no colon and doesn't begin
 // with "XMI".
 enum class TagNaming { specified, unprefixedUml };
+
+// The name of an attribute asked for: a literal, or a string read in place where it lies in one
+// leaf, so that asking costs no new string. Lives as long as the call it is handed to.
+class AttributeName {
+public:
+    AttributeName(const wchar_t* text) : view(text) {}
+    AttributeName(const _eString& text);
+    AttributeName(const AttributeName&) = delete;
+    AttributeName& operator=(const AttributeName&) = delete;
+
+    std::wstring_view text() const { return view; }
+
+private:
+    std::wstring copy;  // the units of a string of more than one leaf
+    std::wstring_view view;
+};
 
 class XMLElement : public _eClass<XMLElement, XMLContentItem> {
 public:
@@ -36,12 +54,12 @@ public:
     _eHndl<XMLDictionary> dictionary(const _eString& idAttribute = L"xmi.id", bool extensions = true) const;
     // The attribute's text if it is there, else the one child element's "xmi.value" or text;
     // none if neither.
-    std::optional<_eString> propertyText(const _eString& attribute, const _eString& subElement,
+    std::optional<_eString> propertyText(const AttributeName& attribute, const _eString& subElement,
                                          const _eHndl<Context>& context) const;
     // `propertyText`, "?" where there is none.
-    _eString attributeOrSubElement(const _eString& attribute, const _eString& subElement,
+    _eString attributeOrSubElement(const AttributeName& attribute, const _eString& subElement,
                                    const _eHndl<Context>& context) const;
-    _eString requiredAttribute(const _eString& attribute, const _eHndl<Context>& context) const;
+    _eString requiredAttribute(const AttributeName& attribute, const _eHndl<Context>& context) const;
     // The name from the attribute "name", else from the one "UML:ModelElement.name" child.
     NameRecord readName() const;
     // The type of the feature, given by the attribute "type" or the one child `elementName`.
@@ -76,10 +94,12 @@ public:
     const _eString& getName() const { return name; }
     const AttributeMap& getAttributes() const { return attributes; }
     const _eHndl<XMLcontent>& getContent() const { return content; }
-    bool hasAttribute(const _eString& attribute) const { return attributes.containsKey(attribute); }
+    // The value of the attribute, or null where the start tag has none of that name.
+    const XMLAttributeValue* attributeValue(const AttributeName& attribute) const;
+    bool hasAttribute(const AttributeName& attribute) const { return attributeValue(attribute) != nullptr; }
     // The "xmi.id" of the element; empty when it has none.
     _eString ownId() const;
-    _eString attributeText(const _eString& attribute, const _eHndl<Context>& context) const;
+    _eString attributeText(const AttributeName& attribute, const _eHndl<Context>& context) const;
 
     // "Foundation.Core.X", "Model_Management.X" and "Foundation.Data_Types.X" become "UML:X".
     static _eString canonicalTagName(const _eString& tag, TagNaming naming = TagNaming::specified);
