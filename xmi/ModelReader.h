@@ -16,6 +16,7 @@
 #include "xmi/ClassRecords.h"
 #include "xmi/TypeLibraries.h"
 #include "xmi/XMLElement.h"
+#include "xmi/XmiHelpers.h"
 
 // One class a reader found: its element and the packages it stands in.
 struct FoundClass {
@@ -94,7 +95,7 @@ protected:
     // The element is a class of the model.
     virtual bool isClass(const XMLElement& element) const = 0;
     // The children of `element` among which the walk goes on, in document order.
-    virtual ElementSeq descent(const XMLElement& element) const = 0;
+    virtual WalkChildren descent(const XMLElement& element) const = 0;
     // The element is a package that classes stand in.
     virtual bool isPackage(const XMLElement& element) const = 0;
 

@@ -69,7 +69,7 @@ std::vector<ReportKind> ModelReport::elementsLeftOut(const XMLElement& root, con
                 kinds[at->second].items.push_back(
                     name.form == NameRecord::attribute && !trimSpaces(name.text).isEmpty() ? name.text : _eString(L"?"));
             }
-            return descend ? element.getContent()->childElements() : ElementSeq();
+            return descend ? WalkChildren(*element.getContent()) : WalkChildren();
         },
         [](const XMLElement&) {});
     return kinds;

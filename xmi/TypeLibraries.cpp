@@ -104,7 +104,7 @@ const std::map<std::wstring, _eString>* TypeLibraries::namesIn(const std::string
                 if (element.hasAttribute(key) && element.hasAttribute(L"name"))
                     names->emplace(toWString(element.attributeText(key, Context::shared())),
                                    element.attributeText(L"name", Context::shared()));
-            return element.getContent()->childElements();
+            return WalkChildren(*element.getContent());
         },
         [](const XMLElement&) {});
     return names.get();

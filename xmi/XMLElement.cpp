@@ -128,8 +128,8 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
         *this,
         [&](const XMLElement& element) {
             folded.emplace_back();
-            if (!extensions && textIs(element.name, L"XMI.extension")) return ElementSeq();
-            return element.content->childElements();
+            if (!extensions && textIs(element.name, L"XMI.extension")) return WalkChildren();
+            return WalkChildren(*element.content);
         },
         [&](const XMLElement& element) {
             _eHndl<XMLDictionary> done = folded.back().isNull() ? XMLDictionary::empty() : folded.back();

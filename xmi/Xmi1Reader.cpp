@@ -254,7 +254,7 @@ std::shared_ptr<const ModelAnnotations> Xmi1Reader::annotations(const _eHndl<Con
                     for (int i = 0, n = ends.size(); i < n; ++i) index->addAssociationClass(ends.at(i), &element);
                 }
                 owners.push_back(id.isEmpty() ? owners.back() : id);
-                return textIs(tag, L"XMI.extension") ? ElementSeq() : element.getContent()->childElements();
+                return textIs(tag, L"XMI.extension") ? WalkChildren() : WalkChildren(*element.getContent());
             },
             [&](const XMLElement&) { owners.pop_back(); });
         for (const XMLElement* dependency : dependencies) {
@@ -322,7 +322,7 @@ bool Xmi1PathReader::isClass(const XMLElement& element) const {
     return (element.isRecognised() && element.getName() == _eString(L"UML:Class")) || isDeclaredBeyondClasses(element);
 }
 
-ElementSeq Xmi1PathReader::descent(const XMLElement& element) const {
+WalkChildren Xmi1PathReader::descent(const XMLElement& element) const {
     static const _eMap<_eString, Names> steps = [] {
         _eMap<_eString, Names> m;
         m.put(L"XMI", Names(_eString(L"XMI.content")));
@@ -356,9 +356,9 @@ bool Xmi1AnywhereReader::isClass(const XMLElement& element) const {
            isDeclaredBeyondClasses(element);
 }
 
-ElementSeq Xmi1AnywhereReader::descent(const XMLElement& element) const {
+WalkChildren Xmi1AnywhereReader::descent(const XMLElement& element) const {
     if (element.getName() == _eString(L"XMI")) return element.getContent()->childrenNamed(L"XMI.content");
-    return element.getContent()->childElements();
+    return *element.getContent();
 }
 
 TypeRecord FCClassElement::typeRecord(const _eHndl<Context>& context) const {

@@ -58,7 +58,7 @@ public:
 
 protected:
     bool isClass(const XMLElement& element) const override;
-    ElementSeq descent(const XMLElement& element) const override;
+    WalkChildren descent(const XMLElement& element) const override;
 };
 
 // Classes wherever exporters put them: every "UML:Class" with an "xmi.id" and no "xmi.idref"
@@ -74,5 +74,5 @@ public:
 
 protected:
     bool isClass(const XMLElement& element) const override;
-    ElementSeq descent(const XMLElement& element) const override;
+    WalkChildren descent(const XMLElement& element) const override;
 };

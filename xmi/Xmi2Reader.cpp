@@ -117,7 +117,7 @@ void Xmi2Reader::findClasses() {
             bool ofModel = true;
             _eString kind = &element == root.get() ? _eString() : vocabulary.metaclass(element, ofModel);
             open.push_back({kind, ofModel, {}});
-            return ofModel ? element.getContent()->childElements() : ElementSeq();
+            return ofModel ? WalkChildren(*element.getContent()) : WalkChildren();
         },
         [&](const XMLElement& element) {
             Open done = open.back();
@@ -160,9 +160,9 @@ bool Xmi2Reader::defines(const XMLElement& element) const {
 
 bool Xmi2Reader::isClass(const XMLElement& element) const { return classElements.count(&element) != 0; }
 
-ElementSeq Xmi2Reader::descent(const XMLElement& element) const {
+WalkChildren Xmi2Reader::descent(const XMLElement& element) const {
     auto found = holding.find(&element);
-    return found == holding.end() ? ElementSeq() : found->second;
+    return found == holding.end() ? WalkChildren() : WalkChildren(found->second);
 }
 
 bool Xmi2Reader::isPackage(const XMLElement& element) const {
@@ -509,7 +509,7 @@ void Xmi2Reader::gatherAnnotations(Lookups& tables) const {
                 for (const _eString& client : targets(L"client")) tables.realizations[toWString(client)].push_back(&element);
             }
             open.push_back({id.isEmpty() ? open.back().owner : id, !ofModel});
-            return element.getContent()->childElements();
+            return WalkChildren(*element.getContent());
         },
         [&](const XMLElement&) { open.pop_back(); });
 }

@@ -46,7 +46,7 @@ protected:
     // A "Class" of UML with an id that refers to nothing else, outside other namespaces.
     bool isClass(const XMLElement& element) const override;
     // The children of UML that are classes or hold one.
-    ElementSeq descent(const XMLElement& element) const override;
+    WalkChildren descent(const XMLElement& element) const override;
     // A "Package" of UML.
     bool isPackage(const XMLElement& element) const override;
 

@@ -176,7 +176,7 @@ IdIndex::IdIndex(const XMLElement& root, const _eString& idAttribute) {
                 std::wstring id = toWString(element.attributeText(idAttribute, Context::shared()));
                 if (!ids.emplace(id, const_cast<XMLElement*>(&element)).second) duplicates.insert(id);
             }
-            return element.getContent()->childElements();
+            return WalkChildren(*element.getContent());
         },
         [](const XMLElement&) {});
     for (const std::wstring& id : duplicates) ids.erase(id);

@@ -10,6 +10,28 @@
 #include "xmi/ClassRecords.h"
 #include "xmi/XMLElement.h"
 
+// The children a walk goes on into below an element: every child element of a content, read
+// from its items as they stand so that no list is made, or a list of the caller's choosing.
+class WalkChildren {
+public:
+    WalkChildren() = default;
+    WalkChildren(const ElementSeq& chosen) : chosen(chosen) {}
+    WalkChildren(const XMLcontent& content) : items(&content.getItems()) {}
+
+    // The next child; null after the last.
+    const XMLElement* next() {
+        if (items == nullptr) return at < chosen.size() ? chosen.get(at++).get() : nullptr;
+        while (at < items->size())
+            if (const XMLElement* element = items->get(at++)->asElement()) return element;
+        return nullptr;
+    }
+
+private:
+    const _eSeq<_eFrom<XMLContentItem>>* items = nullptr;  // the content's, which outlives the walk
+    ElementSeq chosen;
+    int at = 0;
+};
+
 // Visits `root` and the elements below it depth first, with a stack of its own rather than by
 // recursion, so that the nesting of the input doesn't decide the depth of the machine stack.
 // `enter(element)` gives the children the walk goes on into, in order (none: no deeper);
@@ -18,20 +40,17 @@ template <class Enter, class Leave>
 void walkTree(const XMLElement& root, Enter enter, Leave leave) {
     struct Frame {
         const XMLElement* element;
-        ElementSeq children;
-        int next;
+        WalkChildren children;
     };
     std::vector<Frame> frames;
-    frames.push_back({&root, enter(root), 0});
+    frames.push_back({&root, enter(root)});
     while (!frames.empty()) {
-        Frame& top = frames.back();
-        if (top.next < top.children.size()) {
-            const XMLElement* child = top.children.get(top.next++).get();
-            ElementSeq below = enter(*child);
-            frames.push_back({child, below, 0});
+        if (const XMLElement* child = frames.back().children.next()) {
+            WalkChildren below = enter(*child);
+            frames.push_back({child, std::move(below)});
             continue;
         }
-        const XMLElement* done = top.element;
+        const XMLElement* done = frames.back().element;
         frames.pop_back();
         leave(*done);
     }

@@ -6,13 +6,13 @@
 
 namespace {
 
-// The child elements that `keep` keeps, in order.
+// The children of `content` that are elements, each with its element.
 template <class Keep>
-ElementSeq elementsWhere(const ElementSeq& elements, Keep keep) {
+ElementSeq elementsWhere(const _eSeq<_eFrom<XMLContentItem>>& items, Keep keep) {
     ElementSeq out;
-    for (int i = 0, n = elements.size(); i < n; ++i) {
-        const _eFrom<XMLElement>& element = elements.get(i);
-        if (keep(*element)) out.pushBack(element);
+    for (int i = 0, n = items.size(); i < n; ++i) {
+        XMLElement* element = items.get(i)->asElement();
+        if (element != nullptr && keep(*element)) out.pushBack(element);
     }
     return out;
 }
@@ -45,7 +45,9 @@ bool XMLcontent::equalFields(const XMLcontent& other) const {
     return NonTerminal::equalFields(other) && items == other.items;
 }
 
-ElementSeq XMLcontent::childElements() const { return elements; }
+ElementSeq XMLcontent::childElements() const {
+    return elementsWhere(items, [](const XMLElement&) { return true; });
+}
 
 bool XMLcontent::hasChild(const _eString& name) const { return !childrenNamed(name).isEmpty(); }
 
@@ -111,17 +113,16 @@ ElementSeq XMLcontent::elementsAtPath(const _eSeq<_eString>& path) const {
 }
 
 ElementSeq XMLcontent::childrenInSet(const Names& names) const {
-    return elementsWhere(elements, [&](const XMLElement& e) { return names.contains(e.getName()); });
+    return elementsWhere(items, [&](const XMLElement& e) { return names.contains(e.getName()); });
 }
 
 ElementSeq XMLcontent::childrenNamed(const _eString& name) const {
-    return elementsWhere(elements, [&](const XMLElement& e) { return e.getName() == name; });
+    return elementsWhere(items, [&](const XMLElement& e) { return e.getName() == name; });
 }
 
 void XMLcontent::addItem(const _eFrom<XMLContentItem>& item) {
     _eFreeze freeze(this);
     items.pushBack(item);
-    if (XMLElement* element = item->asElement()) elements.pushBack(element);
 }
 
 _eString XMLcontent::missingOrDuplicate(const _eString& name, int found) {

@@ -49,8 +49,6 @@ public:
     void addItem(const _eFrom<XMLContentItem>& item);
 
     const _eSeq<_eFrom<XMLContentItem>>& getItems() const { return items; }
-    // The items that are elements, in order, without a copy: what every walk of the tree reads.
-    const ElementSeq& getElements() const { return elements; }
 
     // "?[[Missing Element 'NAME']]" or "?[[Duplicate Element 'NAME']]".
     static _eString missingOrDuplicate(const _eString& name, int found);
@@ -59,5 +57,4 @@ public:
 
 private:
     _eSeq<_eFrom<XMLContentItem>> items;  // the children, in document order
-    ElementSeq elements;                  // those of them that are elements, kept as they come
 };
