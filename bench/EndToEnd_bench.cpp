@@ -4,10 +4,14 @@
 // the rounds are compared.
 //
 //   libxml2 tree    xmlReadFile + xmlFreeDoc
-//   attemptParse    parse and analysis, by a fresh importer
+//   pugixml tree    xml_document::load_file (when pugixml is installed)
+//   attemptParse    parse and analysis, by a fresh importer; "ext." with every extension chosen
 //   generate all    one generateClassFile per listed class into an empty directory (in memory)
 //   xmllint         the process `xmllint --noout MODEL` (when xmllint is installed)
-//   host --list     the process `modelbridge-gen MODEL --list`
+//   host --list     the process `modelbridge-gen MODEL --list` (every extension, as the host
+//                   reads by default); "spec." with --specified
+//   host generate   the process `modelbridge-gen MODEL -o DIR` into an empty directory
+//   host update     the same into a directory it generated before: nothing changed
 // Peak memory: the peak resident memory of a fresh process doing the work once, less that of a
 // fresh process doing nothing, over the file size.
 //
@@ -16,6 +20,9 @@
 // The program runs itself as the measured fresh process: end_to_end_bench --measure TASK FILE
 // prints the peak in kilobytes.
 #include <libxml/parser.h>
+#ifdef MODELBRIDGE_HAVE_PUGIXML
+#include <pugixml.hpp>
+#endif
 
 #include <algorithm>
 #include <chrono>
@@ -55,7 +62,18 @@ bool buildTree(const std::string& path) {
     return true;
 }
 
-bool parse(XMLImporter& importer, const std::string& path) {
+bool buildPugiTree(const std::string& path) {
+#ifdef MODELBRIDGE_HAVE_PUGIXML
+    pugi::xml_document doc;
+    return bool(doc.load_file(path.c_str()));
+#else
+    (void)path;
+    return false;
+#endif
+}
+
+bool parse(XMLImporter& importer, const std::string& path, bool extensions = false) {
+    if (extensions) importer.chooseExtensions(everyExtension());
     bool success = false;
     importer.attemptParse(fromPlatformText(path), _eString(), success);
     return success;
@@ -74,10 +92,12 @@ bool generateAll(XMLImporter& importer, const std::string& directory) {
 int runTask(const std::string& task, const std::string& path) {
     if (task == "none") return 0;
     if (task == "libxml2") return buildTree(path) ? 0 : 1;
+    if (task == "pugixml") return buildPugiTree(path) ? 0 : 1;
+    bool extensions = task.ends_with("-ext");
     _eHndl<Environment> environment(new Environment());
     XMLImporter importer(environment.get());
-    if (!parse(importer, path)) return 1;
-    if (task == "parse") return 0;
+    if (!parse(importer, path, extensions)) return 1;
+    if (task.starts_with("parse")) return 0;
     OutputDir out;
     return generateAll(importer, out.path) ? 0 : 1;
 }
@@ -159,41 +179,90 @@ bool measure(const std::string& shape, int megabytes, int rounds) {
     _eHndl<Environment> environment(new Environment());
     XMLImporter generator(environment.get());
     if (!parse(generator, file.path)) return false;
+    XMLImporter extendedGenerator(environment.get());
+    if (!parse(extendedGenerator, file.path, true)) return false;
     int classes = generator.getClassList().size();
 
+    auto parseWith = [&](bool extensions) {
+        return [&, extensions] {
+            XMLImporter importer(environment.get());
+            return parse(importer, file.path, extensions);
+        };
+    };
+    auto generateWith = [&](XMLImporter& importer) {
+        return [&] {
+            OutputDir out;
+            return generateAll(importer, out.path);
+        };
+    };
     std::vector<Contender> inProcess = {
         {"libxml2 tree", [&] { return buildTree(file.path); }, {}},
-        {"attemptParse",
-         [&] {
-             XMLImporter importer(environment.get());
-             return parse(importer, file.path);
-         },
-         {}},
-        {"generate all",
+        {"attemptParse", parseWith(false), {}},
+        {"attemptParse ext.", parseWith(true), {}},
+        {"generate all", generateWith(generator), {}},
+        {"generate ext.", generateWith(extendedGenerator), {}},
+    };
+#ifdef MODELBRIDGE_HAVE_PUGIXML
+    inProcess.push_back({"pugixml tree", [&] { return buildPugiTree(file.path); }, {}});
+#endif
+    std::string host = "'" + std::string(MODELBRIDGE_GEN_PATH) + "' '" + file.path + "'";
+    OutputDir updated;
+    if (!commandSucceeds(host + " -o '" + updated.path + "'")) return false;
+    std::vector<Contender> processes = {
+        {"host --list", [&] { return commandSucceeds(host + " --list"); }, {}},
+        {"host spec. list", [&] { return commandSucceeds(host + " --list --specified"); }, {}},
+        {"host generate",
          [&] {
              OutputDir out;
-             return generateAll(generator, out.path);
+             return commandSucceeds(host + " -o '" + out.path + "'");
          },
          {}},
+        {"host update", [&] { return commandSucceeds(host + " -o '" + updated.path + "'"); }, {}},
     };
-    std::string host = MODELBRIDGE_GEN_PATH;
-    std::vector<Contender> processes = {
-        {"host --list", [&] { return commandSucceeds("'" + host + "' '" + file.path + "' --list"); }, {}}};
     if (commandSucceeds("command -v xmllint"))
         processes.push_back({"xmllint", [&] { return commandSucceeds("xmllint --noout '" + file.path + "'"); }, {}});
     if (!alternate(inProcess, rounds) || !alternate(processes, rounds)) return false;
 
     auto ms = [](const Contender& c) { return median(c.seconds) * 1e3; };
     auto perByte = [&](const Contender& c) { return median(c.seconds) * 1e9 / double(file.size); };
+    auto named = [&](const char* name) -> const Contender* {
+        for (const auto* list : {&inProcess, &processes})
+            for (const Contender& c : *list)
+                if (c.name == name) return &c;
+        return nullptr;
+    };
+    auto ratio = [&](const char* label, const char* over, const char* under) {
+        const Contender* a = named(over);
+        const Contender* b = named(under);
+        if (a != nullptr && b != nullptr) std::printf("  %s: %.2f\n", label, ms(*a) / ms(*b));
+    };
     std::printf("\n%s, %d MB (%zu bytes, %d classes), medians of %d alternating rounds\n", shape.c_str(), megabytes,
                 file.size, classes, rounds);
-    for (const Contender& c : inProcess) std::printf("  %-14s %9.1f ms %7.1f ns/byte\n", c.name.c_str(), ms(c), perByte(c));
-    for (const Contender& c : processes) std::printf("  %-14s %9.1f ms %7.1f ns/byte\n", c.name.c_str(), ms(c), perByte(c));
-    std::printf("  attemptParse / libxml2 tree: %.2f\n", ms(inProcess[1]) / ms(inProcess[0]));
-    std::printf("  generate all / attemptParse: %.2f\n", ms(inProcess[2]) / ms(inProcess[1]));
-    if (processes.size() > 1) std::printf("  host --list / xmllint: %.2f\n", ms(processes[0]) / ms(processes[1]));
-    std::printf("  peak memory over file size: libxml2 %.1f, parse %.1f, parse and generate %.1f\n",
-                peakOverFile("libxml2", file), peakOverFile("parse", file), peakOverFile("generate", file));
+    for (const auto* list : {&inProcess, &processes})
+        for (const Contender& c : *list)
+            std::printf("  %-17s %9.1f ms %7.1f ns/byte\n", c.name.c_str(), ms(c), perByte(c));
+    ratio("attemptParse / libxml2 tree", "attemptParse", "libxml2 tree");
+    ratio("attemptParse / pugixml tree", "attemptParse", "pugixml tree");
+    ratio("attemptParse ext. / attemptParse", "attemptParse ext.", "attemptParse");
+    ratio("generate all / attemptParse", "generate all", "attemptParse");
+    ratio("generate ext. / attemptParse ext.", "generate ext.", "attemptParse ext.");
+    ratio("generate ext. / generate all", "generate ext.", "generate all");
+    ratio("host --list / xmllint", "host --list", "xmllint");
+    ratio("host spec. list / xmllint", "host spec. list", "xmllint");
+    ratio("host update / host generate", "host update", "host generate");
+    // What the update costs beyond reading the model and reporting on it, against what writing
+    // every file costs beyond the same.
+    double list = ms(*named("host --list"));
+    double beyondUpdate = ms(*named("host update")) - list;
+    double beyondGenerate = ms(*named("host generate")) - list;
+    if (beyondGenerate > 0) std::printf("  update / generate, beyond --list: %.2f\n", beyondUpdate / beyondGenerate);
+    std::printf("  peak memory over file size: libxml2 %.1f", peakOverFile("libxml2", file));
+#ifdef MODELBRIDGE_HAVE_PUGIXML
+    std::printf(", pugixml %.1f", peakOverFile("pugixml", file));
+#endif
+    std::printf(", parse %.1f, parse and generate %.1f, ext. parse %.1f, ext. parse and generate %.1f\n",
+                peakOverFile("parse", file), peakOverFile("generate", file), peakOverFile("parse-ext", file),
+                peakOverFile("generate-ext", file));
     std::fflush(stdout);
     return true;
 }
