@@ -166,10 +166,9 @@ _eString XMLElement::attributeText(const AttributeName& attribute, const _eHndl<
 std::optional<_eString> XMLElement::propertyText(const AttributeName& attribute, const _eString& subElement,
                                                 const _eHndl<Context>& context) const {
     if (const XMLAttributeValue* value = attributeValue(attribute)) return value->text(context);
-    ElementSeq children = content->childrenNamed(subElement);
-    if (children.size() != 1) return std::nullopt;
-    const _eFrom<XMLElement>& child = children.get(0);
-    if (child->hasAttribute(L"xmi.value")) return child->attributeText(L"xmi.value", context);
+    const XMLElement* child;
+    if (content->countNamed(subElement, child) != 1) return std::nullopt;
+    if (const XMLAttributeValue* value = child->attributeValue(L"xmi.value")) return value->text(context);
     return child->getContent()->text();
 }
 
@@ -189,10 +188,11 @@ NameRecord XMLElement::readName() const {
     if (const XMLAttributeValue* written = attributeValue(L"name"))
         return NameRecord::plain(written->text(Context::shared()));
     const _eString tag = L"UML:ModelElement.name";
-    ElementSeq written = content->childrenNamed(tag);
-    if (written.isEmpty()) return {NameRecord::missing, tag};
-    if (written.size() > 1) return {NameRecord::repeated, tag};
-    return {NameRecord::element, written.get(0)->getContent()->text()};
+    const XMLElement* written;
+    int found = content->countNamed(tag, written);
+    if (found == 0) return {NameRecord::missing, tag};
+    if (found > 1) return {NameRecord::repeated, tag};
+    return {NameRecord::element, written->getContent()->text()};
 }
 
 // In every form, where the visibility is left out: the number some exporters write as "scope".

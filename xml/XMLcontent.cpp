@@ -17,6 +17,19 @@ ElementSeq elementsWhere(const _eSeq<_eFrom<XMLContentItem>>& items, Keep keep) 
     return out;
 }
 
+// How many child elements `keep` keeps, the first of them in `first`.
+template <class Keep>
+int countWhere(const _eSeq<_eFrom<XMLContentItem>>& items, Keep keep, const XMLElement*& first) {
+    int count = 0;
+    first = nullptr;
+    for (int i = 0, n = items.size(); i < n; ++i) {
+        const XMLElement* element = items.get(i)->asElement();
+        if (element == nullptr || !keep(*element)) continue;
+        if (count++ == 0) first = element;
+    }
+    return count;
+}
+
 const Names& classifierNames() {
     static const Names names(_eString(L"UML:AssociationClass"), _eString(L"UML:Class"), _eString(L"UML:Classifier"),
                              _eString(L"UML:DataType"), _eString(L"UML:Data_Types.Enumeration"),
@@ -49,13 +62,23 @@ ElementSeq XMLcontent::childElements() const {
     return elementsWhere(items, [](const XMLElement&) { return true; });
 }
 
-bool XMLcontent::hasChild(const _eString& name) const { return !childrenNamed(name).isEmpty(); }
+bool XMLcontent::hasChild(const _eString& name) const {
+    const XMLElement* first;
+    return countNamed(name, first) > 0;
+}
+
+int XMLcontent::countNamed(const _eString& name, const XMLElement*& first) const {
+    return countWhere(items, [&](const XMLElement& e) { return e.getName() == name; }, first);
+}
+
+int XMLcontent::countInSet(const Names& names, const XMLElement*& first) const {
+    return countWhere(items, [&](const XMLElement& e) { return names.contains(e.getName()); }, first);
+}
 
 _eString XMLcontent::referencedId(const _eHndl<Context>& context) const {
     const Names& names = context->getParts().enumerations ? classifierOrEnumerationNames() : classifierNames();
-    ElementSeq candidates = childrenInSet(names);
-    if (candidates.size() != 1) return missingOrDuplicate(names, candidates.size());
-    const _eFrom<XMLElement>& candidate = candidates.get(0);
+    const XMLElement* candidate;
+    if (int found = countInSet(names, candidate); found != 1) return missingOrDuplicate(names, found);
     if (candidate->hasAttribute(L"xmi.idref")) return candidate->requiredAttribute(L"xmi.idref", context);
     return candidate->getContent()->grandchildAttribute(L"UML:Namespace.ownedElement", L"UML:DataType", L"xmi.idref",
                                                         context);
@@ -63,38 +86,38 @@ _eString XMLcontent::referencedId(const _eHndl<Context>& context) const {
 
 _eString XMLcontent::singleChildAttributeInSet(const Names& names, const _eString& attribute,
                                                const _eHndl<Context>& context) const {
-    ElementSeq children = childrenInSet(names);
-    if (children.size() != 1) return missingOrDuplicate(names, children.size());
-    return children.get(0)->requiredAttribute(attribute, context);
+    const XMLElement* child;
+    if (int found = countInSet(names, child); found != 1) return missingOrDuplicate(names, found);
+    return child->requiredAttribute(attribute, context);
 }
 
 _eString XMLcontent::singleChildAttribute(const _eString& name, const _eString& attribute,
                                           const _eHndl<Context>& context) const {
-    ElementSeq children = childrenNamed(name);
-    if (children.size() != 1) return missingOrDuplicate(name, children.size());
-    return children.get(0)->requiredAttribute(attribute, context);
+    const XMLElement* child;
+    if (int found = countNamed(name, child); found != 1) return missingOrDuplicate(name, found);
+    return child->requiredAttribute(attribute, context);
 }
 
 _eString XMLcontent::grandchildAttributeInSet(const Names& names, const Names& innerNames, const _eString& attribute,
                                               const _eHndl<Context>& context) const {
-    ElementSeq children = childrenInSet(names);
-    if (children.size() != 1) return missingOrDuplicate(names, children.size());
-    return children.get(0)->getContent()->singleChildAttributeInSet(innerNames, attribute, context);
+    const XMLElement* child;
+    if (int found = countInSet(names, child); found != 1) return missingOrDuplicate(names, found);
+    return child->getContent()->singleChildAttributeInSet(innerNames, attribute, context);
 }
 
 _eString XMLcontent::grandchildAttribute(const _eString& name, const _eString& innerName, const _eString& attribute,
                                          const _eHndl<Context>& context) const {
-    ElementSeq children = childrenNamed(name);
-    if (children.size() != 1) return missingOrDuplicate(name, children.size());
-    return children.get(0)->getContent()->singleChildAttribute(innerName, attribute, context);
+    const XMLElement* child;
+    if (int found = countNamed(name, child); found != 1) return missingOrDuplicate(name, found);
+    return child->getContent()->singleChildAttribute(innerName, attribute, context);
 }
 
 _eString XMLcontent::textAtPath(const _eSeq<_eString>& path) const {
     const _eString& first = path.get(0);
-    ElementSeq children = childrenNamed(first);
-    if (children.size() != 1) return missingOrDuplicate(first, children.size());
-    if (path.size() == 1) return children.get(0)->getContent()->text();
-    return children.get(0)->getContent()->textAtPath(path.drop(1));
+    const XMLElement* child;
+    if (int found = countNamed(first, child); found != 1) return missingOrDuplicate(first, found);
+    if (path.size() == 1) return child->getContent()->text();
+    return child->getContent()->textAtPath(path.drop(1));
 }
 
 _eString XMLcontent::text() const {

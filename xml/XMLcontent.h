@@ -45,6 +45,10 @@ public:
     ElementSeq elementsAtPath(const _eSeq<_eString>& path) const;
     ElementSeq childrenInSet(const Names& names) const;
     ElementSeq childrenNamed(const _eString& name) const;
+    // How many children have the name (or one of the names), the first of them in `first`
+    // (null when none): what the single-child rules ask, without a list of the children.
+    int countNamed(const _eString& name, const XMLElement*& first) const;
+    int countInSet(const Names& names, const XMLElement*& first) const;
     // Appends an item while the reductions build the content.
     void addItem(const _eFrom<XMLContentItem>& item);
 
