@@ -21,6 +21,13 @@ public:
         return {hi, hi};
     }
 
+    // The map of `items`, taken as they are. Not checked: ascending by key and keys unique.
+    static _eMap fromAscending(const _eSeq<Entry>& items) {
+        _eMap map;
+        map.items = items;
+        return map;
+    }
+
     bool containsKey(const K& key) const {
         auto [index, end] = lookup(key);
         return index != end;

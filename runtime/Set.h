@@ -70,6 +70,13 @@ public:
     }
 
     // Behind every element of the same rank. A present element leaves the set untouched.
+    // The set of `items`, taken as they are. Not checked: ascending and unique.
+    static _eSet fromAscending(const _eSeq<T>& items) {
+        _eSet set;
+        set.items = items;
+        return set;
+    }
+
     void add(const T& x) {
         auto [index, end] = lookup(x);
         if (index == end) items.insertAt(end, x);

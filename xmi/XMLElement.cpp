@@ -1,5 +1,10 @@
 #include "xmi/XMLElement.h"
 
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "runtime/StringUtils.h"
@@ -118,11 +123,85 @@ MultiplicityRecord XMLElement::readMultiplicity(const _eString& multiplicityElem
 
 bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedElement*>(this) == nullptr; }
 
-// The dictionary of the subtree, built bottom-up with a stack of its own rather than by
-// recursion, so that the nesting of the input doesn't decide the depth of the machine stack.
-// Each element folds its children's dictionaries from the left, then enters its own id.
+namespace {
+
+// The dictionary of one subtree while it is folded, in tables that change in place. The rules
+// are those of `XMLDictionary::add` and `merge`: a merge marks the ids that both sides define,
+// keeps the marks of either side, and drops every marked id from the entries; an element's own
+// id already entered below it is marked but stays entered until the next merge.
+struct FoldedIds {
+    std::unordered_map<std::wstring, const XMLElement*> entries;
+    std::unordered_set<std::wstring> duplicates;
+    std::vector<std::wstring> pending;  // marked while entered, since the last merge
+    Associations associations;
+    Generalizations generalizations;
+
+    void add(std::wstring id, const XMLElement& element) {
+        if (entries.count(id) != 0) {
+            duplicates.insert(id);
+            pending.push_back(std::move(id));
+        } else {
+            if (duplicates.count(id) != 0) pending.push_back(id);
+            entries.emplace(std::move(id), &element);
+        }
+        if (auto* association = dynamic_cast<const FCAssociationElement*>(&element))
+            associations.add(const_cast<FCAssociationElement*>(association));
+        if (auto* generalization = dynamic_cast<const FCGeneralizationElement*>(&element))
+            generalizations.add(const_cast<FCGeneralizationElement*>(generalization));
+    }
+
+    // This (the children folded so far) merged with the next child's: the smaller table goes
+    // into the larger, and the result is left here.
+    void merge(FoldedIds&& next) {
+        Associations associated = associations;
+        associated.addAll(next.associations);
+        Generalizations generalized = generalizations;
+        generalized.addAll(next.generalizations);
+        if (entries.size() + duplicates.size() < next.entries.size() + next.duplicates.size()) std::swap(*this, next);
+        FoldedIds& large = *this;
+        FoldedIds& small = next;
+        for (const std::wstring& id : large.pending) large.entries.erase(id);
+        large.pending.clear();
+        for (const std::wstring& id : small.duplicates) {
+            large.entries.erase(id);
+            large.duplicates.insert(id);
+        }
+        for (auto& [id, element] : small.entries) {
+            if (large.duplicates.count(id) != 0) continue;
+            auto [at, entered] = large.entries.emplace(id, element);
+            if (!entered) {
+                large.entries.erase(at);
+                large.duplicates.insert(id);
+            }
+        }
+        associations = std::move(associated);
+        generalizations = std::move(generalized);
+    }
+
+    // As a dictionary, its entries and marks in the order of their ids.
+    _eHndl<XMLDictionary> dictionary() const {
+        auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
+        std::vector<ClassMap::Entry> ordered;
+        ordered.reserve(entries.size());
+        for (const auto& [id, element] : entries)
+            ordered.push_back({_eString(std::wstring_view(id)), const_cast<XMLElement*>(element)});
+        std::sort(ordered.begin(), ordered.end(), [&](const auto& a, const auto& b) { return byRank(a.first, b.first); });
+        std::vector<_eString> marked;
+        marked.reserve(duplicates.size());
+        for (const std::wstring& id : duplicates) marked.push_back(_eString(std::wstring_view(id)));
+        std::sort(marked.begin(), marked.end(), byRank);
+        return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
+                                 Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())), associations,
+                                 generalizations);
+    }
+};
+
+}  // namespace
+
+// The dictionary of the subtree, folded bottom-up with a stack of its own rather than by
+// recursion: each element's children left to right, then its own id.
 _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool extensions) const {
-    std::vector<_eHndl<XMLDictionary>> folded;  // of the children done so far, per element entered
+    std::vector<std::optional<FoldedIds>> folded;  // of the children done so far, per element entered
     _eHndl<XMLDictionary> result;
     walkTree(
         *this,
@@ -132,14 +211,18 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
             return WalkChildren(*element.content);
         },
         [&](const XMLElement& element) {
-            _eHndl<XMLDictionary> done = folded.back().isNull() ? XMLDictionary::empty() : folded.back();
+            FoldedIds done = folded.back() ? std::move(*folded.back()) : FoldedIds();
             folded.pop_back();
-            if (element.hasAttribute(idAttribute))
-                done = done->add(element.attributeText(idAttribute, Context::shared()), const_cast<XMLElement*>(&element));
+            if (const XMLAttributeValue* id = element.attributeValue(idAttribute)) {
+                std::wstring scratch;
+                done.add(std::wstring(unitsOf(id->text(Context::shared()), scratch)), element);
+            }
             if (folded.empty())
-                result = done;
+                result = done.dictionary();
+            else if (!folded.back())
+                folded.back() = std::move(done);
             else
-                folded.back() = folded.back().isNull() ? done : folded.back()->merge(*done);
+                folded.back()->merge(std::move(done));
         });
     return result;
 }
