@@ -25,7 +25,7 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
         _eHndl<Terminal> current = offered;
         bool consumed = false;
         while (!finished) {
-            ActionTableEntry entry = terminalAction(state, current->getToken());
+            ActionTableEntry entry = terminalEntry(state, current->getToken());
             if (recovering && entry.action == ActionName::error) {
                 if (current->getToken() == Token::endOfFile) {
                     finished = true;
@@ -79,11 +79,11 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
 
 void Parser::resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry) {
     addError(errors, current->getLocation(), XMLErrorType::unexpectedToken, {current->getText()});
-    entry = terminalAction(state, Token::error);
+    entry = terminalEntry(state, Token::error);
     while (!stack.isEmpty() && entry.action == ActionName::error) {
         stack.pop(1);
         state = stack.peek(0).state;
-        entry = terminalAction(state, Token::error);
+        entry = terminalEntry(state, Token::error);
     }
     stack.trim();
     current = new SimpleTerminal(tokenLocation, Token::error);
@@ -92,7 +92,7 @@ void Parser::resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry) {
 
 void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry) {
     while (entry.action == ActionName::reduce || entry.action == ActionName::sh_red) {
-        ReduceTableEntry r = reduction(entry.parameter);
+        ReduceTableEntry r = reductionEntry(entry.parameter);
         if (r.length == 0) {
             reduceLocation = current->getLocation();
             stack.push({state, _eHndl<StackValue>(new StackValue(reduceLocation))});
@@ -103,7 +103,7 @@ void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry)
             reduceLocation = stack.peek(0).value->getLocation();
         }
         reduceAction(r.semanticAction);
-        entry = nonTerminalAction(state, r.nonTerminal);
+        entry = nonTerminalEntry(state, r.nonTerminal);
         switch (entry.action) {
             case ActionName::halt:
                 finished = true;
@@ -166,7 +166,7 @@ std::optional<std::int32_t> Parser::loopAction(std::int32_t below, std::int32_t 
     std::int32_t at = state;
     std::int32_t appended = noAction;
     bool consumed = false;
-    ActionTableEntry entry = terminalAction(at, token);
+    ActionTableEntry entry = terminalEntry(at, token);
     for (int steps = 0; steps < 64; ++steps) {
         switch (entry.action) {
             case ActionName::shift:
@@ -187,7 +187,7 @@ std::optional<std::int32_t> Parser::loopAction(std::int32_t below, std::int32_t 
         }
         // Reductions, as `reduceLoop` runs them.
         while (entry.action == ActionName::reduce || entry.action == ActionName::sh_red) {
-            ReduceTableEntry r = reduction(entry.parameter);
+            ReduceTableEntry r = reductionEntry(entry.parameter);
             if (r.length < 1 || r.length > size) return std::nullopt;
             int first = size - r.length;
             switch (actionKind(r.semanticAction)) {
@@ -203,7 +203,7 @@ std::optional<std::int32_t> Parser::loopAction(std::int32_t below, std::int32_t 
             }
             at = entries[first].state;
             size = first + 1;
-            entry = nonTerminalAction(at, r.nonTerminal);
+            entry = nonTerminalEntry(at, r.nonTerminal);
             if (entry.action == ActionName::shift)
                 at = entry.parameter;
             else if (entry.action == ActionName::skip)
@@ -212,7 +212,7 @@ std::optional<std::int32_t> Parser::loopAction(std::int32_t below, std::int32_t 
                 return std::nullopt;
         }
         if (consumed) break;
-        entry = terminalAction(at, token);
+        entry = terminalEntry(at, token);
     }
     if (!consumed || size != 1 || !entries[0].holdsTop || at != state) return std::nullopt;
     return appended;

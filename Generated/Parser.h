@@ -54,6 +54,9 @@ protected:
     ParseStack stack;
     std::int32_t state;
     const _eHndl<Location>& getReduceLocation() const { return reduceLocation; }
+    // A parser whose three lookups are exactly those of the flat copies in `tables` hands them
+    // over: the driver then reads them in place, without a virtual call per lookup.
+    void readTablesDirectly(const ParseTables& tables) { direct = &tables; }
 
     // What a semantic action does to the symbols of its production.
     enum class ActionKind {
@@ -69,6 +72,16 @@ protected:
     virtual void appendRun(std::int32_t, StackValue&, const wchar_t*, std::int32_t) {}
 
 private:
+    ActionTableEntry terminalEntry(std::int32_t at, std::int32_t token) const {
+        return direct != nullptr ? direct->flatTerminal.find(at, token) : terminalAction(at, token);
+    }
+    ActionTableEntry nonTerminalEntry(std::int32_t at, std::int32_t nonTerminal) const {
+        return direct != nullptr ? direct->flatNonTerminal.find(at, nonTerminal) : nonTerminalAction(at, nonTerminal);
+    }
+    ReduceTableEntry reductionEntry(std::int32_t production) const {
+        return direct != nullptr ? direct->flatReductions[std::size_t(production)] : reduction(production);
+    }
+
     // The semantic action (or `noAction`) that `token` runs when it only loops over the value
     // on top, whose entry holds `below`; nothing when it does more.
     std::optional<std::int32_t> loopAction(std::int32_t below, std::int32_t token) const;
@@ -86,6 +99,7 @@ private:
     XMLErrors errors;
     _eSeq<_eSet<int>> pendingClosers;    // closing tokens awaited while skipping brackets
     _eHndl<StackValue> result;           // set by `halt`
+    const ParseTables* direct = nullptr; // the tables read in place, if the parser handed them over
     // Run bytes found so far, by state, for each state below the value on top.
     struct KnownRuns {
         std::int32_t below;

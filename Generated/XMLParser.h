@@ -11,7 +11,9 @@ class XMLParser : public _eClass<XMLParser, Parser> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule5, 0};
 
-    using _eClass::_eClass;
+    XMLParser(const _eHndl<ParseControl>& control, std::int32_t initialState) : _eClass(control, initialState) {
+        readTablesDirectly(tables());
+    }
 
     bool equalFields(const XMLParser& other) const { return Parser::equalFields(other); }
 
