@@ -72,6 +72,7 @@ _eString seqText(const _eString& s) {
 
 bool textIs(const _eString& text, std::wstring_view word) {
     if (text.size() != int(word.size())) return false;
+    if (text.rootNode()->level() == 0) return word == std::wstring_view(text.rootNode()->asLeaf()->data(), word.size());
     _eSeqReader<wchar_t> reader(text);
     for (wchar_t unit : word)
         if (reader.next() != unit) return false;

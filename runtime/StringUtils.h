@@ -26,6 +26,25 @@ bool textIs(const _eString& text, std::wstring_view word);
 // The units of a string as one view: in place where the string lies in one leaf (the view then
 // lives as long as the string is unchanged), else copied into `scratch`.
 std::wstring_view unitsOf(const _eString& text, std::wstring& scratch);
+
+// A text that a caller asks by: a literal, or a string read in place where it lies in one leaf,
+// so that asking costs no new string. Lives as long as the call it is handed to.
+class TextView {
+public:
+    TextView(const wchar_t* text) : view(text) {}
+    TextView(std::wstring_view text) : view(text) {}
+    TextView(const _eString& text) : view(unitsOf(text, copy)) {}
+    TextView(const TextView&) = delete;
+    TextView& operator=(const TextView&) = delete;
+
+    std::wstring_view text() const { return view; }
+    // `other` holds exactly these units.
+    bool isIn(const _eString& other) const { return textIs(other, view); }
+
+private:
+    std::wstring copy;  // the units of a string of more than one leaf
+    std::wstring_view view;
+};
 bool containsUnit(const _eString& s, wchar_t c);
 // How many times `c` stands in `s`.
 std::int32_t countUnits(const _eString& s, wchar_t c);

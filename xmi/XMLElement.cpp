@@ -227,26 +227,15 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
     return result;
 }
 
-AttributeName::AttributeName(const _eString& text) : view(unitsOf(text, copy)) {}
-
-// A start tag holds few attributes: one pass comparing units in place beats a search that
-// compares strings through their trees.
-const XMLAttributeValue* XMLElement::attributeValue(const AttributeName& attribute) const {
-    std::wstring_view wanted = attribute.text();
-    const auto& entries = attributes.elements();
-    for (int i = 0, n = entries.size(); i < n; ++i) {
-        const auto& [key, value] = entries.get(i);
-        if (key.size() != int(wanted.size())) continue;
-        if (std::wstring scratch; unitsOf(key, scratch) == wanted) return value.get();
-    }
-    return nullptr;
+const XMLAttributeValue* XMLElement::attributeValue(const TextView& attribute) const {
+    return findAttribute(attributes, attribute.text());
 }
 
-_eString XMLElement::attributeText(const AttributeName& attribute, const _eHndl<Context>& context) const {
+_eString XMLElement::attributeText(const TextView& attribute, const _eHndl<Context>& context) const {
     return attributeValue(attribute)->text(context);
 }
 
-std::optional<_eString> XMLElement::propertyText(const AttributeName& attribute, const _eString& subElement,
+std::optional<_eString> XMLElement::propertyText(const TextView& attribute, const TextView& subElement,
                                                 const _eHndl<Context>& context) const {
     if (const XMLAttributeValue* value = attributeValue(attribute)) return value->text(context);
     const XMLElement* child;
@@ -255,12 +244,12 @@ std::optional<_eString> XMLElement::propertyText(const AttributeName& attribute,
     return child->getContent()->text();
 }
 
-_eString XMLElement::attributeOrSubElement(const AttributeName& attribute, const _eString& subElement,
+_eString XMLElement::attributeOrSubElement(const TextView& attribute, const TextView& subElement,
                                            const _eHndl<Context>& context) const {
     return propertyText(attribute, subElement, context).value_or(_eString(L"?"));
 }
 
-_eString XMLElement::requiredAttribute(const AttributeName& attribute, const _eHndl<Context>& context) const {
+_eString XMLElement::requiredAttribute(const TextView& attribute, const _eHndl<Context>& context) const {
     if (const XMLAttributeValue* value = attributeValue(attribute)) return value->text(context);
     return _eString(L"?[[Missing Attribute '") + _eString(attribute.text()) + L"']]";
 }
@@ -345,38 +334,47 @@ namespace {
 template <class... Parts>
 _eFrom<XMLElement> elementOfTag(const _eString& canonical, const Parts&... parts) {
     using Maker = XMLElement* (*)(const Parts&...);
-    static const _eMap<_eString, Maker> classes = [] {
-        _eMap<_eString, Maker> m;
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
+    };
+    static const std::unordered_map<std::wstring, Maker, Hash, std::equal_to<>> classes = [] {
+        std::unordered_map<std::wstring, Maker, Hash, std::equal_to<>> m;
         auto make = []<class C>(C*) -> Maker { return [](const Parts&... p) -> XMLElement* { return new C(p...); }; };
-        m.put(L"XMI", make(static_cast<XMIRootElement*>(nullptr)));
-        m.put(L"XMI.content", make(static_cast<XMIContentElement*>(nullptr)));
-        m.put(L"UML:Model", make(static_cast<Model_ManagementModelElement*>(nullptr)));
-        m.put(L"UML:Package", make(static_cast<Model_ManagementPackageElement*>(nullptr)));
-        m.put(L"UML:Namespace.ownedElement", make(static_cast<FCNamespaceOwnedElement*>(nullptr)));
-        m.put(L"UML:Class", make(static_cast<FCClassElement*>(nullptr)));
-        m.put(L"UML:Classifier.feature", make(static_cast<FCClassifierFeatureElement*>(nullptr)));
-        m.put(L"UML:Attribute", make(static_cast<FCAttributeElement*>(nullptr)));
-        m.put(L"UML:Operation", make(static_cast<FCOperationElement*>(nullptr)));
-        m.put(L"UML:Association", make(static_cast<FCAssociationElement*>(nullptr)));
-        m.put(L"UML:Generalization", make(static_cast<FCGeneralizationElement*>(nullptr)));
+        m.emplace(L"XMI", make(static_cast<XMIRootElement*>(nullptr)));
+        m.emplace(L"XMI.content", make(static_cast<XMIContentElement*>(nullptr)));
+        m.emplace(L"UML:Model", make(static_cast<Model_ManagementModelElement*>(nullptr)));
+        m.emplace(L"UML:Package", make(static_cast<Model_ManagementPackageElement*>(nullptr)));
+        m.emplace(L"UML:Namespace.ownedElement", make(static_cast<FCNamespaceOwnedElement*>(nullptr)));
+        m.emplace(L"UML:Class", make(static_cast<FCClassElement*>(nullptr)));
+        m.emplace(L"UML:Classifier.feature", make(static_cast<FCClassifierFeatureElement*>(nullptr)));
+        m.emplace(L"UML:Attribute", make(static_cast<FCAttributeElement*>(nullptr)));
+        m.emplace(L"UML:Operation", make(static_cast<FCOperationElement*>(nullptr)));
+        m.emplace(L"UML:Association", make(static_cast<FCAssociationElement*>(nullptr)));
+        m.emplace(L"UML:Generalization", make(static_cast<FCGeneralizationElement*>(nullptr)));
         return m;
     }();
-    if (!classes.containsKey(canonical)) return new UnrecognisedElement(parts...);
-    return classes.get(canonical)(parts...);
+    std::wstring scratch;
+    auto found = classes.find(unitsOf(canonical, scratch));
+    if (found == classes.end()) return new UnrecognisedElement(parts...);
+    return found->second(parts...);
 }
+
+// The start tag refers to an element ("xmi.idref") rather than defining one.
+bool refersToElement(const AttributeMap& attributes) { return findAttribute(attributes, L"xmi.idref") != nullptr; }
 
 }  // namespace
 
 _eFrom<XMLElement> ElementCreation::createElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
                                                   const _eHndl<XMLETag>& endTag, TagNaming naming) {
-    if (startTag->getAttributes()->getAttributes().containsKey(L"xmi.idref"))
+    if (refersToElement(startTag->getAttributes()->getAttributes()))
         return new UnrecognisedElement(startTag, content, endTag, naming);
     return elementOfTag(XMLElement::canonicalTagName(startTag->getName(), naming), startTag, content, endTag, naming);
 }
 
 _eFrom<XMLElement> ElementCreation::createEmptyElement(const _eHndl<XMLEmptyElemTag>& emptyTag, TagNaming naming,
                                                        bool byTag) {
-    if (!byTag || emptyTag->getAttributes()->getAttributes().containsKey(L"xmi.idref"))
+    if (!byTag || refersToElement(emptyTag->getAttributes()->getAttributes()))
         return new UnrecognisedElement(emptyTag, naming);
     return elementOfTag(XMLElement::canonicalTagName(emptyTag->getName(), naming), emptyTag, naming);
 }

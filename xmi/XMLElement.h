@@ -17,22 +17,6 @@
 // with "XMI".
 enum class TagNaming { specified, unprefixedUml };
 
-// The name of an attribute asked for: a literal, or a string read in place where it lies in one
-// leaf, so that asking costs no new string. Lives as long as the call it is handed to.
-class AttributeName {
-public:
-    AttributeName(const wchar_t* text) : view(text) {}
-    AttributeName(const _eString& text);
-    AttributeName(const AttributeName&) = delete;
-    AttributeName& operator=(const AttributeName&) = delete;
-
-    std::wstring_view text() const { return view; }
-
-private:
-    std::wstring copy;  // the units of a string of more than one leaf
-    std::wstring_view view;
-};
-
 class XMLElement : public _eClass<XMLElement, XMLContentItem> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule20, 0};
@@ -54,12 +38,12 @@ public:
     _eHndl<XMLDictionary> dictionary(const _eString& idAttribute = L"xmi.id", bool extensions = true) const;
     // The attribute's text if it is there, else the one child element's "xmi.value" or text;
     // none if neither.
-    std::optional<_eString> propertyText(const AttributeName& attribute, const _eString& subElement,
+    std::optional<_eString> propertyText(const TextView& attribute, const TextView& subElement,
                                          const _eHndl<Context>& context) const;
     // `propertyText`, "?" where there is none.
-    _eString attributeOrSubElement(const AttributeName& attribute, const _eString& subElement,
+    _eString attributeOrSubElement(const TextView& attribute, const TextView& subElement,
                                    const _eHndl<Context>& context) const;
-    _eString requiredAttribute(const AttributeName& attribute, const _eHndl<Context>& context) const;
+    _eString requiredAttribute(const TextView& attribute, const _eHndl<Context>& context) const;
     // The name from the attribute "name", else from the one "UML:ModelElement.name" child.
     NameRecord readName() const;
     // The type of the feature, given by the attribute "type" or the one child `elementName`.
@@ -95,11 +79,11 @@ public:
     const AttributeMap& getAttributes() const { return attributes; }
     const _eHndl<XMLcontent>& getContent() const { return content; }
     // The value of the attribute, or null where the start tag has none of that name.
-    const XMLAttributeValue* attributeValue(const AttributeName& attribute) const;
-    bool hasAttribute(const AttributeName& attribute) const { return attributeValue(attribute) != nullptr; }
+    const XMLAttributeValue* attributeValue(const TextView& attribute) const;
+    bool hasAttribute(const TextView& attribute) const { return attributeValue(attribute) != nullptr; }
     // The "xmi.id" of the element; empty when it has none.
     _eString ownId() const;
-    _eString attributeText(const AttributeName& attribute, const _eHndl<Context>& context) const;
+    _eString attributeText(const TextView& attribute, const _eHndl<Context>& context) const;
 
     // "Foundation.Core.X", "Model_Management.X" and "Foundation.Data_Types.X" become "UML:X".
     static _eString canonicalTagName(const _eString& tag, TagNaming naming = TagNaming::specified);

@@ -1,7 +1,10 @@
 // Attributes and tags: what a start, end or empty-element tag leaves for its element.
 #pragma once
 
+#include <string_view>
+
 #include "runtime/Map.h"
+#include "runtime/StringUtils.h"
 #include "xml/XMLNames.h"
 #include "xml/XMLValues.h"
 
@@ -25,6 +28,15 @@ private:
 };
 
 using AttributeMap = _eMap<_eString, _eHndl<XMLAttributeValue>>;
+
+// The value of the attribute named `name`, or null. A start tag holds few attributes: one pass
+// comparing units in place beats a search that compares strings through their trees.
+inline const XMLAttributeValue* findAttribute(const AttributeMap& attributes, std::wstring_view name) {
+    const auto& entries = attributes.elements();
+    for (int i = 0, n = entries.size(); i < n; ++i)
+        if (textIs(entries.get(i).first, name)) return entries.get(i).second.get();
+    return nullptr;
+}
 
 class XMLAttributeList : public _eClass<XMLAttributeList, NonTerminal> {
 public:

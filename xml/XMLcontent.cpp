@@ -62,13 +62,13 @@ ElementSeq XMLcontent::childElements() const {
     return elementsWhere(items, [](const XMLElement&) { return true; });
 }
 
-bool XMLcontent::hasChild(const _eString& name) const {
+bool XMLcontent::hasChild(const TextView& name) const {
     const XMLElement* first;
     return countNamed(name, first) > 0;
 }
 
-int XMLcontent::countNamed(const _eString& name, const XMLElement*& first) const {
-    return countWhere(items, [&](const XMLElement& e) { return e.getName() == name; }, first);
+int XMLcontent::countNamed(const TextView& name, const XMLElement*& first) const {
+    return countWhere(items, [&](const XMLElement& e) { return name.isIn(e.getName()); }, first);
 }
 
 int XMLcontent::countInSet(const Names& names, const XMLElement*& first) const {
@@ -135,12 +135,25 @@ ElementSeq XMLcontent::elementsAtPath(const _eSeq<_eString>& path) const {
     return out;
 }
 
+ElementSeq XMLcontent::elementsAtPath(std::initializer_list<std::wstring_view> path) const {
+    ElementSeq children = childrenNamed(*path.begin());
+    if (path.size() == 1 || children.isEmpty()) return children;
+    _eSeq<_eString> rest;
+    for (auto step = path.begin() + 1; path.size() > 2 && step != path.end(); ++step) rest.pushBack(_eString(*step));
+    ElementSeq out;
+    for (int i = 0, n = children.size(); i < n; ++i) {
+        const XMLcontent& below = *children.get(i)->getContent();
+        out.appendAll(path.size() == 2 ? below.childrenNamed(*(path.begin() + 1)) : below.elementsAtPath(rest));
+    }
+    return out;
+}
+
 ElementSeq XMLcontent::childrenInSet(const Names& names) const {
     return elementsWhere(items, [&](const XMLElement& e) { return names.contains(e.getName()); });
 }
 
-ElementSeq XMLcontent::childrenNamed(const _eString& name) const {
-    return elementsWhere(items, [&](const XMLElement& e) { return e.getName() == name; });
+ElementSeq XMLcontent::childrenNamed(const TextView& name) const {
+    return elementsWhere(items, [&](const XMLElement& e) { return name.isIn(e.getName()); });
 }
 
 void XMLcontent::addItem(const _eFrom<XMLContentItem>& item) {

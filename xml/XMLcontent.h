@@ -2,7 +2,11 @@
 // element class asks of its children: by name, single-child rules, text, references.
 #pragma once
 
+#include <initializer_list>
+#include <string_view>
+
 #include "runtime/Map.h"
+#include "runtime/StringUtils.h"
 #include "xml/XMLNode.h"
 
 class XMLElement;
@@ -24,7 +28,7 @@ public:
 
     // The items that are elements, in order.
     ElementSeq childElements() const;
-    bool hasChild(const _eString& name) const;
+    bool hasChild(const TextView& name) const;
     // The id that this content refers to: the "xmi.idref" of its one classifier reference.
     _eString referencedId(const _eHndl<Context>& context) const;
     // The single-child rules: the attribute of the one child (or grandchild) of that name, else
@@ -43,11 +47,12 @@ public:
     _eString text() const;
     // Every element at the path, all matches at every level, in document order.
     ElementSeq elementsAtPath(const _eSeq<_eString>& path) const;
+    ElementSeq elementsAtPath(std::initializer_list<std::wstring_view> path) const;
     ElementSeq childrenInSet(const Names& names) const;
-    ElementSeq childrenNamed(const _eString& name) const;
+    ElementSeq childrenNamed(const TextView& name) const;
     // How many children have the name (or one of the names), the first of them in `first`
     // (null when none): what the single-child rules ask, without a list of the children.
-    int countNamed(const _eString& name, const XMLElement*& first) const;
+    int countNamed(const TextView& name, const XMLElement*& first) const;
     int countInSet(const Names& names, const XMLElement*& first) const;
     // Appends an item while the reductions build the content.
     void addItem(const _eFrom<XMLContentItem>& item);
