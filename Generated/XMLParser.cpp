@@ -161,5 +161,5 @@ _eFrom<XMLContentItem> XMLParser::contentItem(const _eFrom<XMLContentItem>& item
 void XMLParser::noteTag(const _eHndl<XMLString>& name) {
     if (!extensions.anywhere || rootSeen) return;
     rootSeen = true;
-    if (name->getText() == _eString(L"XMI")) naming = TagNaming::unprefixedUml;
+    if (textIs(name->getText(), L"XMI")) naming = TagNaming::unprefixedUml;
 }

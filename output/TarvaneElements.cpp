@@ -154,11 +154,11 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         else if (closes && indent < 2)
             blankLinePending = true;
         if (inParameterLine) {
-            if (current == _eString(L"(")) {
+            if (textIs(current, L"(")) {
                 bracketDepth += 1;
             } else if (bracketDepth == 0) {
                 inParameterLine = false;
-            } else if (current == _eString(L")")) {
+            } else if (textIs(current, L")")) {
                 bracketDepth -= 1;
                 if (bracketDepth == 0) breakPending = true, inParameterLine = false;
             }
@@ -205,7 +205,7 @@ std::int32_t ElementBase::breakPosition(const _eString& text, std::int32_t room,
 _eString TarvaneElements::separatorBetween(const _eString& previous, bool previousIsComment, const _eString& current,
                                            bool currentIsComment, std::int32_t, const ImportOptions&) const {
     if (lineEnders().contains(previous)) return L"\n";
-    if (blockClosers().contains(previous) && !(current == _eString(L";"))) return L"\n";
+    if (blockClosers().contains(previous) && !textIs(current, L";")) return L"\n";
     if (lineStarters().contains(current)) return L"\n";
     if (currentIsComment || previousIsComment) return L"\n";
     if (noBlankAfter().contains(previous)) return L"";

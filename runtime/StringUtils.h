@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,14 @@ bool textIs(const _eString& text, std::wstring_view word);
 // The units of a string as one view: in place where the string lies in one leaf (the view then
 // lives as long as the string is unchanged), else copied into `scratch`.
 std::wstring_view unitsOf(const _eString& text, std::wstring& scratch);
+
+// The hash of a string's units, for hash tables keyed by strings themselves.
+struct StringHash {
+    std::size_t operator()(const _eString& text) const {
+        std::wstring scratch;
+        return std::hash<std::wstring_view>{}(unitsOf(text, scratch));
+    }
+};
 
 // A text that a caller asks by: a literal, or a string read in place where it lies in one leaf,
 // so that asking costs no new string. Lives as long as the call it is handed to.

@@ -74,8 +74,7 @@ public:
     _eFrom<XMLElement> find(const _eString& id, const ClassMap& entries) {
         if (entries.isEmpty()) return {};
         if (!built) build(entries);
-        std::wstring scratch;
-        auto found = byId.find(unitsOf(id, scratch));
+        auto found = byId.find(id);
         return found == byId.end() ? _eFrom<XMLElement>() : found->second;
     }
 
@@ -83,18 +82,12 @@ private:
     void build(const ClassMap& entries) {
         const auto& all = entries.elements();
         byId.reserve(std::size_t(all.size()));
-        std::wstring scratch;
-        for (int i = 0, n = all.size(); i < n; ++i)
-            byId.emplace(std::wstring(unitsOf(all.get(i).first, scratch)), all.get(i).second);
+        for (int i = 0, n = all.size(); i < n; ++i) byId.emplace(all.get(i).first, all.get(i).second);
         built = true;
     }
 
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
-    };
     bool built = false;
-    std::unordered_map<std::wstring, _eFrom<XMLElement>, Hash, std::equal_to<>> byId;
+    std::unordered_map<_eString, _eFrom<XMLElement>, StringHash> byId;
 };
 
 class XMLDictionary : public _eClass<XMLDictionary, _eAny> {

@@ -130,13 +130,13 @@ namespace {
 // keeps the marks of either side, and drops every marked id from the entries; an element's own
 // id already entered below it is marked but stays entered until the next merge.
 struct FoldedIds {
-    std::unordered_map<std::wstring, const XMLElement*> entries;
-    std::unordered_set<std::wstring> duplicates;
-    std::vector<std::wstring> pending;  // marked while entered, since the last merge
+    std::unordered_map<_eString, const XMLElement*, StringHash> entries;
+    std::unordered_set<_eString, StringHash> duplicates;
+    std::vector<_eString> pending;  // marked while entered, since the last merge
     Associations associations;
     Generalizations generalizations;
 
-    void add(std::wstring id, const XMLElement& element) {
+    void add(_eString id, const XMLElement& element) {
         if (entries.count(id) != 0) {
             duplicates.insert(id);
             pending.push_back(std::move(id));
@@ -160,9 +160,9 @@ struct FoldedIds {
         if (entries.size() + duplicates.size() < next.entries.size() + next.duplicates.size()) std::swap(*this, next);
         FoldedIds& large = *this;
         FoldedIds& small = next;
-        for (const std::wstring& id : large.pending) large.entries.erase(id);
+        for (const _eString& id : large.pending) large.entries.erase(id);
         large.pending.clear();
-        for (const std::wstring& id : small.duplicates) {
+        for (const _eString& id : small.duplicates) {
             large.entries.erase(id);
             large.duplicates.insert(id);
         }
@@ -183,12 +183,9 @@ struct FoldedIds {
         auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
         std::vector<ClassMap::Entry> ordered;
         ordered.reserve(entries.size());
-        for (const auto& [id, element] : entries)
-            ordered.push_back({_eString(std::wstring_view(id)), const_cast<XMLElement*>(element)});
+        for (const auto& [id, element] : entries) ordered.push_back({id, const_cast<XMLElement*>(element)});
         std::sort(ordered.begin(), ordered.end(), [&](const auto& a, const auto& b) { return byRank(a.first, b.first); });
-        std::vector<_eString> marked;
-        marked.reserve(duplicates.size());
-        for (const std::wstring& id : duplicates) marked.push_back(_eString(std::wstring_view(id)));
+        std::vector<_eString> marked(duplicates.begin(), duplicates.end());
         std::sort(marked.begin(), marked.end(), byRank);
         return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
                                  Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())), associations,
@@ -213,10 +210,8 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
         [&](const XMLElement& element) {
             FoldedIds done = folded.back() ? std::move(*folded.back()) : FoldedIds();
             folded.pop_back();
-            if (const XMLAttributeValue* id = element.attributeValue(idAttribute)) {
-                std::wstring scratch;
-                done.add(std::wstring(unitsOf(id->text(Context::shared()), scratch)), element);
-            }
+            if (const XMLAttributeValue* id = element.attributeValue(idAttribute))
+                done.add(id->text(Context::shared()), element);
             if (folded.empty())
                 result = done.dictionary();
             else if (!folded.back())

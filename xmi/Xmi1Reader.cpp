@@ -193,7 +193,7 @@ NotesRecord XMLElement::notes(const _eHndl<Context>& context) const {
     return notes;
 }
 
-bool Xmi1Reader::readsDocument() const { return root->getName() == _eString(L"XMI"); }
+bool Xmi1Reader::readsDocument() const { return textIs(root->getName(), L"XMI"); }
 
 NameRecord Xmi1Reader::readName(const XMLElement& element) const { return element.readName(); }
 
@@ -206,7 +206,7 @@ _eString Xmi1Reader::definedKind(const XMLElement& element, bool& descend) const
 }
 
 bool Xmi1Reader::isPackage(const XMLElement& element) const {
-    return element.getName() == _eString(L"UML:Package") || element.getName() == _eString(L"UML:Subsystem");
+    return textIs(element.getName(), L"UML:Package") || textIs(element.getName(), L"UML:Subsystem");
 }
 
 bool Xmi1Reader::isDeclaredBeyondClasses(const XMLElement& element) const {
@@ -319,7 +319,7 @@ std::shared_ptr<const ModelReader> Xmi1PathReader::recognise(const XMLElement& r
 }
 
 bool Xmi1PathReader::isClass(const XMLElement& element) const {
-    return (element.isRecognised() && element.getName() == _eString(L"UML:Class")) || isDeclaredBeyondClasses(element);
+    return (element.isRecognised() && textIs(element.getName(), L"UML:Class")) || isDeclaredBeyondClasses(element);
 }
 
 WalkChildren Xmi1PathReader::descent(const XMLElement& element) const {
@@ -351,13 +351,13 @@ std::shared_ptr<const ModelReader> Xmi1AnywhereReader::recognise(const XMLElemen
 }
 
 bool Xmi1AnywhereReader::isClass(const XMLElement& element) const {
-    return (element.getName() == _eString(L"UML:Class") && element.hasAttribute(L"xmi.id") &&
+    return (textIs(element.getName(), L"UML:Class") && element.hasAttribute(L"xmi.id") &&
             !element.hasAttribute(L"xmi.idref")) ||
            isDeclaredBeyondClasses(element);
 }
 
 WalkChildren Xmi1AnywhereReader::descent(const XMLElement& element) const {
-    if (element.getName() == _eString(L"XMI")) return element.getContent()->childrenNamed(L"XMI.content");
+    if (textIs(element.getName(), L"XMI")) return element.getContent()->childrenNamed(L"XMI.content");
     return *element.getContent();
 }
 

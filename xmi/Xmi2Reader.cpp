@@ -36,7 +36,7 @@ std::shared_ptr<const ModelReader> Xmi2Reader::recognise(const XMLElement& root,
     for (int i = 0, n = attributes.size(); i < n; ++i) {
         const _eString& name = attributes.at(i).first;
         _eString bound;
-        if (name == _eString(L"xmlns"))
+        if (textIs(name, L"xmlns"))
             bound = {};
         else if (textIs(prefix(name), L"xmlns"))
             bound = local(name);
