@@ -1,6 +1,8 @@
 #include "output/TarvaneElements.h"
 
 #include <algorithm>
+#include <string>
+#include <unordered_map>
 
 #include "environment/PlatformText.h"
 #include "runtime/StringUtils.h"
@@ -204,13 +206,44 @@ std::int32_t ElementBase::breakPosition(const _eString& text, std::int32_t room,
 
 _eString TarvaneElements::separatorBetween(const _eString& previous, bool previousIsComment, const _eString& current,
                                            bool currentIsComment, std::int32_t, const ImportOptions&) const {
-    if (lineEnders().contains(previous)) return L"\n";
-    if (blockClosers().contains(previous) && !textIs(current, L";")) return L"\n";
-    if (lineStarters().contains(current)) return L"\n";
+    unsigned before = wordSets(previous);
+    unsigned after = wordSets(current);
+    if (before & lineEnder) return L"\n";
+    if ((before & closer) && !textIs(current, L";")) return L"\n";
+    if (after & lineStarter) return L"\n";
     if (currentIsComment || previousIsComment) return L"\n";
-    if (noBlankAfter().contains(previous)) return L"";
-    if (noBlankBefore().contains(current)) return L"";
+    if (before & blankNotAfter) return L"";
+    if (after & blankNotBefore) return L"";
     return L" ";
+}
+
+unsigned TarvaneElements::wordSets(const _eString& token) {
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
+    };
+    struct Table {
+        std::unordered_map<std::wstring, unsigned, Hash, std::equal_to<>> bits;
+        int longest = 0;
+    };
+    static const Table table = [] {
+        Table t;
+        const std::pair<const _eSet<_eString>*, unsigned> sets[] = {
+            {&blockOpeners(), opener},      {&blockClosers(), closer},        {&sectionHeads(), sectionHead},
+            {&lineEnders(), lineEnder},     {&lineStarters(), lineStarter},   {&noBlankAfter(), blankNotAfter},
+            {&noBlankBefore(), blankNotBefore}};
+        for (const auto& [set, bit] : sets)
+            for (int i = 0, n = set->size(); i < n; ++i) {
+                const _eString& word = set->elements().get(i);
+                t.bits[toWString(word)] |= bit;
+                t.longest = std::max(t.longest, word.size());
+            }
+        return t;
+    }();
+    if (token.size() > table.longest) return 0;
+    std::wstring scratch;
+    auto found = table.bits.find(unitsOf(token, scratch));
+    return found == table.bits.end() ? 0 : found->second;
 }
 
 const _eSet<_eString>& TarvaneElements::blockOpeners() {

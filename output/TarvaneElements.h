@@ -83,10 +83,10 @@ public:
 
     _eString separatorBetween(const _eString& previous, bool previousIsComment, const _eString& current,
                               bool currentIsComment, std::int32_t indent, const ImportOptions& options) const override;
-    bool isSectionHead(const _eString& token) const override { return sectionHeads().contains(token); }
+    bool isSectionHead(const _eString& token) const override { return (wordSets(token) & sectionHead) != 0; }
     bool startsParameterLine(const _eString& token) const override { return parameterLineStarters().contains(token); }
-    bool opensBlock(const _eString&, const _eString& current) const override { return blockOpeners().contains(current); }
-    bool closesBlock(const _eString&, const _eString& current) const override { return blockClosers().contains(current); }
+    bool opensBlock(const _eString&, const _eString& current) const override { return (wordSets(current) & opener) != 0; }
+    bool closesBlock(const _eString&, const _eString& current) const override { return (wordSets(current) & closer) != 0; }
 
     _eHndl<TarvaneElements> concat(const TarvaneElements& other) const {
         return _eHndl<TarvaneElements>(new TarvaneElements(getTokens().concat(other.getTokens())));
@@ -100,4 +100,17 @@ public:
     static const _eSet<_eString>& noBlankAfter();
     static const _eSet<_eString>& noBlankBefore();
     static const _eSet<_eString>& parameterLineStarters();
+
+    // The sets above that hold a word, a bit each: every token of the output is asked about,
+    // and one lookup answers what a search of each set in turn would.
+    enum WordSet : unsigned {
+        opener = 1,
+        closer = 2,
+        sectionHead = 4,
+        lineEnder = 8,
+        lineStarter = 16,
+        blankNotAfter = 32,
+        blankNotBefore = 64
+    };
+    static unsigned wordSets(const _eString& token);
 };
