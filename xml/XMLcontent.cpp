@@ -137,7 +137,7 @@ ElementSeq XMLcontent::elementsAtPath(const _eSeq<_eString>& path) const {
 
 ElementSeq XMLcontent::elementsAtPath(std::initializer_list<std::wstring_view> path) const {
     ElementSeq children = childrenNamed(*path.begin());
-    if (path.size() == 1 || children.isEmpty()) return children;
+    if (children.isEmpty() || path.size() == 1) return children;
     _eSeq<_eString> rest;
     for (auto step = path.begin() + 1; path.size() > 2 && step != path.end(); ++step) rest.pushBack(_eString(*step));
     ElementSeq out;
