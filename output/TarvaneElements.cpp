@@ -218,12 +218,8 @@ _eString TarvaneElements::separatorBetween(const _eString& previous, bool previo
 }
 
 unsigned TarvaneElements::wordSets(const _eString& token) {
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
-    };
     struct Table {
-        std::unordered_map<std::wstring, unsigned, Hash, std::equal_to<>> bits;
+        std::unordered_map<std::wstring, unsigned, UnitsHash, std::equal_to<>> bits;
         int longest = 0;
     };
     static const Table table = [] {

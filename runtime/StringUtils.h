@@ -28,6 +28,13 @@ bool textIs(const _eString& text, std::wstring_view word);
 // lives as long as the string is unchanged), else copied into `scratch`.
 std::wstring_view unitsOf(const _eString& text, std::wstring& scratch);
 
+// The hash of a text's units, for hash tables of wide texts that are asked by views of units
+// (heterogeneous lookup: no text is made to ask).
+struct UnitsHash {
+    using is_transparent = void;
+    std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
+};
+
 // The hash of a string's units, for hash tables keyed by strings themselves.
 struct StringHash {
     std::size_t operator()(const _eString& text) const {

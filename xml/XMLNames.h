@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "runtime/Seq.h"
+#include "runtime/StringUtils.h"
 
 class XMLNames {
 public:
@@ -35,16 +36,12 @@ public:
     }
 
 private:
-    struct TextHash {
-        using is_transparent = void;
-        std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
-    };
     // Strings kept by a text, so that a lookup costs one hash of the units and one comparison;
     // in front of them the last strings asked for, by the node that holds their text: a name
     // read again from the same shared string is found by one comparison of addresses. A slot
     // holds its string, so that its node stays what it was.
     struct Table {
-        std::unordered_map<std::wstring, _eString, TextHash, std::equal_to<>> kept;
+        std::unordered_map<std::wstring, _eString, UnitsHash, std::equal_to<>> kept;
         struct Recent {
             _eString asked;
             _eString answer;
