@@ -1,5 +1,7 @@
 #include "xmi/XMLDictionary.h"
 
+#include <algorithm>
+
 const _eHndl<XMLDictionary>& XMLDictionary::empty() {
     static const _eHndl<XMLDictionary> none(new XMLDictionary());
     return none;
@@ -79,4 +81,57 @@ Associations XMLDictionary::associationsOf(const _eString& classId, const _eHndl
 Generalizations XMLDictionary::generalizationsOf(const _eString& classId, const _eHndl<Context>& context) const {
     return generalizationIndex.membersOf(classId, generalizations,
                                          [&](const FCGeneralizationElement& g) { return Names(g.childId(context)); });
+}
+
+void DictionaryFold::add(_eString id, const XMLElement& element) {
+    if (entries.count(id) != 0) {
+        duplicates.insert(id);
+        pending.push_back(std::move(id));
+    } else {
+        if (duplicates.count(id) != 0) pending.push_back(id);
+        entries.emplace(std::move(id), &element);
+    }
+    if (auto* association = dynamic_cast<const FCAssociationElement*>(&element))
+        associations.add(const_cast<FCAssociationElement*>(association));
+    if (auto* generalization = dynamic_cast<const FCGeneralizationElement*>(&element))
+        generalizations.add(const_cast<FCGeneralizationElement*>(generalization));
+}
+
+void DictionaryFold::merge(DictionaryFold&& next) {
+    Associations associated = associations;
+    associated.addAll(next.associations);
+    Generalizations generalized = generalizations;
+    generalized.addAll(next.generalizations);
+    if (entries.size() + duplicates.size() < next.entries.size() + next.duplicates.size()) std::swap(*this, next);
+    DictionaryFold& large = *this;
+    DictionaryFold& small = next;
+    for (const _eString& id : large.pending) large.entries.erase(id);
+    large.pending.clear();
+    for (const _eString& id : small.duplicates) {
+        large.entries.erase(id);
+        large.duplicates.insert(id);
+    }
+    for (auto& [id, element] : small.entries) {
+        if (large.duplicates.count(id) != 0) continue;
+        auto [at, entered] = large.entries.emplace(id, element);
+        if (!entered) {
+            large.entries.erase(at);
+            large.duplicates.insert(id);
+        }
+    }
+    associations = std::move(associated);
+    generalizations = std::move(generalized);
+}
+
+_eHndl<XMLDictionary> DictionaryFold::dictionary() const {
+    auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
+    std::vector<ClassMap::Entry> ordered;
+    ordered.reserve(entries.size());
+    for (const auto& [id, element] : entries) ordered.push_back({id, const_cast<XMLElement*>(element)});
+    std::sort(ordered.begin(), ordered.end(), [&](const auto& a, const auto& b) { return byRank(a.first, b.first); });
+    std::vector<_eString> marked(duplicates.begin(), duplicates.end());
+    std::sort(marked.begin(), marked.end(), byRank);
+    return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
+                             Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())), associations,
+                             generalizations);
 }

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 #include "runtime/StringUtils.h"
 #include "xmi/XMLElement.h"
@@ -142,4 +144,26 @@ private:
     mutable ClassIdIndex<FCAssociationElement> associationIndex;
     mutable ClassIdIndex<FCGeneralizationElement> generalizationIndex;
     mutable EntryIndex entryIndex;
+};
+
+// The dictionary of one subtree while it is folded, in tables that change in place: what
+// `add` and `merge` above do to values, done without a new map per element. A merge marks the
+// ids that both sides define, keeps the marks of either side, and drops every marked id from the
+// entries; an element's own id already entered below it is marked but stays entered until the
+// next merge.
+class DictionaryFold {
+public:
+    void add(_eString id, const XMLElement& element);
+    // This (the children folded so far) merged with the next child's: the smaller table goes
+    // into the larger, and the result is left here.
+    void merge(DictionaryFold&& next);
+    // As a dictionary, its entries and marks in the order of their ids.
+    _eHndl<XMLDictionary> dictionary() const;
+
+private:
+    std::unordered_map<_eString, const XMLElement*, StringHash> entries;
+    std::unordered_set<_eString, StringHash> duplicates;
+    std::vector<_eString> pending;  // marked while entered, since the last merge
+    Associations associations;
+    Generalizations generalizations;
 };

@@ -1,10 +1,8 @@
 #include "xmi/XMLElement.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "runtime/StringUtils.h"
@@ -123,82 +121,10 @@ MultiplicityRecord XMLElement::readMultiplicity(const _eString& multiplicityElem
 
 bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedElement*>(this) == nullptr; }
 
-namespace {
-
-// The dictionary of one subtree while it is folded, in tables that change in place. The rules
-// are those of `XMLDictionary::add` and `merge`: a merge marks the ids that both sides define,
-// keeps the marks of either side, and drops every marked id from the entries; an element's own
-// id already entered below it is marked but stays entered until the next merge.
-struct FoldedIds {
-    std::unordered_map<_eString, const XMLElement*, StringHash> entries;
-    std::unordered_set<_eString, StringHash> duplicates;
-    std::vector<_eString> pending;  // marked while entered, since the last merge
-    Associations associations;
-    Generalizations generalizations;
-
-    void add(_eString id, const XMLElement& element) {
-        if (entries.count(id) != 0) {
-            duplicates.insert(id);
-            pending.push_back(std::move(id));
-        } else {
-            if (duplicates.count(id) != 0) pending.push_back(id);
-            entries.emplace(std::move(id), &element);
-        }
-        if (auto* association = dynamic_cast<const FCAssociationElement*>(&element))
-            associations.add(const_cast<FCAssociationElement*>(association));
-        if (auto* generalization = dynamic_cast<const FCGeneralizationElement*>(&element))
-            generalizations.add(const_cast<FCGeneralizationElement*>(generalization));
-    }
-
-    // This (the children folded so far) merged with the next child's: the smaller table goes
-    // into the larger, and the result is left here.
-    void merge(FoldedIds&& next) {
-        Associations associated = associations;
-        associated.addAll(next.associations);
-        Generalizations generalized = generalizations;
-        generalized.addAll(next.generalizations);
-        if (entries.size() + duplicates.size() < next.entries.size() + next.duplicates.size()) std::swap(*this, next);
-        FoldedIds& large = *this;
-        FoldedIds& small = next;
-        for (const _eString& id : large.pending) large.entries.erase(id);
-        large.pending.clear();
-        for (const _eString& id : small.duplicates) {
-            large.entries.erase(id);
-            large.duplicates.insert(id);
-        }
-        for (auto& [id, element] : small.entries) {
-            if (large.duplicates.count(id) != 0) continue;
-            auto [at, entered] = large.entries.emplace(id, element);
-            if (!entered) {
-                large.entries.erase(at);
-                large.duplicates.insert(id);
-            }
-        }
-        associations = std::move(associated);
-        generalizations = std::move(generalized);
-    }
-
-    // As a dictionary, its entries and marks in the order of their ids.
-    _eHndl<XMLDictionary> dictionary() const {
-        auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
-        std::vector<ClassMap::Entry> ordered;
-        ordered.reserve(entries.size());
-        for (const auto& [id, element] : entries) ordered.push_back({id, const_cast<XMLElement*>(element)});
-        std::sort(ordered.begin(), ordered.end(), [&](const auto& a, const auto& b) { return byRank(a.first, b.first); });
-        std::vector<_eString> marked(duplicates.begin(), duplicates.end());
-        std::sort(marked.begin(), marked.end(), byRank);
-        return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
-                                 Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())), associations,
-                                 generalizations);
-    }
-};
-
-}  // namespace
-
 // The dictionary of the subtree, folded bottom-up with a stack of its own rather than by
 // recursion: each element's children left to right, then its own id.
 _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool extensions) const {
-    std::vector<std::optional<FoldedIds>> folded;  // of the children done so far, per element entered
+    std::vector<std::optional<DictionaryFold>> folded;  // of the children done so far, per element entered
     _eHndl<XMLDictionary> result;
     walkTree(
         *this,
@@ -208,7 +134,7 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
             return WalkChildren(*element.content);
         },
         [&](const XMLElement& element) {
-            FoldedIds done = folded.back() ? std::move(*folded.back()) : FoldedIds();
+            DictionaryFold done = folded.back() ? std::move(*folded.back()) : DictionaryFold();
             folded.pop_back();
             if (const XMLAttributeValue* id = element.attributeValue(idAttribute))
                 done.add(id->text(Context::shared()), element);
@@ -233,7 +159,7 @@ _eString XMLElement::attributeText(const TextView& attribute, const _eHndl<Conte
 std::optional<_eString> XMLElement::propertyText(const TextView& attribute, const TextView& subElement,
                                                 const _eHndl<Context>& context) const {
     if (const XMLAttributeValue* value = attributeValue(attribute)) return value->text(context);
-    const XMLElement* child;
+    const XMLElement* child = nullptr;
     if (content->countNamed(subElement, child) != 1) return std::nullopt;
     if (const XMLAttributeValue* value = child->attributeValue(L"xmi.value")) return value->text(context);
     return child->getContent()->text();
@@ -255,7 +181,7 @@ NameRecord XMLElement::readName() const {
     if (const XMLAttributeValue* written = attributeValue(L"name"))
         return NameRecord::plain(written->text(Context::shared()));
     const _eString tag = L"UML:ModelElement.name";
-    const XMLElement* written;
+    const XMLElement* written = nullptr;
     int found = content->countNamed(tag, written);
     if (found == 0) return {NameRecord::missing, tag};
     if (found > 1) return {NameRecord::repeated, tag};
@@ -329,12 +255,8 @@ namespace {
 template <class... Parts>
 _eFrom<XMLElement> elementOfTag(const _eString& canonical, const Parts&... parts) {
     using Maker = XMLElement* (*)(const Parts&...);
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
-    };
-    static const std::unordered_map<std::wstring, Maker, Hash, std::equal_to<>> classes = [] {
-        std::unordered_map<std::wstring, Maker, Hash, std::equal_to<>> m;
+    static const std::unordered_map<std::wstring, Maker, UnitsHash, std::equal_to<>> classes = [] {
+        std::unordered_map<std::wstring, Maker, UnitsHash, std::equal_to<>> m;
         auto make = []<class C>(C*) -> Maker { return [](const Parts&... p) -> XMLElement* { return new C(p...); }; };
         m.emplace(L"XMI", make(static_cast<XMIRootElement*>(nullptr)));
         m.emplace(L"XMI.content", make(static_cast<XMIContentElement*>(nullptr)));

@@ -30,6 +30,17 @@ int countWhere(const _eSeq<_eFrom<XMLContentItem>>& items, Keep keep, const XMLE
     return count;
 }
 
+// Every element at the steps from `step` to `end` below `content`, all matches at every level,
+// in document order.
+ElementSeq elementsAlong(const XMLcontent& content, const std::wstring_view* step, const std::wstring_view* end) {
+    ElementSeq children = content.childrenNamed(*step);
+    if (children.isEmpty() || step + 1 == end) return children;
+    ElementSeq out;
+    for (int i = 0, n = children.size(); i < n; ++i)
+        out.appendAll(elementsAlong(*children.get(i)->getContent(), step + 1, end));
+    return out;
+}
+
 const Names& classifierNames() {
     static const Names names(_eString(L"UML:AssociationClass"), _eString(L"UML:Class"), _eString(L"UML:Classifier"),
                              _eString(L"UML:DataType"), _eString(L"UML:Data_Types.Enumeration"),
@@ -63,7 +74,7 @@ ElementSeq XMLcontent::childElements() const {
 }
 
 bool XMLcontent::hasChild(const TextView& name) const {
-    const XMLElement* first;
+    const XMLElement* first = nullptr;
     return countNamed(name, first) > 0;
 }
 
@@ -77,7 +88,7 @@ int XMLcontent::countInSet(const Names& names, const XMLElement*& first) const {
 
 _eString XMLcontent::referencedId(const _eHndl<Context>& context) const {
     const Names& names = context->getParts().enumerations ? classifierOrEnumerationNames() : classifierNames();
-    const XMLElement* candidate;
+    const XMLElement* candidate = nullptr;
     if (int found = countInSet(names, candidate); found != 1) return missingOrDuplicate(names, found);
     if (candidate->hasAttribute(L"xmi.idref")) return candidate->requiredAttribute(L"xmi.idref", context);
     return candidate->getContent()->grandchildAttribute(L"UML:Namespace.ownedElement", L"UML:DataType", L"xmi.idref",
@@ -86,35 +97,35 @@ _eString XMLcontent::referencedId(const _eHndl<Context>& context) const {
 
 _eString XMLcontent::singleChildAttributeInSet(const Names& names, const _eString& attribute,
                                                const _eHndl<Context>& context) const {
-    const XMLElement* child;
+    const XMLElement* child = nullptr;
     if (int found = countInSet(names, child); found != 1) return missingOrDuplicate(names, found);
     return child->requiredAttribute(attribute, context);
 }
 
 _eString XMLcontent::singleChildAttribute(const _eString& name, const _eString& attribute,
                                           const _eHndl<Context>& context) const {
-    const XMLElement* child;
+    const XMLElement* child = nullptr;
     if (int found = countNamed(name, child); found != 1) return missingOrDuplicate(name, found);
     return child->requiredAttribute(attribute, context);
 }
 
 _eString XMLcontent::grandchildAttributeInSet(const Names& names, const Names& innerNames, const _eString& attribute,
                                               const _eHndl<Context>& context) const {
-    const XMLElement* child;
+    const XMLElement* child = nullptr;
     if (int found = countInSet(names, child); found != 1) return missingOrDuplicate(names, found);
     return child->getContent()->singleChildAttributeInSet(innerNames, attribute, context);
 }
 
 _eString XMLcontent::grandchildAttribute(const _eString& name, const _eString& innerName, const _eString& attribute,
                                          const _eHndl<Context>& context) const {
-    const XMLElement* child;
+    const XMLElement* child = nullptr;
     if (int found = countNamed(name, child); found != 1) return missingOrDuplicate(name, found);
     return child->getContent()->singleChildAttribute(innerName, attribute, context);
 }
 
 _eString XMLcontent::textAtPath(const _eSeq<_eString>& path) const {
     const _eString& first = path.get(0);
-    const XMLElement* child;
+    const XMLElement* child = nullptr;
     if (int found = countNamed(first, child); found != 1) return missingOrDuplicate(first, found);
     if (path.size() == 1) return child->getContent()->text();
     return child->getContent()->textAtPath(path.drop(1));
@@ -136,16 +147,7 @@ ElementSeq XMLcontent::elementsAtPath(const _eSeq<_eString>& path) const {
 }
 
 ElementSeq XMLcontent::elementsAtPath(std::initializer_list<std::wstring_view> path) const {
-    ElementSeq children = childrenNamed(*path.begin());
-    if (children.isEmpty() || path.size() == 1) return children;
-    _eSeq<_eString> rest;
-    for (auto step = path.begin() + 1; path.size() > 2 && step != path.end(); ++step) rest.pushBack(_eString(*step));
-    ElementSeq out;
-    for (int i = 0, n = children.size(); i < n; ++i) {
-        const XMLcontent& below = *children.get(i)->getContent();
-        out.appendAll(path.size() == 2 ? below.childrenNamed(*(path.begin() + 1)) : below.elementsAtPath(rest));
-    }
-    return out;
+    return elementsAlong(*this, path.begin(), path.end());
 }
 
 ElementSeq XMLcontent::childrenInSet(const Names& names) const {
