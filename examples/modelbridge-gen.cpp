@@ -4,7 +4,12 @@
 //
 // Standard output carries data only: the class names of --list, or the paths of the files
 // written, one per line. The parse report, progress and errors go to standard error.
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
 
 #include <chrono>
 #include <cstdio>
@@ -79,7 +84,6 @@ const std::string usage =
     "                     still shown\n"
     "  -v, --verbose      name every item the text leaves out, not only the first of each kind\n"
     "  --progress         show the line being parsed, when standard error is a terminal\n"
-    "  --profile          ask the library for a processor-time profile of the parse (profile.txt)\n"
     "  --version          show the versions of this program and of the library\n"
     "  --help             show this text\n"
     "Exit status:\n"
@@ -88,8 +92,9 @@ const std::string usage =
     "     was nothing to generate, or the output folder could not be made; a merge was in\n"
     "     conflict, a file the record doesn't know was in the way, or the record can't be read;\n"
     "     with --check, a file would change.\n"
-    "  2  Bad usage: an unknown option, a missing value, or a bad value (a line width out of\n"
-    "     bounds, an empty indentation, a file prefix with \"/\").\n";
+    "  2  Bad usage: an unknown option, a missing value, a bad value (a line width out of\n"
+    "     bounds, an empty indentation, a file prefix with \"/\"), an option given twice that\n"
+    "     takes one value, or options that can't go together (--list with -o).\n";
 
 const char* const program = "modelbridge-gen";
 
@@ -108,7 +113,6 @@ struct Options {
     std::string model;
     std::string directory = ".";
     bool list = false;
-    bool profile = false;
     bool specified = false;
     std::vector<std::pair<bool ImportExtensions::*, bool>> switches;  // as given, in order
     ImportExtensions extensions;  // what they come to: every switch, unless specified
@@ -128,7 +132,51 @@ struct Options {
     std::int32_t lineWidth = 100;
     std::string indent = "\t";
     std::string filePrefix;
+    std::vector<std::string> given;  // the options given, by their long names, in order
 };
+
+// The long name of an option given by its short one.
+std::string longName(const std::string& option) {
+    if (option == "-q") return "--quiet";
+    if (option == "-v") return "--verbose";
+    return option;
+}
+
+// Options that can't go together: `option` with any of `others`, for the reason given.
+struct Exclusion {
+    const char* option;
+    std::vector<const char*> others;
+    const char* why;
+};
+
+const Exclusion exclusions[] = {
+    {"--list",
+     {"-o", "--class", "--single", "--check", "--dry-run", "--diff", "--list-outputs", "--conflict-markers",
+      "--overwrite", "--prune", "--line-width", "--indent", "--file-prefix"},
+     "--list only lists the classes and writes nothing"},
+    {"--check", {"--dry-run", "--diff", "--list-outputs"}, "each asks for its own account of an update"},
+    {"--dry-run", {"--diff", "--list-outputs"}, "each asks for its own account of an update"},
+    {"--diff", {"--list-outputs"}, "each asks for its own account of an update"},
+    {"--list-outputs", {"--conflict-markers", "--overwrite", "--prune"}, "--list-outputs updates nothing"},
+    {"--quiet", {"--verbose"}, "one asks for less and the other for more"},
+};
+
+// Options that take one value and may be given once.
+const char* const singleValued[] = {"-o", "--single", "--line-width", "--indent", "--file-prefix"};
+
+// A one-line reason why the options given can't be taken as they are, or "".
+std::string refusedTogether(const std::vector<std::string>& given) {
+    auto has = [&](const std::string& option) { return std::find(given.begin(), given.end(), option) != given.end(); };
+    for (const char* option : singleValued)
+        if (std::count(given.begin(), given.end(), option) > 1)
+            return std::string(option) + " is given twice; it takes one value";
+    for (const Exclusion& exclusion : exclusions) {
+        if (!has(exclusion.option)) continue;
+        for (const char* other : exclusion.others)
+            if (has(other)) return std::string(exclusion.option) + " and " + other + " can't go together: " + exclusion.why;
+    }
+    return "";
+}
 
 // "\t" as a tab and "\\" as a backslash; any other backslash stays as it is.
 std::string unescape(const std::string& text) {
@@ -220,8 +268,6 @@ bool readOptions(int argc, char** argv, Options& options) {
             options.update.overwrite = true;
         } else if (arg == "--prune") {
             options.update.prune = true;
-        } else if (arg == "--profile") {
-            options.profile = true;
         } else if (arg == "-q" || arg == "--quiet") {
             options.quiet = true;
         } else if (arg == "-v" || arg == "--verbose") {
@@ -231,6 +277,9 @@ bool readOptions(int argc, char** argv, Options& options) {
         } else if (!arg.empty() && arg[0] == '-') {
             std::fprintf(stderr, "%s: unknown option %s\n%s", program, arg.c_str(), usage.c_str());
             return false;
+        }
+        if (!arg.empty() && arg[0] == '-') {
+            options.given.push_back(longName(arg));
         } else if (options.model.empty()) {
             options.model = arg;
         } else {
@@ -240,6 +289,10 @@ bool readOptions(int argc, char** argv, Options& options) {
     }
     if (options.model.empty()) {
         std::fprintf(stderr, "%s", usage.c_str());
+        return false;
+    }
+    if (std::string refusal = refusedTogether(options.given); !refusal.empty()) {
+        std::fprintf(stderr, "%s: %s\n", program, refusal.c_str());
         return false;
     }
     options.extensions = options.specified ? ImportExtensions() : everyExtension();
@@ -347,12 +400,25 @@ _eSeq<_eString> chosenClasses(const Options& options, const _eSeq<_eString>& all
     return chosen;
 }
 
+// False, with the system's reason on standard error, when the model can't be read.
+bool modelReadable(const std::string& model) {
+    int fd = ::open(model.c_str(), O_RDONLY);
+    struct stat info {};
+    int refused = fd < 0 ? errno : ::fstat(fd, &info) != 0 ? errno : S_ISDIR(info.st_mode) ? EISDIR : 0;
+    if (fd >= 0) ::close(fd);
+    if (refused == 0) return true;
+    std::fprintf(stderr, "%s: cannot read the model '%s': %s\n", program, model.c_str(), std::strerror(refused));
+    return false;
+}
+
 // Makes the output folder and its parents where they are missing.
 bool makeFolder(const std::string& directory) {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     if (!error && std::filesystem::is_directory(directory, error)) return true;
-    std::string reason = error ? error.message() : "a file of that name is in the way";
+    // A file in the way of the folder itself is told as the system tells one in the way of a parent.
+    if (!error || error == std::errc::file_exists) error = std::make_error_code(std::errc::not_a_directory);
+    std::string reason = error.message();
     std::fprintf(stderr, "%s: cannot make the output folder '%s': %s\n", program, directory.c_str(), reason.c_str());
     return false;
 }
@@ -483,8 +549,9 @@ int run(const Options& options, XMLImporter& importer, const _eHndl<Environment>
     ProgressDisplay display;
     if (options.progress && isatty(STDERR_FILENO)) importer.reportProgress(&ProgressDisplay::show, &display);
 
+    if (!modelReadable(options.model)) return 1;
     bool parsed = false;
-    importer.attemptParse(toText(options.model), options.profile ? L"profile" : L"", parsed);
+    importer.attemptParse(toText(options.model), L"", parsed);
     std::string report = toUtf8(importer.getParseDiagnostics());
     if (!options.quiet && !report.empty())
         std::fprintf(stderr, "%s%s", report.c_str(), report.back() == '\n' ? "" : "\n");

@@ -253,6 +253,24 @@ int mb_outcome_severity(const mb_outcome* outcome, int index) {
     return entry(diagnosticsOf(outcome), index, [](const modelbridge::Diagnostic& d) { return int(d.severity); }, -1);
 }
 
+const char* mb_outcome_file(const mb_outcome* outcome, int index) {
+    return entry(diagnosticsOf(outcome), index, [](const modelbridge::Diagnostic& d) { return d.file.c_str(); },
+                 static_cast<const char*>(nullptr));
+}
+
+int mb_outcome_line(const mb_outcome* outcome, int index) {
+    return entry(diagnosticsOf(outcome), index, [](const modelbridge::Diagnostic& d) { return d.line; }, -1);
+}
+
+int mb_outcome_column(const mb_outcome* outcome, int index) {
+    return entry(diagnosticsOf(outcome), index, [](const modelbridge::Diagnostic& d) { return d.column; }, -1);
+}
+
+const char* mb_outcome_message(const mb_outcome* outcome, int index) {
+    return entry(diagnosticsOf(outcome), index, [](const modelbridge::Diagnostic& d) { return d.message.c_str(); },
+                 static_cast<const char*>(nullptr));
+}
+
 void mb_outcome_free(mb_outcome* outcome) { delete outcome; }
 
 int mb_write_class(mb_model* model, const char* name, const char* directory) {

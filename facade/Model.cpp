@@ -1,7 +1,12 @@
 // The standard-typed facade over one importer of its own. Every call takes the library's one
 // lock: the pool, the handle counts and the caches are process-wide and unlocked, so one
 // thread at a time may be inside the library.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <new>
@@ -26,6 +31,36 @@ Severity severityOf(ErrorSeverity::_eEnum severity) {
     return Severity::fatal;
 }
 
+// Why the system refuses to open `path` for reading or writing, in its own words; empty when
+// nothing refuses it now.
+std::string systemReason(const std::string& path, bool writing) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) == 0) {
+        if (S_ISDIR(info.st_mode)) return std::strerror(EISDIR);
+        return ::access(path.c_str(), writing ? W_OK : R_OK) == 0 ? "" : std::strerror(errno);
+    }
+    if (!writing || errno != ENOENT) return std::strerror(errno);
+    std::string::size_type slash = path.rfind('/');
+    std::string folder = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+    if (::stat(folder.c_str(), &info) != 0) return std::strerror(errno);
+    if (!S_ISDIR(info.st_mode)) return std::strerror(ENOTDIR);
+    return ::access(folder.c_str(), W_OK) == 0 ? "" : std::strerror(errno);
+}
+
+// The message with the system's reason before its full stop, when it is about a file that
+// could not be opened: "Unable to open file 'out/A.tv' for 'write' access: Permission denied."
+std::string withSystemReason(const std::string& message) {
+    static const std::string open = "Unable to open file '", size = "Unable to obtain size of file '";
+    bool opening = message.compare(0, open.size(), open) == 0;
+    if (!opening && message.compare(0, size.size(), size) != 0) return message;
+    std::string::size_type start = (opening ? open : size).size();
+    std::string::size_type end = message.find(opening ? "' for '" : "'.", start);
+    if (end == std::string::npos || message.back() != '.') return message;
+    bool writing = opening && message.compare(end, 14, "' for 'write' ") == 0;
+    std::string reason = systemReason(message.substr(start, end - start), writing);
+    return reason.empty() ? message : message.substr(0, message.size() - 1) + ": " + reason + ".";
+}
+
 Diagnostic diagnosticOf(const XMLError& error) {
     Diagnostic diagnostic;
     diagnostic.severity = severityOf(error.severity());
@@ -33,9 +68,18 @@ Diagnostic diagnosticOf(const XMLError& error) {
     if (!at.getFile().isNull()) diagnostic.file = toPlatformText(at.getFile()->fullPathText());
     diagnostic.line = at.getLine();
     diagnostic.column = at.getColumn();
-    diagnostic.message =
+    std::string message =
         toPlatformText(error.fillTemplate(XMLError::messageTable().get(error.getKind())->getMessageTemplate()) + L".");
+    diagnostic.message = withSystemReason(message);
     diagnostic.text = toPlatformText(error.text(true));
+    // A diagnostic without a file opens with its severity, not with a stand-in for the file.
+    static const std::string noFile = "<no file>: ";
+    if (at.getFile().isNull() && diagnostic.text.compare(0, noFile.size(), noFile) == 0)
+        diagnostic.text.erase(0, noFile.size());
+    if (diagnostic.message != message) {
+        std::string::size_type place = diagnostic.text.rfind(message);
+        if (place != std::string::npos) diagnostic.text.replace(place, message.size(), diagnostic.message);
+    }
     return diagnostic;
 }
 

@@ -18,8 +18,9 @@ std::string systemReason() { return std::strerror(errno); }
 bool readPlain(const std::string& path, std::string& text, std::string& error) {
     int fd = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
     struct stat info {};
-    if (fd < 0 || ::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
-        error = "cannot read '" + path + "': " + (fd < 0 || errno != 0 ? systemReason() : "not a plain file");
+    int refused = fd < 0 ? errno : ::fstat(fd, &info) != 0 ? errno : S_ISDIR(info.st_mode) ? EISDIR : 0;
+    if (refused != 0 || !S_ISREG(info.st_mode)) {
+        error = "cannot read '" + path + "': " + (refused != 0 ? std::strerror(refused) : "not a plain file");
         if (fd >= 0) ::close(fd);
         return false;
     }

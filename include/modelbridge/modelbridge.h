@@ -131,6 +131,12 @@ MB_C_API int mb_write_single_outcome(mb_model* model, const char* const* names, 
 MB_C_API int mb_outcome_count(const mb_outcome* outcome);
 MB_C_API const char* mb_outcome_text(const mb_outcome* outcome, int index);
 MB_C_API int mb_outcome_severity(const mb_outcome* outcome, int index);
+/* The parts of one, as for a model's diagnostics: an empty file and line 0 where it has no
+ * position. */
+MB_C_API const char* mb_outcome_file(const mb_outcome* outcome, int index);
+MB_C_API int mb_outcome_line(const mb_outcome* outcome, int index);
+MB_C_API int mb_outcome_column(const mb_outcome* outcome, int index);
+MB_C_API const char* mb_outcome_message(const mb_outcome* outcome, int index);
 MB_C_API void mb_outcome_free(mb_outcome* outcome);
 
 /* mb_write_class_outcome and mb_write_single_outcome without an outcome: the diagnostics of

@@ -42,7 +42,8 @@ int main(int argc, char** argv) {
     char missing[4096];
     snprintf(missing, sizeof missing, "%s/no/such", directory);
     CHECK(mb_write_class(model, "Account", missing) == MB_FAILED);
-    CHECK(mb_result_count(model) == 1 && strstr(mb_result_text(model, 0), "for 'write' access.") != NULL);
+    CHECK(mb_result_count(model) == 1 &&
+          strstr(mb_result_text(model, 0), "for 'write' access: No such file or directory.") != NULL);
     /* A write with an outcome of its own leaves the thread's last write as it was. */
     mb_outcome* outcome = NULL;
     CHECK(mb_write_class_outcome(model, "Customer", directory, &outcome) == MB_OK);
@@ -50,7 +51,11 @@ int main(int argc, char** argv) {
     mb_outcome_free(outcome);
     CHECK(mb_write_single_outcome(model, both, 2, missing, &outcome) == MB_FAILED);
     CHECK(mb_outcome_count(outcome) == 1 && mb_outcome_severity(outcome, 0) == MB_FATAL);
-    CHECK(strstr(mb_outcome_text(outcome, 0), "for 'write' access.") != NULL);
+    CHECK(strncmp(mb_outcome_text(outcome, 0), "Fatal error! Unable to open file", 32) == 0);
+    CHECK(strcmp(mb_outcome_file(outcome, 0), "") == 0 && mb_outcome_line(outcome, 0) == 0 &&
+          mb_outcome_column(outcome, 0) == 0);
+    CHECK(strstr(mb_outcome_message(outcome, 0), "for 'write' access: No such file or directory.") != NULL);
+    CHECK(mb_outcome_message(outcome, 1) == NULL && mb_outcome_line(outcome, 1) == -1);
     mb_outcome_free(outcome);
     CHECK(mb_result_count(model) == 1);
 

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "modelbridge/modelbridge.hpp"
@@ -71,9 +72,29 @@ TEST_F(Facade, ParsesListsWritesAndRendersWithResultsOfEachCall) {
     const modelbridge::Diagnostic& cause = failed.diagnostics[0];
     EXPECT_EQ(cause.severity, modelbridge::Severity::fatal);
     EXPECT_EQ(cause.file, "");
-    EXPECT_EQ(cause.text, "<no file>: Fatal error! Unable to open file '" +
-                              (dir / "missing/deeper/Account.tv").string() + "' for 'write' access.");
+    // No stand-in for a file opens the text; the system's reason closes it.
+    std::string refused = "Unable to open file '" + (dir / "missing/deeper/Account.tv").string() + "' for 'write' access";
+    EXPECT_EQ(cause.text, "Fatal error! " + refused + ": No such file or directory.");
+    EXPECT_EQ(cause.message, refused + ": No such file or directory.");
     EXPECT_TRUE(model.writeClass("Customer", dir));
+
+    // A file in the way of the folder, and a folder in the way of the file.
+    std::ofstream(dir / "plain") << "x";
+    modelbridge::Result underFile = model.writeClass("Account", dir / "plain");
+    ASSERT_EQ(underFile.diagnostics.size(), 1u);
+    EXPECT_NE(underFile.diagnostics[0].text.find("for 'write' access: Not a directory."), std::string::npos);
+    std::filesystem::create_directories(dir / "held" / "Account.tv");
+    modelbridge::Result onFolder = model.writeClass("Account", dir / "held");
+    ASSERT_EQ(onFolder.diagnostics.size(), 1u);
+    EXPECT_NE(onFolder.diagnostics[0].text.find("for 'write' access: Is a directory."), std::string::npos);
+
+    // A model that can't be read says why.
+    Model missing = Model::parse(dir / "nowhere.xmi");
+    ASSERT_FALSE(missing.diagnostics().empty());
+    EXPECT_NE(missing.diagnostics()[0].message.find("for 'read' access: No such file or directory."), std::string::npos);
+    Model folder = Model::parse(dir);
+    ASSERT_FALSE(folder.diagnostics().empty());
+    EXPECT_NE(folder.diagnostics()[0].text.find(": Is a directory."), std::string::npos);
 }
 
 TEST_F(Facade, DiagnosticsInPartsAndOptions) {

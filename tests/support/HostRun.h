@@ -16,11 +16,14 @@ struct HostRun {
 };
 
 // Runs the host with `arguments` (a shell's words) and the variables of `environment`
-// ("NAME=VALUE ..."); the streams go through files named after `scratch`, which are removed.
-inline HostRun runHost(const std::string& arguments, const std::string& scratch, const std::string& environment = "") {
+// ("NAME=VALUE ..."), through `launcher` (a command that runs the next words) when one is given;
+// the streams go through files named after `scratch`, which are removed.
+inline HostRun runHost(const std::string& arguments, const std::string& scratch, const std::string& environment = "",
+                       const std::string& launcher = "") {
     std::string out = scratch + ".out", err = scratch + ".err";
-    std::string command = (environment.empty() ? "" : "env " + environment + " ") + MODELBRIDGE_GEN_PATH + " " +
-                          arguments + " >" + out + " 2>" + err;
+    std::string command = (environment.empty() ? "" : "env " + environment + " ") +
+                          (launcher.empty() ? "" : launcher + " ") + MODELBRIDGE_GEN_PATH + " " + arguments + " >" +
+                          out + " 2>" + err;
     int status = std::system(command.c_str());
     HostRun result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err)};
     std::remove(out.c_str());
