@@ -29,7 +29,8 @@ check_outside_hosts() {
         }
     done
     local flags
-    flags=$(PKG_CONFIG_PATH="$libdir/pkgconfig" pkg-config --cflags --libs modelbridge)
+    # The file names the prefix it was installed under; an unpacked tree is found where it lies.
+    flags=$(PKG_CONFIG_PATH="$libdir/pkgconfig" pkg-config --define-variable=prefix="$prefix" --cflags --libs modelbridge)
     # shellcheck disable=SC2086
     c++ -std=c++20 -o "$work/host-pkg" "$root/tests/install/host.cpp" $flags
     # shellcheck disable=SC2086

@@ -293,6 +293,28 @@ TEST_F(SampleHost, HelpManualAndReadmeAgree) {
     for (const char* code : {"0", "1", "2"}) EXPECT_EQ(codes.count(code), 1u) << code;
 }
 
+// The shell's completion offers every option that --help names, and no other; run by bash, it
+// completes an option and the model's classes after --class.
+TEST_F(SampleHost, CompletionOffersEveryOption) {
+    std::set<std::string> named = optionsAndCodes(run("--help").out);
+    for (const char* code : {"0", "1", "2"}) named.erase(code);
+    const std::string script = std::string(MODELBRIDGE_PROJECT_DIR) + "/examples/modelbridge-gen.bash-completion";
+    std::string text = readFile(script);
+    std::size_t start = text.find("options=\"");
+    ASSERT_NE(start, std::string::npos);
+    start += 9;
+    std::istringstream words(text.substr(start, text.find('"', start) - start));
+    std::set<std::string> offered;
+    for (std::string word; words >> word;) offered.insert(word);
+    EXPECT_EQ(offered, named);
+
+    std::string complete = "bash -c 'shopt -s extglob; . " + script + "; COMP_WORDS=(\"$0\" \"$1\" --class S); COMP_CWORD=3; "
+                           "_modelbridge_gen; echo \"${COMPREPLY[*]}\"; COMP_WORDS=(x --dry); COMP_CWORD=1; _modelbridge_gen; "
+                           "echo \"${COMPREPLY[*]}\"' " MODELBRIDGE_GEN_PATH " " + models("bank.xmi") + " >" + dir + "/completed";
+    ASSERT_EQ(std::system(complete.c_str()), 0);
+    EXPECT_EQ(readFile(dir + "/completed"), "SavingsAccount\n--dry-run\n");
+}
+
 // Each switch of the library's extensions is an option of its own, on by default: decoded
 // references and model text that is never a comment change the text; without them, switched
 // off one by one or all at once, it is as specified.
