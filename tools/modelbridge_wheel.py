@@ -4,7 +4,8 @@ of pyproject.toml. Standard library only.
 
 As a program:   python3 tools/modelbridge_wheel.py BUILD_DIR OUT_DIR   (prints the wheel's path)
 As the build backend of pyproject.toml, so that `pip wheel .` and `pip install .` work offline:
-the hooks configure and build a Release tree in build-wheel/ with CMake, then do the same.
+the hooks configure and build a Release tree with CMake (in build-wheel/, or the folder that
+MODELBRIDGE_BUILD_DIR names), then do the same.
 """
 
 from __future__ import annotations
@@ -151,7 +152,7 @@ def cmake_build(build: str) -> None:
 
 def build_wheel(wheel_directory: str, config_settings: Optional[dict] = None,
                 metadata_directory: Optional[str] = None) -> str:
-    build = os.path.join(ROOT, "build-wheel")
+    build = os.environ.get("MODELBRIDGE_BUILD_DIR") or os.path.join(ROOT, "build-wheel")
     cmake_build(build)
     return make_wheel(build, wheel_directory)
 
