@@ -20,6 +20,7 @@ import ctypes as _ctypes
 import dataclasses as _dataclasses
 import enum as _enum
 import os as _os
+from typing import Any as _Any
 from typing import Callable as _Callable
 from typing import Iterable as _Iterable
 from typing import List as _List
@@ -152,14 +153,14 @@ class UpdateReport:
         return all(f.outcome not in _UNSETTLED for f in self.files)
 
 
-def _diagnostics(count: int, part: _Callable[[str, int], _ctypes._SimpleCData]) -> _List[Diagnostic]:
+def _diagnostics(count: int, part: _Callable[[str, int], _Any]) -> _List[Diagnostic]:
     """Diagnostics read from the C API through `part(KIND, index)`."""
     return [Diagnostic(_SEVERITIES[part("severity", i)], _native.text(part("file", i)), part("line", i),
                        part("column", i), _native.text(part("message", i)), _native.text(part("text", i)))
             for i in range(count)]
 
 
-def _file_update(update: int, i: int) -> FileUpdate:
+def _file_update(update: _ctypes.c_void_p, i: int) -> FileUpdate:
     def items(kind: int) -> _Tuple[str, ...]:
         return tuple(_native.text(_lib.mb_update_item(update, i, kind, k))
                      for k in range(_lib.mb_update_item_count(update, i, kind)))
@@ -190,6 +191,7 @@ class Model:
     """A parsed model, made by `parse`. Close it (or use it in a `with` block) to free the
     library's model at once; otherwise it is freed when the object goes."""
 
+    _handle: _Optional[int]          # the C API's model, None once closed
     classes: _List[str]              # the classes, sorted
     diagnostics: _List[Diagnostic]   # what the parse said, errors and warnings first by position
     ok: bool                         # no error and no warning
@@ -237,9 +239,10 @@ class Model:
         return f"<modelbridge.Model {self.report.split(' in ')[0]!r}, {state}>"
 
     def _open_handle(self) -> int:
-        if self.closed:
+        handle = getattr(self, "_handle", None)
+        if not handle:
             raise ValueError("the model is closed")
-        return self._handle
+        return int(handle)
 
     def _write(self, write: _Callable[[_ctypes.c_void_p], int], name: object) -> None:
         """Runs a write of the C API with an outcome of its own, and raises what it gave."""
@@ -259,8 +262,8 @@ class Model:
         """Writes DIRECTORY/NAME.tv, replacing what is there. KeyError for a class the model
         doesn't hold (nothing is written), WriteError when the write fails."""
         handle = self._open_handle()
-        self._write(lambda outcome: _lib.mb_write_class_outcome(
-            handle, _native.to_bytes(name), _native.to_bytes(directory), _ctypes.byref(outcome)), name)
+        self._write(lambda outcome: int(_lib.mb_write_class_outcome(
+            handle, _native.to_bytes(name), _native.to_bytes(directory), _ctypes.byref(outcome))), name)
 
     def write_classes(self, names: _Iterable[str], file: _Path) -> None:
         """Writes the named classes (none: every class), in the model's order, into one file
@@ -268,8 +271,8 @@ class Model:
         handle = self._open_handle()
         chosen = [_native.to_bytes(n) for n in names]
         array = _native.string_array(chosen)
-        self._write(lambda outcome: _lib.mb_write_single_outcome(
-            handle, array, len(chosen), _native.to_bytes(file), _ctypes.byref(outcome)), [n.decode() for n in chosen])
+        self._write(lambda outcome: int(_lib.mb_write_single_outcome(
+            handle, array, len(chosen), _native.to_bytes(file), _ctypes.byref(outcome))), [n.decode() for n in chosen])
 
     def render_class(self, name: str) -> str:
         """The text that write_class(name, ".") would write, writing nothing."""
@@ -277,7 +280,7 @@ class Model:
         status = _lib.mb_render_class(self._open_handle(), _native.to_bytes(name), _ctypes.byref(raw))
         try:
             _raise_for(status, name)
-            return _native.text(_ctypes.string_at(raw.value))
+            return _native.text(_ctypes.string_at(raw.value or 0))
         finally:
             if raw.value:
                 _lib.mb_string_free(raw)

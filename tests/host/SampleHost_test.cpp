@@ -205,6 +205,18 @@ TEST_F(SampleHost, FileErrorsCarryTheSystemsReason) {
     EXPECT_EQ(readOnly.status, 1);
     EXPECT_EQ(readOnly.err, "modelbridge-gen: cannot make '" + locked + "/.modelbridge': Permission denied\n");
     chmod(locked.c_str(), 0755);
+
+    // A read-only file system, mounted in a namespace of the run's own where the system allows one.
+    std::string mounted = dir + "/mounted";
+    ASSERT_EQ(mkdir(mounted.c_str(), 0755), 0);
+    if (std::system("unshare -rm true >/dev/null 2>&1") != 0) {
+        std::printf("no mount namespace here: the read-only file system is not tried\n");
+        return;
+    }
+    HostRun readOnlySystem = runHost(model + " -q -o " + mounted, dir, "",
+                                     "unshare -rm sh -c 'mount -t tmpfs -o ro none " + mounted + " && exec \"$0\" \"$@\"'");
+    EXPECT_EQ(readOnlySystem.status, 1);
+    EXPECT_EQ(readOnlySystem.err, "modelbridge-gen: cannot make '" + mounted + "/.modelbridge': Read-only file system\n");
 }
 
 // Formatting options reach the generated text; bad values and bad usage end with exit 2 before
