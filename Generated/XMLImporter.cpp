@@ -3,6 +3,7 @@
 #include "Generated/ImporterState.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 
 #include "environment/PlatformText.h"
@@ -339,6 +340,48 @@ std::string XMLImporter::renderClassFile(_eString directory, _eString className)
     return state->document->renderClassFile(className, directory, source, *state->environment, importOptions());
 }
 
+namespace {
+
+// 64-bit FNV-1a, fed piece by piece.
+struct Digest {
+    std::uint64_t value = 14695981039346656037ull;
+
+    void add(const void* data, std::size_t size) {
+        const auto* bytes = static_cast<const unsigned char*>(data);
+        for (std::size_t i = 0; i < size; ++i) value = (value ^ bytes[i]) * 1099511628211ull;
+    }
+    // A length before the bytes, so that no two sequences of pieces feed the same bytes.
+    void add(const std::string& text) {
+        std::uint64_t size = text.size();
+        add(&size, sizeof size);
+        add(text.data(), text.size());
+    }
+    std::string text() const {
+        char hex[17];
+        std::snprintf(hex, sizeof hex, "%016llx", static_cast<unsigned long long>(value));
+        return hex;
+    }
+};
+
+// The bytes of a file; false when it can't be read whole.
+bool fileBytes(const std::string& path, Digest& digest) {
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (file == nullptr) return false;
+    char buffer[1 << 16];
+    std::size_t got = 0, total = 0;
+    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
+        digest.add(buffer, got);
+        total += got;
+    }
+    bool whole = std::ferror(file) == 0;
+    std::fclose(file);
+    std::uint64_t size = total;
+    digest.add(&size, sizeof size);
+    return whole;
+}
+
+}  // namespace
+
 UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> classNames, _eString singleFile,
                                        const UpdateOptions& options) const {
     UpdateReport report;
@@ -350,9 +393,29 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
     FileName source = state->parsedFile.isNull() ? FileName() : *state->parsedFile;
     _eSeq<_eString> all = getClassList();
     _eSeq<_eString> chosen = classNames.isEmpty() ? all : classNames;
-    std::vector<GeneratedFile> files;
+    // What the text of a class file is made from: the model's bytes, as parsed, and everything
+    // that shapes the text. A file recorded as made from the same gives the text without being
+    // laid out again. None for a model changed since it was parsed, and for one file of several
+    // classes, whose text depends on the classes chosen too.
+    std::string madeFrom;
+    Digest digest;
+    if (singleFile.isEmpty() && !state->parsedFile.isNull() &&
+        getValidityStatus(state->parsedFile->fullPathText()) == ValidityStatus::Valid &&
+        fileBytes(toPlatformText(state->parsedFile->fullPathText()), digest)) {
+        digest.add("ModelBridge " + std::to_string(MODELBRIDGE_VERSION_0) + "." + std::to_string(MODELBRIDGE_VERSION_1) +
+                   "." + std::to_string(MODELBRIDGE_VERSION_2) + "." + std::to_string(MODELBRIDGE_VERSION_3));
+        const ImportOptions& layout = importOptions();
+        std::int32_t numbers[] = {layout.getLineWidth(), layout.getCommentsByKind() ? 1 : 0, state->tabWidth};
+        digest.add(numbers, sizeof numbers);
+        for (const _eString* text : {&layout.getIndentText(), &layout.getCommentPrefix(), &layout.getFilePrefix()})
+            digest.add(toPlatformText(*text));
+        for (const ImportSwitch& each : importSwitches) digest.add(each.name + std::string(state->extensions.*each.field ? "+" : "-"));
+        for (const std::string& folder : state->libraryFolders) digest.add(folder);
+        madeFrom = digest.text();
+    }
+    std::vector<PlannedFile> files;
     std::set<std::string> ids;
-    auto layOut = [&](const _eSeq<_eString>& names, const _eString& fileName, bool single) {
+    auto plan = [&](const _eSeq<_eString>& names, const _eString& fileName, bool single) {
         // The file as generation names it: in the directory, with the prefix and ".tv".
         FileName file(directory, fileName, L"tv", &environment);
         FileName target = TarvaneOutput::target(importOptions(), file, environment);
@@ -365,21 +428,32 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
             report.files.push_back(refused);
             return;
         }
-        TarvaneOutput::Layout layout =
-            state->document->layOutFile(names, single, file, source, environment, importOptions());
-        files.push_back(FolderUpdate::generatedFile(path.substr(path.rfind('/') + 1), layout, TarvaneOutput::headerLines));
-        ids.insert(files.back().classIds.begin(), files.back().classIds.end());
+        std::string name = path.substr(path.rfind('/') + 1);
+        auto header = [this, file, source, &environment] {
+            return TarvaneOutput::headerBytes(importOptions(), file, source, environment);
+        };
+        auto layOut = [this, names, single, file, source, &environment, name, madeFrom] {
+            TarvaneOutput::Layout layout =
+                state->document->layOutFile(names, single, file, source, environment, importOptions());
+            GeneratedFile made = FolderUpdate::generatedFile(name, layout, TarvaneOutput::headerLines);
+            made.source = madeFrom;
+            return made;
+        };
+        files.push_back({name, madeFrom, header, layOut});
     };
     if (!singleFile.isEmpty()) {
-        layOut(chosen, singleFile, true);
+        plan(chosen, singleFile, true);
     } else {
-        for (int i = 0; i < chosen.size(); ++i) layOut(_eSeq<_eString>(chosen.at(i)), chosen.at(i), false);
+        for (int i = 0; i < chosen.size(); ++i) plan(_eSeq<_eString>(chosen.at(i)), chosen.at(i), false);
     }
     // Recorded files of classes left out this time are stale only when the model lacks them.
     if (!singleFile.isEmpty() || chosen.size() != all.size())
         for (int i = 0; i < all.size(); ++i) ids.insert(toPlatformText(state->document->classId(all.at(i))));
     std::vector<FileUpdate> refused = std::move(report.files);
-    report = FolderUpdate::run(toPlatformText(directory), files, ids, options);
+    // A text that looked for other files (types named in them) depends on more than the model.
+    std::size_t sought = state->document->otherFilesSought();
+    report = FolderUpdate::run(toPlatformText(directory), files, ids, options,
+                               [&] { return state->document->otherFilesSought() == sought; });
     report.ok = report.ok && refused.empty();
     report.files.insert(report.files.end(), refused.begin(), refused.end());
     return report;

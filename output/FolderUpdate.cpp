@@ -49,7 +49,7 @@ public:
     Update(const std::string& folder, const std::set<std::string>& modelClasses, const UpdateOptions& options)
         : folder(folder), modelClasses(modelClasses), options(options) {}
 
-    UpdateReport run(const std::vector<GeneratedFile>& files);
+    UpdateReport run(const std::vector<PlannedFile>& planned, const std::function<bool()>& sourcesHold);
 
 private:
     struct Step {
@@ -70,8 +70,11 @@ private:
     }
     void apply(Step& step);
 
+    // The file of the new generation: from the record when it was made from the same source.
+    GeneratedFile made(const PlannedFile& planned) const;
+
     OutputFolder folder;
-    const std::set<std::string>& modelClasses;
+    std::set<std::string> modelClasses;
     const UpdateOptions& options;
     GenerationRecord record;
     std::set<std::string> settled;   // recorded files this generation has dealt with
@@ -219,7 +222,15 @@ void Update::apply(Step& step) {
     }
 }
 
-UpdateReport Update::run(const std::vector<GeneratedFile>& files) {
+GeneratedFile Update::made(const PlannedFile& planned) const {
+    const RecordEntry* last = planned.source.empty() ? nullptr : record.byName(planned.name);
+    if (last == nullptr || last->file.source != planned.source) return planned.layOut();
+    GeneratedFile file = last->file;
+    file.header = planned.header();
+    return file;
+}
+
+UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::function<bool()>& sourcesHold) {
     UpdateReport report;
     std::string text, error;
     bool present = false;
@@ -228,6 +239,11 @@ UpdateReport Update::run(const std::vector<GeneratedFile>& files) {
     report.error.clear();
     if (!folder.readRecord(text, present, report.error)) return report;
     if (present && !GenerationRecord::read(text, folder.recordPath(), record, report.error)) return report;
+    std::vector<GeneratedFile> files;
+    for (const PlannedFile& each : planned) {
+        files.push_back(made(each));
+        modelClasses.insert(files.back().classIds.begin(), files.back().classIds.end());
+    }
     for (const GeneratedFile& file : files) newNames.insert(file.name);
     for (const GeneratedFile& file : files) steps.push_back(settle(file));
     for (const RecordEntry& entry : record.entries)
@@ -242,7 +258,15 @@ UpdateReport Update::run(const std::vector<GeneratedFile>& files) {
         report.files.push_back(step.report);
     }
     GenerationRecord next;
-    for (auto& [name, entry] : entries) next.entries.push_back(entry);
+    // Texts that depended on more than their source keep none, so that no later run takes a
+    // text for what that source gives.
+    std::set<std::string> madeFrom;
+    if (!sourcesHold())
+        for (const PlannedFile& each : planned) madeFrom.insert(each.source);
+    for (auto& [name, entry] : entries) {
+        next.entries.push_back(entry);
+        if (madeFrom.count(entry.file.source)) next.entries.back().file.source.clear();
+    }
     std::string nextText = next.text();
     if (options.write && (!present || nextText != text) && !folder.writeRecord(nextText, error)) {
         report.ok = false;
@@ -255,5 +279,14 @@ UpdateReport Update::run(const std::vector<GeneratedFile>& files) {
 
 UpdateReport FolderUpdate::run(const std::string& folder, const std::vector<GeneratedFile>& files,
                                const std::set<std::string>& modelClasses, const UpdateOptions& options) {
-    return Update(folder, modelClasses, options).run(files);
+    std::vector<PlannedFile> planned;
+    for (const GeneratedFile& file : files)
+        planned.push_back({file.name, file.source, [file] { return file.header; }, [file] { return file; }});
+    return run(folder, planned, modelClasses, options, [] { return true; });
+}
+
+UpdateReport FolderUpdate::run(const std::string& folder, const std::vector<PlannedFile>& files,
+                               const std::set<std::string>& modelClasses, const UpdateOptions& options,
+                               const std::function<bool()>& sourcesHold) {
+    return Update(folder, modelClasses, options).run(files, sourcesHold);
 }

@@ -1,6 +1,7 @@
 #include "output/GenerationRecord.h"
 
 #include <charconv>
+#include <cstring>
 
 std::string GeneratedFile::classOf(std::size_t index) const {
     for (std::size_t i = std::min(index + 1, pieces.size()); i > 0; --i)
@@ -61,6 +62,7 @@ const RecordEntry* GenerationRecord::byClass(const std::string& classId) const {
 namespace {
 
 const char* const firstLine = "modelbridge-record 1";
+const char* const sourceMark = "# from ";
 
 void appendLines(std::string& text, const Lines& lines) {
     for (const std::string& line : lines) {
@@ -80,6 +82,8 @@ std::string GenerationRecord::text() const {
         const GeneratedFile& file = entry.file;
         text += "file " + file.name + "\n";
         for (const std::string& id : file.classIds) text += "class " + keyText(id) + "\n";
+        // A comment to readers that don't know it, so that they still read the record.
+        if (!file.source.empty()) text += std::string(sourceMark) + file.source + "\n";
         for (const TextPiece& piece : file.pieces) {
             text += "piece " + std::to_string(piece.first) + " " + std::to_string(piece.end) + " " + piece.key + "\n";
             for (const auto& [line, column] : piece.bodies)
@@ -157,6 +161,10 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
     bool ok = true;
     while (ok && !reader.atEnd()) {
         std::string line = reader.line();
+        if (entry != nullptr && line.rfind(sourceMark, 0) == 0) {
+            entry->file.source = line.substr(std::strlen(sourceMark));
+            continue;
+        }
         if (line.empty() || line[0] == '#') continue;
         if (!begun) {
             ok = line == firstLine || reader.fail("not a record of ModelBridge, or one of a newer version");

@@ -30,6 +30,9 @@ struct GeneratedFile {
     std::string header;  // never recorded: it holds paths and a time
     Lines lines;
     std::vector<TextPiece> pieces;  // in the order of their lines
+    // A digest of what the text was made from (the model's bytes and every option that shapes
+    // the text); the same digest gives the same text. Empty when unknown.
+    std::string source;
 
     bool operator==(const GeneratedFile&) const = default;
     // The key of the class whose declaration holds the piece at `index`: the head before it.

@@ -127,20 +127,35 @@ bool TarvaneOutput::writeWhole(const Environment& environment, const _eHndl<File
     return written;
 }
 
-std::string TarvaneOutput::inMemory(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
-                                    const Environment& environment, std::vector<DeclarationLines>* lines) const {
+template <class Write>
+std::string TarvaneOutput::memoryBytes(Write write) {
     char* bytes = nullptr;
     std::size_t size = 0;
     std::FILE* stream = open_memstream(&bytes, &size);
     if (stream == nullptr) return {};
     _eHndl<FileRef> out(new FileRef(stream, true));
-    writeWhole(environment, out, header(file, sourceFile, environment, *generationTime(options, environment)), options,
-               lines);
+    write(out);
     std::fclose(stream);
     out->forgetStream();
     std::string text(bytes, size);
     std::free(bytes);
     return text;
+}
+
+std::string TarvaneOutput::inMemory(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
+                                    const Environment& environment, std::vector<DeclarationLines>* lines) const {
+    return memoryBytes([&](const _eHndl<FileRef>& out) {
+        writeWhole(environment, out, header(file, sourceFile, environment, *generationTime(options, environment)),
+                   options, lines);
+    });
+}
+
+std::string TarvaneOutput::headerBytes(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
+                                       const Environment& environment) {
+    return memoryBytes([&](const _eHndl<FileRef>& out) {
+        FileError::_eEnum status;
+        environment.writeText(out, header(file, sourceFile, environment, *generationTime(options, environment)), status);
+    });
 }
 
 TarvaneOutput::Layout TarvaneOutput::layOut(const ImportOptions& options, const FileName& file,

@@ -63,6 +63,10 @@ public:
     std::string render(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
                        const Environment& environment) const;
 
+    // The bytes of the header alone, as `layOut` lays it out for `file` now.
+    static std::string headerBytes(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
+                                   const Environment& environment);
+
     // The seven header lines, naming `time`, and the blank line after them.
     static constexpr std::size_t headerLines = 7;
     static _eString header(const FileName& file, const FileName& sourceFile, const Environment& environment,
@@ -81,6 +85,9 @@ private:
     // receives where each declaration stands.
     bool writeWhole(const Environment& environment, const _eHndl<FileRef>& out, const _eString& head,
                     const ImportOptions& options, std::vector<DeclarationLines>* lines) const;
+    // What `write` writes to a file, as bytes in memory.
+    template <class Write>
+    static std::string memoryBytes(Write write);
     // The whole text as `writeFile` writes it, laid out in memory; `lines` as for `writeWhole`.
     std::string inMemory(const ImportOptions& options, const FileName& file, const FileName& sourceFile,
                          const Environment& environment, std::vector<DeclarationLines>* lines) const;

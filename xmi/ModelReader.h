@@ -67,6 +67,9 @@ public:
     // The references into other files and libraries that the classes read so far left
     // unresolved, each once.
     virtual std::vector<UnresolvedReference> unresolvedReferences() const { return {}; }
+    // How many times reading the classes looked for another file (found or not): a text that
+    // did depends on more than the model's own bytes.
+    virtual std::size_t otherFilesSought() const { return 0; }
     // The metaclass of an element that the model defines here ("Enumeration"), not a reference
     // to one; empty for any other. `descend` false: nothing below the element is of the model
     // (a tool's own records).

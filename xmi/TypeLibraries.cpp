@@ -116,6 +116,7 @@ std::optional<_eString> TypeLibraries::typeName(const _eString& href, std::strin
     std::string file = text.substr(0, hash);
     std::string fragment = hash == std::string::npos ? std::string() : text.substr(hash + 1);
     where = file;
+    if (!file.empty()) ++sought;
     std::string path = locate(file);
     if (!path.empty())
         if (const auto* names = namesIn(path)) {

@@ -35,6 +35,8 @@ public:
     static std::optional<_eString> wellKnown(const std::string& file, const std::string& fragment);
     // The name of Enterprise Architect's ids of primitive types ("EAJava_int" is "int").
     static std::optional<_eString> wellKnownId(const _eString& id);
+    // How many times `typeName` looked for a file (found or not).
+    std::size_t filesSought() const { return sought; }
 
 private:
     // The file that `file` of an href names, as the platform names it; empty when none is found.
@@ -44,4 +46,5 @@ private:
 
     ModelSource source;
     mutable std::map<std::string, std::unique_ptr<std::map<std::wstring, _eString>>> files;  // null: unreadable
+    mutable std::size_t sought = 0;  // files looked for
 };

@@ -66,6 +66,8 @@ Xmi2Reader::Xmi2Reader(const XMLElement& root, const _eString& xmiPrefix, const 
     findClasses();
 }
 
+std::size_t Xmi2Reader::otherFilesSought() const { return libraries ? libraries->filesSought() : 0; }
+
 // Without the libraries, by the fragment after its "#"; with them, by the name the file or
 // library gives it, "?" where none does.
 TypeRecord Xmi2Reader::hrefType(const _eString& href) const {

@@ -36,6 +36,7 @@ public:
     ClassRecord readClass(const FoundClass& found, const _eHndl<Context>& context) const override;
     bool readsXmi1Ids() const override { return false; }
     std::vector<UnresolvedReference> unresolvedReferences() const override;
+    std::size_t otherFilesSought() const override;
     // An element of UML with an id that refers to nothing; nothing within other namespaces.
     _eString definedKind(const XMLElement& element, bool& descend) const override;
     // The attribute "name", else the text of one child "name"; else none.

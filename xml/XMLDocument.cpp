@@ -137,6 +137,8 @@ TarvaneOutput::Layout XMLDocument::layOutFile(const _eSeq<_eString>& classNames,
     return output->layOut(options, file, sourceFile, environment);
 }
 
+std::size_t XMLDocument::otherFilesSought() const { return modelReader().otherFilesSought(); }
+
 _eString XMLDocument::classId(const _eString& className) const {
     for (const Declaration& each : declaration(className)->declarations())
         if (each.part == DeclarationPart::classHead) return each.id;

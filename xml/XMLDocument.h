@@ -59,6 +59,9 @@ public:
     // Every error joins those of the document, and those of the generation under way.
     void addError(const _eHndl<XMLError>& error) override;
     void addErrors(const XMLErrors& newErrors) override;
+    // How many times reading the classes looked for another file: a text read then depends on
+    // more than the document.
+    std::size_t otherFilesSought() const;
     // The errors of the last generation alone.
     const XMLErrors& lastGenerationErrors() const { return generationErrors; }
 

@@ -298,3 +298,50 @@ TEST_F(FolderUpdate, TheHeadersTimeComesFromSourceDateEpochAndStaysWhenNothingEl
     EXPECT_EQ(record.find(temp.path()), std::string::npos);
     EXPECT_EQ(record.find("2023"), std::string::npos);
 }
+
+// An update with the model and the options as they were takes each file's text from the record
+// instead of laying the class out again; any change of either lays it out anew. A record that
+// says the last generation gave other text shows which road was taken.
+TEST_F(FolderUpdate, AnUnchangedModelIsReadFromTheRecordAndAnyChangeIsLaidOutAgain) {
+    TempDir temp;
+    std::string out = temp / "out", model = temp.write("model.xmi", modelText({account}));
+    auto host = [&](const std::string& options) { return runHost(model + " -q -o " + out + " " + options, temp / "run"); };
+    ASSERT_EQ(host("").status, 0);
+    std::string record = temp.read("out/.modelbridge/record");
+    std::size_t from = record.find("\n# from ");
+    ASSERT_NE(from, std::string::npos) << record;
+    std::string madeFrom = record.substr(from + 8, record.find('\n', from + 1) - from - 8);
+    EXPECT_EQ(madeFrom.size(), 16u);
+
+    auto mark = [&](const std::string& name, const std::string& from, const std::string& to) {
+        std::string text = temp.read(name);
+        ASSERT_NE(text.find(from), std::string::npos) << text;
+        temp.write(name, text.replace(text.find(from), from.size(), to));
+    };
+    mark("out/.modelbridge/record", "\n|end;\n", "\n|end; // as recorded\n");
+    mark("out/Account.tv", "\nend;\n", "\nend; // as recorded\n");
+    HostRun same = host("--dry-run");
+    EXPECT_EQ(same.out, "unchanged " + out + "/Account.tv\n");
+    EXPECT_EQ(host("").status, 0);
+    EXPECT_NE(temp.read("out/Account.tv").find("end; // as recorded"), std::string::npos);
+
+    // Another layout lays the class out again: the file, untouched by its user, takes the text.
+    EXPECT_EQ(host("--line-width 80").status, 0);
+    EXPECT_EQ(afterHeader(temp.read("out/Account.tv")), accountText);
+    std::string relaid = temp.read("out/.modelbridge/record");
+    EXPECT_EQ(relaid.find("# from " + madeFrom), std::string::npos);
+    EXPECT_NE(relaid.find("\n# from "), std::string::npos);
+
+    // One file of several classes, and a model whose types are named in other files, keep no
+    // source: their text depends on more than the model's bytes and the options.
+    EXPECT_EQ(host("--single all").status, 0);
+    std::string single = temp.read("out/.modelbridge/record");
+    std::size_t entry = single.find("file all.tv\n");
+    ASSERT_NE(entry, std::string::npos);
+    EXPECT_EQ(single.substr(entry, single.find("\nend\n", entry) - entry).find("# from"), std::string::npos);
+    std::string papyrus = temp.write("shop.uml", readFile(std::string(MODELBRIDGE_PROJECT_DIR) + "/tests/data/xmi2/shop-papyrus.uml"));
+    ASSERT_EQ(runHost(papyrus + " -q -o " + temp / "shop", temp / "run").status, 0);
+    EXPECT_EQ(temp.read("shop/.modelbridge/record").find("# from"), std::string::npos);
+    ASSERT_EQ(runHost(papyrus + " -q --no-cross-file-types -o " + temp / "plain", temp / "run").status, 0);
+    EXPECT_NE(temp.read("plain/.modelbridge/record").find("# from"), std::string::npos);
+}

@@ -7,14 +7,23 @@
 TEST(GenerationRecord, ReadsBackWhatItWrites) {
     GenerationRecord record;
     RecordEntry entry;
-    entry.file = {"Account.tv", {"c 1"}, "", {"class Account ^=\n", "\tschema !reset post ?;\n", "end;\n"}, {}};
+    entry.file = {"Account.tv", {"c 1"}, "", {"class Account ^=\n", "\tschema !reset post ?;\n", "end;\n"}, {}, {}};
     entry.file.pieces = {{"head c%201", 0, 1, {}}, {"member o1", 1, 2, {{1, 21}}}, {"end c%201", 2, 3, {}}};
     entry.kept = {{"member o9", {"\tschema !gone post x! = 1;\n"}}};
-    record.entries = {entry, {{"B.tv", {}, "", {"|x\n"}, {}}, {}}};
+    entry.file.source = "9f86d081884c7d65";
+    record.entries = {entry, {{"B.tv", {}, "", {"|x\n"}, {}, {}}, {}}};
     GenerationRecord back;
     std::string error;
     ASSERT_TRUE(GenerationRecord::read(record.text(), "r", back, error)) << error;
     EXPECT_EQ(back.entries, record.entries);
+    // What a file was made from stands as a comment, which readers that don't know it pass over.
+    std::string text = record.text();
+    EXPECT_NE(text.find("\n# from 9f86d081884c7d65\n"), std::string::npos) << text;
+    std::string unknown = text;
+    unknown.erase(unknown.find("# from 9f86d081884c7d65\n"), 24);
+    ASSERT_TRUE(GenerationRecord::read(unknown, "r", back, error)) << error;
+    EXPECT_EQ(back.entries[0].file.source, "");
+    EXPECT_EQ(back.entries[1], record.entries[1]);
     EXPECT_EQ(back.byClass("c 1"), &back.entries[0]);
     EXPECT_EQ(back.byName("B.tv"), &back.entries[1]);
     EXPECT_EQ(back.byName("C.tv"), nullptr);
