@@ -59,7 +59,8 @@ private:
         std::string before;                 // the text it had, for the diff
     };
 
-    Step settle(const GeneratedFile& file);
+    // `header` gives the file's header where `file` holds none, when a write or a merge needs it.
+    Step settle(GeneratedFile file, const std::function<std::string()>& header);
     void stale(const RecordEntry& entry);
     bool readFile(const std::string& name, std::string& text, Step& step) const;
     // The text of a file after its header, when it has the header of a generated one.
@@ -91,7 +92,7 @@ bool Update::readFile(const std::string& name, std::string& text, Step& step) co
     return false;
 }
 
-Update::Step Update::settle(const GeneratedFile& file) {
+Update::Step Update::settle(GeneratedFile file, const std::function<std::string()>& header) {
     Step step;
     step.report.file = file.name;
     const RecordEntry* last = record.byName(file.name);
@@ -102,7 +103,11 @@ Update::Step Update::settle(const GeneratedFile& file) {
         if (!renamed) last = nullptr;
     }
     if (last != nullptr) settled.insert(last->file.name);
-    std::string whole = file.header + joinLines(file.lines);
+    auto headed = [&]() -> const GeneratedFile& {
+        if (file.header.empty()) file.header = header();
+        return file;
+    };
+    auto whole = [&] { return headed().header + joinLines(file.lines); };
     RecordEntry entry{file, {}};
     entry.file.header.clear();
     std::string source = renamed ? last->file.name : file.name;
@@ -118,7 +123,7 @@ Update::Step Update::settle(const GeneratedFile& file) {
     if (!folder.holdsAnything(source)) {
         step.report.outcome = FileOutcome::created;
         step.report.renamedFrom.clear();
-        step.write = whole;
+        step.write = whole();
         entries[file.name] = entry;
         return step;
     }
@@ -135,7 +140,7 @@ Update::Step Update::settle(const GeneratedFile& file) {
             step.report.outcome = FileOutcome::unchanged;
         } else if (options.overwrite) {
             step.report.outcome = FileOutcome::updated;
-            step.write = whole;
+            step.write = whole();
         } else {
             step.report.outcome = FileOutcome::foreign;
             step.report.message = "not written by an update here, and not what the model gives; left as it is "
@@ -148,11 +153,11 @@ Update::Step Update::settle(const GeneratedFile& file) {
     if (body == last->file.lines && last->kept.empty()) {
         bool same = body == file.lines && !renamed;
         step.report.outcome = same ? FileOutcome::unchanged : FileOutcome::updated;
-        if (!same) step.write = whole;
+        if (!same) step.write = whole();
         entries[file.name] = entry;
         return step;
     }
-    MergeOutcome merged = MemberMerge::merge(*last, text, file);
+    MergeOutcome merged = MemberMerge::merge(*last, text, headed());
     step.report.orphaned = merged.orphaned;
     step.report.restored = merged.restored;
     step.report.conflicts = merged.conflicts;
@@ -225,9 +230,7 @@ void Update::apply(Step& step) {
 GeneratedFile Update::made(const PlannedFile& planned) const {
     const RecordEntry* last = planned.source.empty() ? nullptr : record.byName(planned.name);
     if (last == nullptr || last->file.source != planned.source) return planned.layOut();
-    GeneratedFile file = last->file;
-    file.header = planned.header();
-    return file;
+    return last->file;  // without its header, which `settle` asks for only where it is written
 }
 
 UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::function<bool()>& sourcesHold) {
@@ -245,7 +248,7 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
         modelClasses.insert(files.back().classIds.begin(), files.back().classIds.end());
     }
     for (const GeneratedFile& file : files) newNames.insert(file.name);
-    for (const GeneratedFile& file : files) steps.push_back(settle(file));
+    for (std::size_t i = 0; i < files.size(); ++i) steps.push_back(settle(std::move(files[i]), planned[i].header));
     for (const RecordEntry& entry : record.entries)
         if (!settled.count(entry.file.name) && !newNames.count(entry.file.name)) stale(entry);
     std::sort(steps.begin(), steps.end(), [](const Step& a, const Step& b) { return a.report.file < b.report.file; });
