@@ -11,6 +11,8 @@
 namespace {
 
 constexpr std::time_t settleSeconds = 2;
+constexpr long settleFineNanoseconds = 100'000'000;
+std::size_t directoryReads = 0;
 constexpr std::size_t keptDirectories = 16;
 
 // What changes when a directory's entries change.
@@ -66,7 +68,9 @@ std::map<std::string, Listing>& listings() {
 bool settled(const Stamp& stamp) {
     timespec now{};
     timespec_get(&now, TIME_UTC);
-    return now.tv_sec - stamp.modified.tv_sec > settleSeconds;
+    if (stamp.modified.tv_nsec == 0) return now.tv_sec - stamp.modified.tv_sec > settleSeconds;
+    long long since = (now.tv_sec - stamp.modified.tv_sec) * 1'000'000'000LL + (now.tv_nsec - stamp.modified.tv_nsec);
+    return since > settleFineNanoseconds;
 }
 
 // The listing of `directory` as it is now, read again unless the kept one can be trusted.
@@ -79,6 +83,7 @@ const Listing* currentListing(const std::string& directory) {
     bool ownChange = found != kept.end() && found->second.stamp == now && found->second.ownChange;
     DIR* dir = opendir(directory.c_str());
     if (dir == nullptr) return nullptr;
+    ++directoryReads;
     Listing listing;
     while (const dirent* entry = readdir(dir)) listing.add(entry->d_name);
     closedir(dir);
@@ -124,3 +129,5 @@ std::FILE* DirectoryListings::openCreating(const std::string& path, const char* 
 }
 
 void DirectoryListings::clear() { listings().clear(); }
+
+std::size_t DirectoryListings::reads() { return directoryReads; }

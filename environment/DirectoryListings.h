@@ -4,8 +4,10 @@
 // each lookup would otherwise read the whole directory: work that grows with the square of
 // the number of files. A listing is used again while the directory's identity and times are
 // unchanged and the listing can be trusted:
-// - a listing read later than two seconds (longer than the coarsest file time stamp) after
-//   the directory's last change is complete, since any change after it moves the times on;
+// - a listing read later than one tick of the file system's clock after the directory's last
+//   change is complete, since any change after it moves the times on: two seconds (the
+//   coarsest file time stamp) where times have no fraction of a second, a tenth of a second
+//   where they have one (there the kernel's coarse clock, at most 10 ms a tick, stamps them);
 // - a file created through `openCreating` is added to the listing of its directory, so the
 //   library's own changes keep it valid; a listing read when the last change was the library's
 //   own is complete too.
@@ -25,4 +27,6 @@ public:
     static std::FILE* openCreating(const std::string& path, const char* mode);
     // Forgets every listing.
     static void clear();
+    // How many times a directory was read, for tests.
+    static std::size_t reads();
 };

@@ -44,6 +44,36 @@ TEST(DirectoryListings, ChangesByOthersAreSeenAtOnce) {
     EXPECT_EQ(DirectoryListings::uniqueMatch(dir / "missing", "x"), "");
 }
 
+// Where the file system's times have fractions of a second, a directory last changed a moment
+// ago (longer than a tick of its clock) is read once for many lookups; one changed in the very
+// tick it is read is read again at each lookup, so that a change in that tick shows.
+TEST(DirectoryListings, ADirectorySettledForATickIsReadOnce) {
+    DirectoryListings::clear();
+    TempDir dir;
+    touch(dir / "Entry.tv");
+    struct stat status;
+    ASSERT_EQ(stat(dir.path().c_str(), &status), 0);
+    if (status.st_mtim.tv_nsec == 0) GTEST_SKIP() << "this file system keeps whole seconds";
+    // The directory's modification time set `offset` nanoseconds from now, with a fraction of a
+    // second whatever the clock gives.
+    auto changedAt = [&](long long offset) {
+        timespec now{};
+        timespec_get(&now, TIME_UTC);
+        long long at = now.tv_sec * 1'000'000'000LL + now.tv_nsec + offset;
+        timespec times[2] = {now, {time_t(at / 1'000'000'000), long(at % 1'000'000'000) | 1}};
+        ASSERT_EQ(utimensat(AT_FDCWD, dir.path().c_str(), times, 0), 0);
+    };
+    auto readsFor = [&](const char* name) {
+        std::size_t before = DirectoryListings::reads();
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), name), "Entry.tv");
+        return DirectoryListings::reads() - before;
+    };
+    changedAt(10'000'000'000LL);  // not yet settled, however slow the machine
+    EXPECT_EQ(readsFor("entry.tv"), 3u);
+    changedAt(-500'000'000LL);
+    EXPECT_EQ(readsFor("ENTRY.TV"), 1u);
+}
+
 TEST(DirectoryListings, FilesTheLibraryCreatesJoinTheListing) {
     DirectoryListings::clear();
     TempDir dir;
