@@ -229,6 +229,9 @@ mutations() {
 @ xmi/TypeLibraries.cpp | looking for another file isn't counted
 - if (!file.empty()) ++sought;
 + if (file.empty()) ++sought;
+@ environment/DirectoryListings.cpp | a listing with fractions of a second waits as long as one without
+- return since > settleFineNanoseconds;
++ return since > settleFineNanoseconds * 20;
 EOF
 }
 
