@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <unordered_map>
 
 #include "environment/PlatformText.h"
 #include "output/MemberMerge.h"
@@ -78,6 +79,13 @@ private:
     std::set<std::string> modelClasses;
     const UpdateOptions& options;
     GenerationRecord record;
+    // The record's entries by file name, and those of one class by its id: the first of each.
+    std::unordered_map<std::string, const RecordEntry*> lastByName, lastByClass;
+    static const RecordEntry* recorded(const std::unordered_map<std::string, const RecordEntry*>& index,
+                                       const std::string& key) {
+        auto found = index.find(key);
+        return found == index.end() ? nullptr : found->second;
+    }
     std::set<std::string> settled;   // recorded files this generation has dealt with
     std::set<std::string> newNames;  // the files of this generation
     std::map<std::string, RecordEntry> entries;  // the new record, by file name
@@ -95,10 +103,10 @@ bool Update::readFile(const std::string& name, std::string& text, Step& step) co
 Update::Step Update::settle(GeneratedFile file, const std::function<std::string()>& header) {
     Step step;
     step.report.file = file.name;
-    const RecordEntry* last = record.byName(file.name);
+    const RecordEntry* last = recorded(lastByName, file.name);
     bool renamed = false;
     if (last == nullptr && file.classIds.size() == 1) {
-        last = record.byClass(file.classIds[0]);
+        last = recorded(lastByClass, file.classIds[0]);
         renamed = last != nullptr && !newNames.count(last->file.name);
         if (!renamed) last = nullptr;
     }
@@ -228,7 +236,7 @@ void Update::apply(Step& step) {
 }
 
 GeneratedFile Update::made(const PlannedFile& planned) const {
-    const RecordEntry* last = planned.source.empty() ? nullptr : record.byName(planned.name);
+    const RecordEntry* last = planned.source.empty() ? nullptr : recorded(lastByName, planned.name);
     if (last == nullptr || last->file.source != planned.source) return planned.layOut();
     return last->file;  // without its header, which `settle` asks for only where it is written
 }
@@ -242,6 +250,10 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     report.error.clear();
     if (!folder.readRecord(text, present, report.error)) return report;
     if (present && !GenerationRecord::read(text, folder.recordPath(), record, report.error)) return report;
+    for (const RecordEntry& entry : record.entries) {
+        lastByName.emplace(entry.file.name, &entry);
+        if (entry.file.classIds.size() == 1) lastByClass.emplace(entry.file.classIds[0], &entry);
+    }
     std::vector<GeneratedFile> files;
     for (const PlannedFile& each : planned) {
         files.push_back(made(each));

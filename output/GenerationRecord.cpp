@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstring>
+#include <unordered_set>
 
 std::string GeneratedFile::classOf(std::size_t index) const {
     for (std::size_t i = std::min(index + 1, pieces.size()); i > 0; --i)
@@ -158,6 +159,7 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
     const std::size_t limit = std::size_t(1) << 31;
     bool begun = false;
     RecordEntry* entry = nullptr;
+    std::unordered_set<std::string> names;
     bool ok = true;
     while (ok && !reader.atEnd()) {
         std::string line = reader.line();
@@ -179,7 +181,7 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
                 break;
             }
             ok = plainFileName(rest) ? true : reader.fail("'" + rest + "' is not a plain file name");
-            if (ok && record.byName(rest) != nullptr) ok = reader.fail("the file '" + rest + "' is recorded twice");
+            if (ok && !names.insert(rest).second) ok = reader.fail("the file '" + rest + "' is recorded twice");
             record.entries.emplace_back();
             entry = &record.entries.back();
             entry->file.name = rest;
