@@ -342,13 +342,30 @@ std::string XMLImporter::renderClassFile(_eString directory, _eString className)
 
 namespace {
 
-// 64-bit FNV-1a, fed piece by piece.
+// A 64-bit digest fed piece by piece, eight bytes a step with the mixing of MurmurHash64A; a
+// piece's last bytes are taken with its length, so that pieces cut apart otherwise differ.
 struct Digest {
-    std::uint64_t value = 14695981039346656037ull;
+    static constexpr std::uint64_t multiplier = 0xc6a4a7935bd1e995ull;
+    std::uint64_t value = 0x9e3779b97f4a7c15ull;
 
+    void mix(std::uint64_t word) {
+        word *= multiplier;
+        word ^= word >> 47;
+        word *= multiplier;
+        value = (value ^ word) * multiplier;
+    }
     void add(const void* data, std::size_t size) {
         const auto* bytes = static_cast<const unsigned char*>(data);
-        for (std::size_t i = 0; i < size; ++i) value = (value ^ bytes[i]) * 1099511628211ull;
+        std::size_t whole = size - size % 8;
+        for (std::size_t i = 0; i < whole; i += 8) {
+            std::uint64_t word;
+            std::memcpy(&word, bytes + i, 8);
+            mix(word);
+        }
+        std::uint64_t tail = size;
+        for (std::size_t i = whole; i < size; ++i) tail = tail << 8 | bytes[i];
+        mix(tail);
+        value ^= value >> 47;
     }
     // A length before the bytes, so that no two sequences of pieces feed the same bytes.
     void add(const std::string& text) {
