@@ -194,16 +194,21 @@ TEST_F(SampleHost, FileErrorsCarryTheSystemsReason) {
     EXPECT_EQ(inTheWay.status, 1);
     EXPECT_TRUE(contains(inTheWay.err, "Account.tv': Is a directory\n")) << inTheWay.err;
 
-    // Root may write anywhere: the program then runs as nobody, where the system lets it.
+    // Root may write anywhere: the program then runs as nobody, where the system lets it (and
+    // where nobody may run the program at all: the build may lie in a folder closed to others).
     std::string launcher = geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups" : "";
     std::string model = temp.write("bank.xmi", readFile(models("bank.xmi")));
     std::string locked = dir + "/locked";
     ASSERT_EQ(mkdir(locked.c_str(), 0555), 0);
     chmod(locked.c_str(), 0555);
     chmod(dir.c_str(), 0755);
-    HostRun readOnly = runHost(model + " -q -o " + locked, dir, "", launcher);
-    EXPECT_EQ(readOnly.status, 1);
-    EXPECT_EQ(readOnly.err, "modelbridge-gen: cannot make '" + locked + "/.modelbridge': Permission denied\n");
+    if (std::system((launcher + " test -x " MODELBRIDGE_GEN_PATH).c_str()) == 0) {
+        HostRun readOnly = runHost(model + " -q -o " + locked, dir, "", launcher);
+        EXPECT_EQ(readOnly.status, 1);
+        EXPECT_EQ(readOnly.err, "modelbridge-gen: cannot make '" + locked + "/.modelbridge': Permission denied\n");
+    } else {
+        std::printf("the program can't be run by another user here: the read-only folder is not tried\n");
+    }
     chmod(locked.c_str(), 0755);
 
     // A read-only file system, mounted in a namespace of the run's own where the system allows one.
