@@ -47,18 +47,15 @@ std::string systemReason(const std::string& path, bool writing) {
     return ::access(folder.c_str(), W_OK) == 0 ? "" : std::strerror(errno);
 }
 
-// The message with the system's reason before its full stop, when it is about a file that
-// could not be opened: "Unable to open file 'out/A.tv' for 'write' access: Permission denied."
-std::string withSystemReason(const std::string& message) {
-    static const std::string open = "Unable to open file '", size = "Unable to obtain size of file '";
-    bool opening = message.compare(0, open.size(), open) == 0;
-    if (!opening && message.compare(0, size.size(), size) != 0) return message;
-    std::string::size_type start = (opening ? open : size).size();
-    std::string::size_type end = message.find(opening ? "' for '" : "'.", start);
-    if (end == std::string::npos || message.back() != '.') return message;
-    bool writing = opening && message.compare(end, 14, "' for 'write' ") == 0;
-    std::string reason = systemReason(message.substr(start, end - start), writing);
-    return reason.empty() ? message : message.substr(0, message.size() - 1) + ": " + reason + ".";
+// The system's reason for an error about a file that could not be opened or measured; empty
+// for any other error.
+std::string systemReasonOf(const XMLError& error) {
+    const _eSeq<_eString>& arguments = error.getArguments();
+    if (arguments.isEmpty()) return {};
+    std::string path = toPlatformText(arguments.at(0));
+    if (error.getKind() == XMLErrorType::fileOpen)
+        return systemReason(path, arguments.size() > 1 && toPlatformText(arguments.at(1)) == "write");
+    return error.getKind() == XMLErrorType::fileTell ? systemReason(path, false) : std::string();
 }
 
 Diagnostic diagnosticOf(const XMLError& error) {
@@ -70,7 +67,9 @@ Diagnostic diagnosticOf(const XMLError& error) {
     diagnostic.column = at.getColumn();
     std::string message =
         toPlatformText(error.fillTemplate(XMLError::messageTable().get(error.getKind())->getMessageTemplate()) + L".");
-    diagnostic.message = withSystemReason(message);
+    // "Unable to open file 'out/A.tv' for 'write' access: Permission denied."
+    std::string reason = systemReasonOf(error);
+    diagnostic.message = reason.empty() ? message : message.substr(0, message.size() - 1) + ": " + reason + ".";
     diagnostic.text = toPlatformText(error.text(true));
     // A diagnostic without a file opens with its severity, not with a stand-in for the file.
     static const std::string noFile = "<no file>: ";
