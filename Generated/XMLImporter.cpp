@@ -449,12 +449,10 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
         auto header = [this, file, source, &environment] {
             return TarvaneOutput::headerBytes(importOptions(), file, source, environment);
         };
-        auto layOut = [this, names, single, file, source, &environment, name, madeFrom] {
+        auto layOut = [this, names, single, file, source, &environment, name] {
             TarvaneOutput::Layout layout =
                 state->document->layOutFile(names, single, file, source, environment, importOptions());
-            GeneratedFile made = FolderUpdate::generatedFile(name, layout, TarvaneOutput::headerLines);
-            made.source = madeFrom;
-            return made;
+            return FolderUpdate::generatedFile(name, layout, TarvaneOutput::headerLines);
         };
         files.push_back({name, madeFrom, header, layOut});
     };

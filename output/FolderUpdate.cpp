@@ -237,8 +237,11 @@ void Update::apply(Step& step) {
 
 GeneratedFile Update::made(const PlannedFile& planned) const {
     const RecordEntry* last = planned.source.empty() ? nullptr : recorded(lastByName, planned.name);
-    if (last == nullptr || last->file.source != planned.source) return planned.layOut();
-    return last->file;  // without its header, which `settle` asks for only where it is written
+    if (last != nullptr && last->file.source == planned.source)
+        return last->file;  // without its header, which `settle` asks for only where it is written
+    GeneratedFile file = planned.layOut();
+    file.source = planned.source;
+    return file;
 }
 
 UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::function<bool()>& sourcesHold) {

@@ -18,7 +18,7 @@ struct PlannedFile {
     std::string name;                         // its name in the folder
     std::string source;                       // what its text is made from; empty: always laid out
     std::function<std::string()> header;      // its header, as laying it out writes it
-    std::function<GeneratedFile()> layOut;    // the whole file, with `source` set
+    std::function<GeneratedFile()> layOut;    // the whole file
 };
 
 class FolderUpdate {
