@@ -153,11 +153,15 @@ class UpdateReport:
         return all(f.outcome not in _UNSETTLED for f in self.files)
 
 
-def _diagnostics(count: int, part: _Callable[[str, int], _Any]) -> _List[Diagnostic]:
-    """Diagnostics read from the C API through `part(KIND, index)`."""
+def _diagnostics(family: str, owner: _Any) -> _List[Diagnostic]:
+    """The diagnostics of a model ("diagnostic") or of a write ("outcome"), read through the C
+    API's calls of that family: mb_diagnostic_count, mb_diagnostic_severity, ..."""
+    def part(kind: str, i: int) -> _Any:
+        return getattr(_lib, f"mb_{family}_{kind}")(owner, i)
+
     return [Diagnostic(_SEVERITIES[part("severity", i)], _native.text(part("file", i)), part("line", i),
                        part("column", i), _native.text(part("message", i)), _native.text(part("text", i)))
-            for i in range(count)]
+            for i in range(getattr(_lib, f"mb_{family}_count")(owner))]
 
 
 def _file_update(update: _ctypes.c_void_p, i: int) -> FileUpdate:
@@ -206,10 +210,7 @@ class Model:
         model = cls.__new__(cls)
         model._handle = handle
         model.classes = [_native.text(_lib.mb_class_name(handle, i)) for i in range(_lib.mb_class_count(handle))]
-        parts = {"severity": _lib.mb_diagnostic_severity, "file": _lib.mb_diagnostic_file,
-                 "line": _lib.mb_diagnostic_line, "column": _lib.mb_diagnostic_column,
-                 "message": _lib.mb_diagnostic_message, "text": _lib.mb_diagnostic_text}
-        model.diagnostics = _diagnostics(_lib.mb_diagnostic_count(handle), lambda kind, i: parts[kind](handle, i))
+        model.diagnostics = _diagnostics("diagnostic", handle)
         model.ok = _lib.mb_ok(handle) == 1
         model.report = _native.text(_lib.mb_report(handle))
         return model
@@ -249,10 +250,7 @@ class Model:
         outcome = _ctypes.c_void_p()
         status = write(outcome)
         try:
-            parts = {"severity": _lib.mb_outcome_severity, "file": _lib.mb_outcome_file, "line": _lib.mb_outcome_line,
-                     "column": _lib.mb_outcome_column, "message": _lib.mb_outcome_message,
-                     "text": _lib.mb_outcome_text}
-            said = _diagnostics(_lib.mb_outcome_count(outcome), lambda kind, i: parts[kind](outcome, i))
+            said = _diagnostics("outcome", outcome)
         finally:
             if outcome.value:
                 _lib.mb_outcome_free(outcome)
