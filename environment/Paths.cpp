@@ -31,6 +31,16 @@ std::string spelledEntry(const std::string& directory, const std::string& compon
     return DirectoryListings::uniqueMatch(directory, component);
 }
 
+// The length of the longest prefix of the absolute `text` that exists as given, ending at a
+// separator or at the end of `text`; 0 when no component exists.
+std::size_t existingPrefix(const std::string& text) {
+    struct stat status;
+    for (std::size_t end = text.size(); end > 0; end = text.rfind('/', end - 1)) {
+        if (lstat(text.substr(0, end).c_str(), &status) == 0) return end;
+    }
+    return 0;
+}
+
 }  // namespace
 
 _eString resolvePath(const _eString& text) {
@@ -67,12 +77,19 @@ _eString resolvePath(const _eString& text) {
 _eString correctCase(const _eString& path) {
     std::string text = toPlatformText(path);
     if (text.size() < 2 || text[0] != '/') return path;
-    std::string result;
-    std::size_t start = 1;
+    // Where a prefix of the path exists as given, so does every component in it: those stay
+    // without a look each, and the one after it is known not to exist as given.
+    std::size_t known = existingPrefix(text);
+    if (known == text.size()) return path;
+    std::string result = text.substr(0, known);
+    std::size_t start = known + 1;
+    bool missing = true;
     while (start < text.size()) {
         std::size_t end = text.find('/', start);
         if (end == std::string::npos) end = text.size();
-        std::string spelled = spelledEntry(result, text.substr(start, end - start));
+        std::string component = text.substr(start, end - start);
+        std::string spelled = missing ? DirectoryListings::uniqueMatch(result, component) : spelledEntry(result, component);
+        missing = false;
         if (spelled.empty()) {
             result += text.substr(start - 1);
             return fromPlatformText(result);

@@ -109,4 +109,11 @@ TEST_F(FileNames, TakeTheFileSystemsSpellingWhereItIsClear) {
     EXPECT_EQ(text(named(L"Ab").fullPathText()), full("/Ab"));
     EXPECT_EQ(text(named(L"AB").fullPathText()), full("/AB"));
     EXPECT_EQ(text(correctCase(L"/")), L"/");
+
+    // A trailing separator stays, also past a file; a path that exists as given stays as given.
+    _eString base = fromPlatformText(dir.path());
+    EXPECT_EQ(text(correctCase(base + L"/Models/Bank.XMI")), full("/Models/Bank.XMI"));
+    EXPECT_EQ(text(correctCase(base + L"/models/")), full("/Models/"));
+    EXPECT_EQ(text(correctCase(base + L"/Models/Bank.XMI/")), full("/Models/Bank.XMI/"));
+    EXPECT_EQ(text(correctCase(base + L"/models/bank.xmi/x")), full("/Models/Bank.XMI/x"));
 }
