@@ -43,12 +43,28 @@ int visit(dl_phdr_info* info, std::size_t, void* data) {
     return 1;
 }
 
+// The file of the module this code was loaded from, found once: empty where it can't be told.
+const std::string& ownModuleFile() {
+    static const std::string file = [] {
+        Dl_info info{};
+        if (dladdr(ModelBridgeVersionRecord, &info) == 0 || info.dli_fname == nullptr) return std::string();
+        return std::string(info.dli_fname);
+    }();
+    return file;
+}
+
 }  // namespace
 
 _eSeq<int> Environment::moduleVersion(const _eString& moduleName) const {
     _eSeq<int> zeros{0, 0, 0, 0};
     Search search{toPlatformText(moduleName), {}};
-    if (search.module.empty() || dl_iterate_phdr(visit, &search) == 0) return zeros;
+    if (search.module.empty()) return zeros;
+    // Asked for the library itself, as every generated header does: its own record answers.
+    if (!ownModuleFile().empty() && designates(ownModuleFile(), search.module)) {
+        const std::uint16_t* record = ModelBridgeVersionRecord;
+        return _eSeq<int>{record[0], record[1], record[2], record[3]};
+    }
+    if (dl_iterate_phdr(visit, &search) == 0) return zeros;
     void* module = dlopen(search.path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
     if (module == nullptr) return zeros;
     const auto* record = static_cast<const std::uint16_t*>(dlsym(module, "ModelBridgeVersionRecord"));
