@@ -1,5 +1,7 @@
 #include "Generated/Location.h"
 
+#include <cstring>
+
 #include "runtime/StringUtils.h"
 
 _eRank Location::rank(const _eAnyBase* other) const {
@@ -45,4 +47,21 @@ std::int32_t Location::tabStopAfter(std::int32_t column, std::int32_t width) {
     std::int32_t remainder = c % width;
     if (remainder < 0) remainder += width;
     return c + 1 - remainder;
+}
+
+void Location::passAll(wchar_t character, const unsigned char* bytes, std::int32_t count, std::int32_t tabWidth) {
+    pass(character, tabWidth);
+    const unsigned char* end = bytes + count;
+    // Only the bytes behind the last line end move the column; they count one each, but tabs.
+    const unsigned char* lineStart = bytes;
+    while (const void* lineEnd = std::memchr(lineStart, 10, std::size_t(end - lineStart))) {
+        line += 1;
+        column = 1;
+        lineStart = static_cast<const unsigned char*>(lineEnd) + 1;
+    }
+    if (std::memchr(lineStart, 9, std::size_t(end - lineStart)) == nullptr) {
+        column += std::int32_t(end - lineStart);
+        return;
+    }
+    for (const unsigned char* at = lineStart; at != end; ++at) pass(*at, tabWidth);
 }

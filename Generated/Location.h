@@ -51,6 +51,9 @@ public:
         }
     }
 
+    // Past `character` and then past each of `count` bytes, as `pass` for each in turn.
+    void passAll(wchar_t character, const unsigned char* bytes, std::int32_t count, std::int32_t tabWidth);
+
     std::int32_t getLine() const { return line; }
     std::int32_t getColumn() const { return column; }
     const _eHndl<FileName>& getFile() const { return file; }

@@ -113,6 +113,17 @@ void XMLLex::closeFile() {
     file.reset();
     bytesLeft = 0;
     currentChar = 10;
+    next = filled = 0;
+}
+
+bool XMLLex::refill() {
+    std::FILE* stream = file.isNull() ? nullptr : file->getStream();
+    next = filled = 0;
+    if (stream == nullptr) return false;
+    if (file->isLastWrite()) file->turnTo(false);
+    if (buffer.empty()) buffer.resize(bufferBytes);
+    filled = std::fread(buffer.data(), 1, buffer.size(), stream);
+    return filled > 0;
 }
 
 void XMLLex::advance() {
@@ -122,35 +133,43 @@ void XMLLex::advance() {
         currentChar = 10;
         return;
     }
-    wchar_t unit = 0;
-    FileError::_eEnum error;
-    environment->readByte(file, unit, error);
-    if (MB_UNLIKELY(error != FileError::success)) {
+    if (MB_UNLIKELY(next == filled) && !refill()) {
         addError(errors, location, XMLErrorType::fileRead, {path});
         bytesLeft = 0;
         currentChar = 10;
         return;
     }
-    currentChar = unit;
+    currentChar = buffer[next++];
     --bytesLeft;
 }
 
 std::int32_t XMLLex::readRun(const bool (&member)[256], bool stopAtLineEnd, wchar_t* units, std::int32_t room) {
-    if (file.isNull() || bytesLeft <= 1 || file->getStream() == nullptr || file->isLastWrite()) return 0;
-    std::FILE* stream = file->getStream();
-    Location* here = location.uniquePointer();
     std::int32_t limit = std::min(room, bytesLeft - 1);
+    if (limit <= 0) return 0;
+    Location* here = location.uniquePointer();
     std::int32_t count = 0;
     while (count < limit) {
-        int c = getc_unlocked(stream);
-        if (c == EOF) break;  // a failed read: the next token reports it
-        if (!member[c] || (stopAtLineEnd && c == 10)) {
-            ungetc(c, stream);
-            break;
+        if (next == filled && !refill()) break;  // a failed read: the next token reports it
+        const unsigned char* bytes = buffer.data() + next;
+        std::int32_t available = std::int32_t(std::min<std::size_t>(filled - next, std::size_t(limit - count)));
+        std::int32_t taken = 0;
+        if (stopAtLineEnd)
+            while (taken < available && member[bytes[taken]] && bytes[taken] != 10) ++taken;
+        else {
+            // Four at a time while all four belong, then one by one.
+            while (taken + 4 <= available && (member[bytes[taken]] & member[bytes[taken + 1]] &
+                                              member[bytes[taken + 2]] & member[bytes[taken + 3]]))
+                taken += 4;
+            while (taken < available && member[bytes[taken]]) ++taken;
         }
-        here->pass(currentChar, tabWidth);
-        currentChar = wchar_t(c);
-        units[count++] = wchar_t(c);
+        if (taken > 0) {
+            here->passAll(currentChar, bytes, taken - 1, tabWidth);
+            currentChar = bytes[taken - 1];
+            std::copy(bytes, bytes + taken, units + count);
+        }
+        next += std::size_t(taken);
+        count += taken;
+        if (taken < available) break;
     }
     bytesLeft -= count;
     return count;

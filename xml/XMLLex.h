@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "Generated/StackValue.h"
 #include "Generated/XMLError.h"
@@ -46,6 +47,10 @@ private:
 
     // Moves past `currentChar` and reads the next byte.
     void advance();
+    // Reads the next block of the input into `buffer`; false where nothing more could be read.
+    bool refill();
+
+    static constexpr std::size_t bufferBytes = 65536;
 
     _eHndl<FileRef> file;              // the open input; null before opening and after closing
     wchar_t currentChar = 10;          // the last byte read; 10 also for nothing yet and nothing more
@@ -56,4 +61,7 @@ private:
     _eHndl<const Environment> environment;
     std::int32_t tabWidth;             // distance of tab stops
     std::shared_ptr<std::string> converted;  // the input as UTF-8, when `readAsUtf8` converted it: `file` reads it
+    std::vector<unsigned char> buffer;  // input read ahead of the lexer, `bufferBytes` once first read
+    std::size_t next = 0;               // the first byte of `buffer` not yet lexed
+    std::size_t filled = 0;             // the bytes of `buffer` that hold input
 };

@@ -35,3 +35,23 @@ TEST_F(Locations, OrderByFileThenLineThenColumn) {
     EXPECT_FALSE(*at(a, 3, 2) == *at(b, 3, 2));
     EXPECT_FALSE(*at(a, 3, 2) == *none);
 }
+
+// Passing a run of bytes at once lands where passing them one by one does: line ends, tabs at
+// every column, a tab after the last line end and runs without either.
+TEST_F(Locations, PassingARunEqualsPassingEachByte) {
+    const std::string runs[] = {"", "abc", "a\tb", "\t\t", "x\ny", "ab\n\tc\td", "\n\n\n", "a\nb\tc\nd  e"};
+    for (int width : {1, 4, 8})
+        for (wchar_t before : {L'a', L'\t', L'\n'})
+            for (const std::string& run : runs) {
+                Location one(file(L"/m/a.xmi")), all(file(L"/m/a.xmi"));
+                for (int column = 0; column < 3; ++column) {
+                    one.nextColumn();
+                    all.nextColumn();
+                }
+                one.pass(before, width);
+                for (char c : run) one.pass(wchar_t(c), width);
+                all.passAll(before, reinterpret_cast<const unsigned char*>(run.data()), std::int32_t(run.size()), width);
+                EXPECT_EQ(all.getLine(), one.getLine()) << run << " width " << width;
+                EXPECT_EQ(all.getColumn(), one.getColumn()) << run << " width " << width;
+            }
+}
