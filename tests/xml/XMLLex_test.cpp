@@ -86,6 +86,43 @@ TEST_F(Lexing, PositionsFromTheFirstByteToTheRepeatedEnd) {
     EXPECT_EQ(tokens("abcd\tx")[5], simple('x', 1, 9));
 }
 
+// Taking runs of bytes reads what one token per byte reads: the same bytes, and the tokens
+// after each run at the same places, across the lexer's blocks, with and without line ends in
+// runs, and with room for less than a whole run.
+TEST_F(Lexing, RunsReadWhatTokensRead) {
+    std::string input;
+    for (int i = 0; input.size() < 150000; ++i)
+        input += std::string(std::size_t(i % 7000), 'w') + "ab\tc d\n\t x" + (i % 3 == 0 ? "\n" : "") + "<";
+    input += "end";
+    std::vector<Seen> each = tokens(input);
+    bool member[256] = {};
+    for (unsigned char c : std::string("abcdwx \t\n")) member[c] = true;
+    for (bool stopAtLineEnd : {false, true})
+        for (std::int32_t room : {1000, 4096}) {
+            _eHndl<XMLLex> lex = open(input);
+            std::vector<wchar_t> units(std::size_t(room), 0);
+            std::size_t at = 0;
+            int runs = 0;
+            for (_eHndl<Terminal> t; at < each.size(); ++at) {
+                lex->nextToken(t);
+                const Location& where = *t->getLocation();
+                ASSERT_EQ((Seen{t->getToken(), t->getCharacter(), where.getLine(), where.getColumn(),
+                                dynamic_cast<const ComplexTerminal*>(t.get()) != nullptr}),
+                          each[at]) << "byte " << at;
+                std::int32_t count = lex->readRun(member, stopAtLineEnd, units.data(), room);
+                ASSERT_LE(count, room);
+                for (std::int32_t i = 0; i < count; ++i) {
+                    ASSERT_EQ(units[std::size_t(i)], wchar_t(input[at + 1 + std::size_t(i)])) << "byte " << at + 1 + i;
+                    ASSERT_FALSE(stopAtLineEnd && units[std::size_t(i)] == 10);
+                }
+                at += std::size_t(count);
+                runs += count > 0;
+            }
+            EXPECT_GT(runs, 100);
+            EXPECT_TRUE(lex->getErrors().isEmpty());
+        }
+}
+
 TEST_F(Lexing, ClassesOfBytes) {
     const std::pair<unsigned char, std::int32_t> codes[] = {
         {'a', 'a'}, {'Z', 'Z'}, {'7', '7'}, {' ', Token::whiteSpace}, {'+', Token::otherChar},
