@@ -34,7 +34,10 @@ public:
     const StackEntry& peek(std::int32_t offset) const { return entries[std::size_t(top + offset)]; }
     StackEntry& peekToChange(std::int32_t offset) { return entries[std::size_t(top + offset)]; }
     // Drops the popped entries.
-    void trim() { entries.resize(std::size_t(top)); }
+    void trim() {
+        // One or two entries at a time: popping them in place is cheaper than a general resize.
+        while (entries.size() > std::size_t(top)) entries.pop_back();
+    }
     // Keeps the first popped entry, now the nonterminal's, and drops the rest.
     void keepTop() {
         ++top;

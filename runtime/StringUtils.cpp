@@ -58,8 +58,9 @@ bool containsUnit(const _eString& s, wchar_t c) { return s.find(c) != s.size(); 
 
 std::int32_t countUnits(const _eString& s, wchar_t c) {
     std::int32_t count = 0;
+    _eSeqReader<wchar_t> reader(s);
     for (int i = 0, n = s.size(); i < n; ++i)
-        if (s.get(i) == c) ++count;
+        if (reader.next() == c) ++count;
     return count;
 }
 

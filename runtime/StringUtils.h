@@ -32,7 +32,20 @@ std::wstring_view unitsOf(const _eString& text, std::wstring& scratch);
 // (heterogeneous lookup: no text is made to ask).
 struct UnitsHash {
     using is_transparent = void;
-    std::size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
+    // Two units to a step of multiply and fold: names are short and their units mostly ASCII,
+    // where a general byte hash spends more on its set-up than on the text.
+    std::size_t operator()(std::wstring_view text) const {
+        constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15ull;
+        std::uint64_t hash = text.size() * multiplier;
+        std::size_t i = 0;
+        for (; i + 2 <= text.size(); i += 2) {
+            std::uint64_t pair = std::uint32_t(text[i]) | std::uint64_t(std::uint32_t(text[i + 1])) << 32;
+            hash = (hash ^ pair) * multiplier;
+            hash ^= hash >> 29;
+        }
+        if (i < text.size()) hash = (hash ^ std::uint32_t(text[i])) * multiplier;
+        return std::size_t(hash ^ (hash >> 32));
+    }
 };
 
 // The hash of a string's units, for hash tables keyed by strings themselves.
