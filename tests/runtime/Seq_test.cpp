@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <numeric>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -103,5 +104,39 @@ TEST(Seq, AppendedRangesFillTheLastLeafAndLeaveCopiesAlone) {
             EXPECT_EQ(contents(s), iota(0, size + length));
             EXPECT_EQ(contents(before), iota(0, size));
         }
+    }
+}
+
+// Strings rank unit by unit as unsigned numbers, a proper prefix below, however their units lie
+// in leaves: built at once, appended one by one, or joined from pieces of other lengths.
+TEST(Seq, StringsRankByUnitsWhateverTheirLeaves) {
+    std::mt19937 rng(7);
+    auto shapes = [](const std::wstring& text) {
+        _eString appended;
+        for (wchar_t c : text) appended.pushBack(c);
+        std::size_t cut = text.size() / 3;
+        _eString joined = _eString(std::wstring_view(text).substr(0, cut)) + _eString(std::wstring_view(text).substr(cut));
+        return std::vector<_eString>{_eString(std::wstring_view(text)), appended, joined};
+    };
+    auto expected = [](const std::wstring& a, const std::wstring& b) {
+        for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i)
+            if (a[i] != b[i]) return std::uint32_t(a[i]) < std::uint32_t(b[i]) ? rankBelow : rankAbove;
+        return a.size() == b.size() ? rankSame : a.size() < b.size() ? rankBelow : rankAbove;
+    };
+    for (int round = 0; round < 300; ++round) {
+        std::wstring a(std::size_t(rng() % 100), L'x');
+        for (wchar_t& c : a) c = wchar_t(L'a' + rng() % 3);
+        std::wstring b = a;
+        switch (rng() % 4) {
+            case 0: break;                                      // equal
+            case 1: b.resize(rng() % (b.size() + 1)); break;    // a prefix
+            case 2: if (!b.empty()) b[rng() % b.size()] = wchar_t(0x80000000u); break;  // a unit with the top bit
+            default: if (!b.empty()) b[rng() % b.size()] += 1; break;
+        }
+        for (const _eString& x : shapes(a))
+            for (const _eString& y : shapes(b)) {
+                ASSERT_EQ(rankStrings(x, y), expected(a, b)) << "round " << round;
+                ASSERT_EQ(rankStrings(y, x), expected(b, a)) << "round " << round;
+            }
     }
 }
