@@ -333,6 +333,10 @@ inline std::wstring toWString(const _eString& s) {
     std::wstring out;
     out.reserve(std::size_t(s.size()));
     _eSeqReader<wchar_t> reader(s);
-    for (int i = 0, n = s.size(); i < n; ++i) out.push_back(reader.next());
+    for (int left = s.size(), length = 0; left > 0; left -= length) {
+        const wchar_t* units = reader.run(length);
+        out.append(units, std::size_t(length));
+        reader.skip(length);
+    }
     return out;
 }

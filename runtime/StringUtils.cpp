@@ -82,9 +82,7 @@ bool textIs(const _eString& text, std::wstring_view word) {
 
 std::wstring_view unitsOf(const _eString& text, std::wstring& scratch) {
     if (text.rootNode()->level() == 0) return {text.rootNode()->asLeaf()->data(), std::size_t(text.size())};
-    scratch.clear();
-    _eSeqReader<wchar_t> reader(text);
-    for (int i = 0, n = text.size(); i < n; ++i) scratch.push_back(reader.next());
+    scratch = toWString(text);
     return scratch;
 }
 

@@ -173,6 +173,11 @@ std::vector<std::wstring> textLines(const _eString& text) {
     std::vector<std::wstring> lines(1);
     std::wstring whole = toWString(text);
     for (std::size_t i = 0; i < whole.size(); ++i) {
+        // Printable units below the line ends of Unicode go over as they are, a run at a time.
+        std::size_t start = i;
+        while (i < whole.size() && whole[i] >= 0x20 && whole[i] < 0x7f) ++i;
+        lines.back().append(whole, start, i - start);
+        if (i == whole.size()) break;
         wchar_t c = whole[i];
         bool lineEnd = c == L'\n' || c == L'\r' || c == L'\v' || c == L'\f' || c == 0x85 || c == 0x2028 || c == 0x2029;
         if (!lineEnd) {

@@ -1,5 +1,6 @@
 #include "xmi/ModelNames.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -32,11 +33,13 @@ _eString qualified(const std::vector<_eString>& path, std::size_t depth, const _
 
 _eString ModelNames::identifier(const _eString& text) {
     if (text.isEmpty() || textIs(text, L"?")) return L"?";
-    _eString out = text;
-    for (int i = 0, n = out.size(); i < n; ++i)
-        if (!isWordUnit(out.get(i))) out.replaceAt(i, L'_');
-    if (out.get(0) >= L'0' && out.get(0) <= L'9') out = _eString(L"_") + out;
-    return out;
+    std::wstring scratch;
+    std::wstring_view units = unitsOf(text, scratch);
+    bool leadingDigit = units[0] >= L'0' && units[0] <= L'9';
+    if (!leadingDigit && std::all_of(units.begin(), units.end(), isWordUnit)) return text;
+    std::wstring out = leadingDigit ? L"_" : L"";
+    for (wchar_t unit : units) out.push_back(isWordUnit(unit) ? unit : L'_');
+    return _eString(std::wstring_view(out));
 }
 
 // Each class by its name as an identifier; where classes share one, each by the fewest of its
