@@ -110,8 +110,7 @@ void Environment::writeText(const _eHndl<FileRef>& file, const _eString& text, F
     if (!ref->isLastWrite()) ref->turnTo(true);
     std::string bytes;
     bytes.reserve(std::size_t(text.size()));
-    _eSeqReader<wchar_t> reader(text);
-    for (int i = 0, n = text.size(); i < n; ++i) appendOutputUnit(bytes, std::uint32_t(reader.next()));
+    appendOutputText(bytes, text);
     std::size_t written = std::fwrite(bytes.data(), 1, bytes.size(), ref->getStream());
     error = written == bytes.size() ? FileError::success : FileError::writeError;
 }

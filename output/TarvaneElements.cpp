@@ -72,8 +72,7 @@ namespace {
 // The bytes before the end of `text` on its last line, where the line had `column` before it.
 std::int32_t columnAfter(const _eString& text, std::int32_t column) {
     std::string bytes;
-    _eSeqReader<wchar_t> reader(text);
-    for (int i = 0, n = text.size(); i < n; ++i) appendOutputUnit(bytes, std::uint32_t(reader.next()));
+    appendOutputText(bytes, text);
     std::size_t lineEnd = bytes.rfind('\n');
     return lineEnd == std::string::npos ? column + std::int32_t(bytes.size()) : std::int32_t(bytes.size() - lineEnd - 1);
 }
