@@ -59,6 +59,11 @@ std::string toPlatformText(const _eString& text) {
     out.reserve(units.size());
     for (std::size_t i = 0; i < units.size();) {
         std::uint32_t unit = std::uint32_t(units[i]);
+        if (unit < 0x80) {
+            out.push_back(char(unit));
+            ++i;
+            continue;
+        }
         std::uint32_t decoded = 0;
         std::size_t length = unit >= 0x80 && unit < 256 ? sequenceLength(bytes, i, decoded) : 0;
         for (std::size_t k = 1; k < length; ++k)
