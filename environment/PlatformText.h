@@ -22,18 +22,9 @@ inline void appendOutputUnit(std::string& out, std::uint32_t unit) {
     else
         appendUtf8(out, unit);
 }
-// Appends every unit of `text` as `appendOutputUnit` does, a leaf's run of units at a time.
+// Appends every unit of `text` as `appendOutputUnit` does.
 inline void appendOutputText(std::string& out, const _eString& text) {
-    _eSeqReader<wchar_t> reader(text);
-    for (int left = text.size(), length = 0; left > 0; left -= length) {
-        const wchar_t* units = reader.run(length);
-        for (int i = 0; i < length; ++i) {
-            auto unit = std::uint32_t(units[i]);
-            if (unit < 256)
-                out.push_back(char(unit));
-            else
-                appendUtf8(out, unit);
-        }
-        reader.skip(length);
-    }
+    forEachRun(text, [&](const wchar_t* units, int length) {
+        for (int i = 0; i < length; ++i) appendOutputUnit(out, std::uint32_t(units[i]));
+    });
 }

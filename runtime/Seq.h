@@ -280,6 +280,17 @@ bool _eSeq<T>::operator==(const _eSeq& other) const {
 
 using _eString = _eSeq<wchar_t>;
 
+// Hands `take` the elements of `seq` in order, a leaf's run at a time: `take(elements, length)`.
+template <class T, class Take>
+void forEachRun(const _eSeq<T>& seq, Take take) {
+    _eSeqReader<T> reader(seq);
+    for (int left = seq.size(), length = 0; left > 0; left -= length) {
+        const T* elements = reader.run(length);
+        take(elements, length);
+        reader.skip(length);
+    }
+}
+
 // The order of strings: unit by unit as unsigned numbers; a proper prefix is below.
 inline _eRank rankUnits(const wchar_t* a, int na, const wchar_t* b, int nb) {
     int n = std::min(na, nb);
@@ -332,11 +343,6 @@ inline _eString operator+(const _eString& a, const _eString& b) { return a.conca
 inline std::wstring toWString(const _eString& s) {
     std::wstring out;
     out.reserve(std::size_t(s.size()));
-    _eSeqReader<wchar_t> reader(s);
-    for (int left = s.size(), length = 0; left > 0; left -= length) {
-        const wchar_t* units = reader.run(length);
-        out.append(units, std::size_t(length));
-        reader.skip(length);
-    }
+    forEachRun(s, [&](const wchar_t* units, int length) { out.append(units, std::size_t(length)); });
     return out;
 }

@@ -1,5 +1,6 @@
 #include "runtime/StringUtils.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <cwctype>
 
@@ -58,9 +59,7 @@ bool containsUnit(const _eString& s, wchar_t c) { return s.find(c) != s.size(); 
 
 std::int32_t countUnits(const _eString& s, wchar_t c) {
     std::int32_t count = 0;
-    _eSeqReader<wchar_t> reader(s);
-    for (int i = 0, n = s.size(); i < n; ++i)
-        if (reader.next() == c) ++count;
+    forEachRun(s, [&](const wchar_t* units, int length) { count += std::int32_t(std::count(units, units + length, c)); });
     return count;
 }
 
