@@ -65,7 +65,7 @@ std::string toPlatformText(const _eString& text) {
             continue;
         }
         std::uint32_t decoded = 0;
-        std::size_t length = unit >= 0x80 && unit < 256 ? sequenceLength(bytes, i, decoded) : 0;
+        std::size_t length = unit < 256 ? sequenceLength(bytes, i, decoded) : 0;
         for (std::size_t k = 1; k < length; ++k)
             if (std::uint32_t(units[i + k]) >= 256) length = 0;
         if (length == 0) {
