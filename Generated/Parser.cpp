@@ -9,7 +9,7 @@ bool isErrorToken(const _eHndl<Terminal>& t) { return t->getToken() == Token::er
 }  // namespace
 
 Parser::Parser(const _eHndl<ParseControl>& control, std::int32_t initialState)
-    : state(initialState), control(control), reduceLocation(Location::nowhere()), tokenLocation(Location::nowhere()) {}
+    : state(initialState), control(control), reduceLocation(Location::nowhere()) {}
 
 bool Parser::equalFields(const Parser&) const { raiseCannotHappen(_xPlaces::parserAbsurd); }
 
@@ -21,7 +21,6 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
         _eSet<int> closers = pendingClosers.at(pendingClosers.size() - 1);
         if (closers.contains(code)) pendingClosers.removeLast();
     } else {
-        tokenLocation = offered->getLocation();
         _eHndl<Terminal> current = offered;
         bool consumed = false;
         while (!finished) {
@@ -34,7 +33,7 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
                 }
                 break;
             }
-            if (entry.action == ActionName::error) resynchronise(current, entry);
+            if (entry.action == ActionName::error) resynchronise(current, offered->getLocation(), entry);
             bool done = false;
             switch (entry.action) {
                 case ActionName::shift:
@@ -77,7 +76,7 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
     }
 }
 
-void Parser::resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry) {
+void Parser::resynchronise(_eHndl<Terminal>& current, const _eHndl<Location>& offeredAt, ActionTableEntry& entry) {
     addError(errors, current->getLocation(), XMLErrorType::unexpectedToken, {current->getText()});
     entry = terminalEntry(state, Token::error);
     while (!stack.isEmpty() && entry.action == ActionName::error) {
@@ -86,7 +85,7 @@ void Parser::resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry) {
         entry = terminalEntry(state, Token::error);
     }
     stack.trim();
-    current = new SimpleTerminal(tokenLocation, Token::error);
+    current = new SimpleTerminal(offeredAt, Token::error);
     recovering = true;
 }
 
@@ -124,6 +123,8 @@ void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry)
                          {actionDisplayName(entry.action), intToString(state)});
         }
     }
+    // Held no longer than the reductions: the lexer moves a position on in place when no one holds it.
+    reduceLocation.reset();
 }
 
 const Parser::RunBytes* Parser::runBytes() {

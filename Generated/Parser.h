@@ -53,6 +53,7 @@ public:
 protected:
     ParseStack stack;
     std::int32_t state;
+    // Where the nonterminal being reduced begins, while `reduceAction` runs.
     const _eHndl<Location>& getReduceLocation() const { return reduceLocation; }
     // A parser whose three lookups are exactly those of the flat copies in `tables` hands them
     // over: the driver then reads them in place, without a virtual call per lookup.
@@ -87,15 +88,15 @@ private:
     std::optional<std::int32_t> loopAction(std::int32_t below, std::int32_t token) const;
     std::shared_ptr<const RunBytes> findRunBytes(std::int32_t below) const;
 
-    // Reports `current`, pops to a state that takes the error token, and makes it the current token.
-    void resynchronise(_eHndl<Terminal>& current, ActionTableEntry& entry);
+    // Reports `current`, pops to a state that takes the error token, and makes it the current
+    // token, at `offeredAt`, where the token offered stands.
+    void resynchronise(_eHndl<Terminal>& current, const _eHndl<Location>& offeredAt, ActionTableEntry& entry);
     void reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry);
 
     bool finished = false;
     bool recovering = false;             // an error was reported and no real token accepted since
     _eHndl<ParseControl> control;
-    _eHndl<Location> reduceLocation;     // where the nonterminal being reduced begins
-    _eHndl<Location> tokenLocation;      // the last token that reached the tables
+    _eHndl<Location> reduceLocation;     // where the nonterminal being reduced begins; null between reductions
     XMLErrors errors;
     _eSeq<_eSet<int>> pendingClosers;    // closing tokens awaited while skipping brackets
     _eHndl<StackValue> result;           // set by `halt`

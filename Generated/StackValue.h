@@ -23,6 +23,11 @@ public:
 
     const _eHndl<Location>& getLocation() const { return location; }
 
+protected:
+    // For a token remade in place: no position while the lexer moves on, then the new one.
+    void leavePlace() { location.reset(); }
+    void takePlace(const _eHndl<Location>& place) { location = place; }
+
 private:
     _eHndl<Location> location;  // where the symbol began
 };
@@ -40,6 +45,18 @@ public:
     virtual _eString getText() const = 0;
 
     std::int32_t getToken() const { return token; }
+
+    // For the lexer, on a token that nothing else holds: it lets go of its position, so that
+    // the lexer can move that on in place, and then becomes the token of the next byte instead
+    // of a new one being made, where its class is the one that token's code has.
+    void leavePlace() { StackValue::leavePlace(); }
+    virtual bool retake(const _eHndl<Location>& location, std::int32_t code, wchar_t character) = 0;
+
+protected:
+    void renew(const _eHndl<Location>& location, std::int32_t code) {
+        takePlace(location);
+        token = code;
+    }
 
 private:
     std::int32_t token;  // the token code: a character below 256, a class above
@@ -59,6 +76,14 @@ public:
     wchar_t getCharacter() const override { return wchar_t(getToken() & 0xFFFF); }
     // "'<'" for printable ASCII, else "character(256)".
     _eString getText() const override;
+
+    // The codes of characters below 256, and the end.
+    static bool holds(std::int32_t code) { return code < 256 || code == Token::endOfFile; }
+    bool retake(const _eHndl<Location>& location, std::int32_t code, wchar_t) override {
+        if (!holds(code)) return false;
+        renew(location, code);
+        return true;
+    }
 };
 
 // A token that names a class of characters and carries the character itself.
@@ -76,6 +101,13 @@ public:
     wchar_t getCharacter() const override { return character; }
     // The character alone.
     _eString getText() const override { return _eString(character); }
+
+    bool retake(const _eHndl<Location>& location, std::int32_t code, wchar_t next) override {
+        if (SimpleTerminal::holds(code)) return false;
+        renew(location, code);
+        character = next;
+        return true;
+    }
 
 private:
     wchar_t character;  // 16 bits

@@ -41,7 +41,6 @@ public:
     void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
         _eHndl<Terminal> token;
         while (!isFinished()) {
-            token.reset();
             lexer.nextToken(token);
             seen(*token);
             offerToken(token);

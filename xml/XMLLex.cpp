@@ -176,13 +176,15 @@ std::int32_t XMLLex::readRun(const bool (&member)[256], bool stopAtLineEnd, wcha
 }
 
 void XMLLex::nextToken(_eHndl<Terminal>& token) {
+    // A token that nothing else holds is remade for the next byte: most tokens are folded into
+    // a node and dropped before the next one is read, and so are their positions.
+    Terminal* own = !token.isNull() && token->countWord() == 1 ? token.get() : nullptr;
+    if (own != nullptr) own->leavePlace();
     advance();
-    if (bytesLeft <= 0 && currentChar == 10) {
-        token = new SimpleTerminal(location, Token::endOfFile);
-        return;
-    }
-    std::int32_t code = tokenCode(static_cast<unsigned char>(currentChar));
-    if (code < 256)
+    std::int32_t code = bytesLeft <= 0 && currentChar == 10 ? Token::endOfFile
+                                                            : tokenCode(static_cast<unsigned char>(currentChar));
+    if (own != nullptr && own->retake(location, code, currentChar)) return;
+    if (SimpleTerminal::holds(code))
         token = new SimpleTerminal(location, code);
     else
         token = new ComplexTerminal(location, code, currentChar);

@@ -27,7 +27,8 @@ public:
     // (ISO-8859-1, windows-1252) tells is read as the UTF-8 that stands for the same characters;
     // a UTF-8 mark is passed over. Anything else is read as it stands.
     void readAsUtf8();
-    // The token of the next byte; at the end `Token::endOfFile`, again and again, a line further each time.
+    // The token of the next byte; at the end `Token::endOfFile`, again and again, a line further
+    // each time. A token in `token` that no other handle holds is remade in place.
     virtual void nextToken(_eHndl<Terminal>& token);
     // Reads on while the next byte is a `member`, each as `nextToken` would have read it, at
     // most `room` bytes into `units`; never the file's last byte, which may stand for its end.

@@ -123,6 +123,35 @@ TEST_F(Lexing, RunsReadWhatTokensRead) {
         }
 }
 
+// One handle passed again and again: a token that nothing else holds is remade in place for
+// the next byte, of either kind; one held elsewhere keeps its code, character and position.
+TEST_F(Lexing, ATokenIsRemadeOnlyWhereNothingElseHoldsIt) {
+    const std::string input = "a \tb\n+<\xB7" "c";
+    std::vector<Seen> fresh = tokens(input);
+    _eHndl<XMLLex> lex = open(input);
+    std::vector<std::pair<std::size_t, _eHndl<Terminal>>> kept;
+    _eHndl<Terminal> t;
+    const Terminal* previous = nullptr;
+    int remade = 0;
+    for (std::size_t i = 0; i < fresh.size(); ++i) {
+        lex->nextToken(t);
+        remade += t.get() == previous;
+        const Location& at = *t->getLocation();
+        EXPECT_EQ((Seen{t->getToken(), t->getCharacter(), at.getLine(), at.getColumn(),
+                        dynamic_cast<const ComplexTerminal*>(t.get()) != nullptr}),
+                  fresh[i]) << "byte " << i;
+        previous = t.get();
+        if (i % 3 == 0) kept.emplace_back(i, t);
+    }
+    EXPECT_GT(remade, 0);
+    for (const auto& [i, held] : kept) {
+        const Location& at = *held->getLocation();
+        EXPECT_EQ((Seen{held->getToken(), held->getCharacter(), at.getLine(), at.getColumn(),
+                        dynamic_cast<const ComplexTerminal*>(held.get()) != nullptr}),
+                  fresh[i]) << "kept byte " << i;
+    }
+}
+
 TEST_F(Lexing, ClassesOfBytes) {
     const std::pair<unsigned char, std::int32_t> codes[] = {
         {'a', 'a'}, {'Z', 'Z'}, {'7', '7'}, {' ', Token::whiteSpace}, {'+', Token::otherChar},
