@@ -93,8 +93,15 @@ void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry)
     while (entry.action == ActionName::reduce || entry.action == ActionName::sh_red) {
         ReduceTableEntry r = reductionEntry(entry.parameter);
         if (r.length == 0) {
+            // An empty nonterminal begins where the token ahead does. All a value of its own
+            // would hold is that place, which the token holds too; an action that makes the
+            // value needs none.
             reduceLocation = current->getLocation();
-            stack.push({state, _eHndl<StackValue>(new StackValue(reduceLocation))});
+            switch (actionKind(r.semanticAction)) {
+                case ActionKind::nothing: stack.push({state, current.get()}); break;
+                case ActionKind::makesValue: stack.push({state, nullptr}); break;
+                default: stack.push({state, _eHndl<StackValue>(new StackValue(reduceLocation))});
+            }
             stack.pop(1);
         } else {
             stack.pop(r.length);

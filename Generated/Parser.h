@@ -63,6 +63,7 @@ protected:
     enum class ActionKind {
         nothing,          // the value of symbol 1 stays the nonterminal's
         appendsCharacter, // symbol 2's character is appended to the value of symbol 1
+        makesValue,       // a new value is made for the nonterminal, whatever its symbols held
         other
     };
     // The grammar's side of runs: the token of a byte, what an action does, and an appending

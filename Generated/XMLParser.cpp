@@ -115,6 +115,11 @@ Parser::ActionKind XMLParser::actionKind(std::int32_t semanticAction) const {
         case A::entityValueCharacter:
         case A::attributeValueCharacter:
         case A::appendToCharData: return ActionKind::appendsCharacter;
+        case A::newEntityValue:
+        case A::newAttributeValue:
+        case A::emptyCharData:
+        case A::newAttributeList:
+        case A::newContent: return ActionKind::makesValue;
         default: return ActionKind::other;
     }
 }
