@@ -103,17 +103,20 @@ std::string GenerationRecord::text() const {
 
 namespace {
 
-// Reads the lines of a record one by one, knowing where it stands.
+// Reads the lines of a record one by one, in place, knowing where it stands.
 class RecordReader {
 public:
-    RecordReader(const std::string& text, const std::string& path) : lines(splitLines(text)), path(path) {}
+    RecordReader(std::string_view text, const std::string& path) : text(text), path(path) {}
 
-    bool atEnd() const { return next == lines.size(); }
-    // The next line without its line end; its words split at the first `words` blanks.
-    std::string line() {
-        std::string text = lines[next++];
-        if (!text.empty() && text.back() == '\n') text.pop_back();
-        return text;
+    bool atEnd() const { return at == text.size(); }
+    // The next line without its line end.
+    std::string_view line() {
+        std::size_t end = text.find('\n', at);
+        if (end == std::string_view::npos) end = text.size();
+        std::string_view line = text.substr(at, end - at);
+        at = end == text.size() ? end : end + 1;
+        ++next;
+        return line;
     }
     bool fail(const std::string& reason) {
         error = path + ":" + std::to_string(next) + ": " + reason;
@@ -126,11 +129,14 @@ public:
     }
     // `count` lines, each "|" and the text of the line.
     bool textLines(std::size_t count, Lines& into) {
+        into.reserve(into.size() + count);
         for (std::size_t i = 0; i < count; ++i) {
             if (atEnd()) return fail("the record ends within a text");
-            std::string text = line();
+            std::string_view text = line();
             if (text.empty() || text[0] != '|') return fail("a line of text must start with '|'");
-            into.push_back(text.substr(1) + "\n");
+            std::string& added = into.emplace_back();
+            added.reserve(text.size());
+            added.append(text.substr(1)).push_back('\n');
         }
         return true;
     }
@@ -138,15 +144,16 @@ public:
     std::string error;
 
 private:
-    Lines lines;
-    std::size_t next = 0;
+    std::string_view text;
+    std::size_t at = 0;    // where the next line begins
+    std::size_t next = 0;  // lines read
     std::string path;
 };
 
 // The word before the first blank, and what follows it.
-std::pair<std::string, std::string> firstWord(const std::string& line) {
+std::pair<std::string_view, std::string_view> firstWord(std::string_view line) {
     std::size_t blank = line.find(' ');
-    if (blank == std::string::npos) return {line, {}};
+    if (blank == std::string_view::npos) return {line, {}};
     return {line.substr(0, blank), line.substr(blank + 1)};
 }
 
@@ -162,8 +169,8 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
     std::unordered_set<std::string> names;
     bool ok = true;
     while (ok && !reader.atEnd()) {
-        std::string line = reader.line();
-        if (entry != nullptr && line.rfind(sourceMark, 0) == 0) {
+        std::string_view line = reader.line();
+        if (entry != nullptr && line.starts_with(sourceMark)) {
             entry->file.source = line.substr(std::strlen(sourceMark));
             continue;
         }
@@ -175,23 +182,24 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
         }
         auto [word, rest] = firstWord(line);
         if (word == "file") {
+            std::string name(rest);
             // Only an entry closed by "end" has had its pieces checked against its text.
             if (entry != nullptr) {
                 ok = reader.fail("the file '" + entry->file.name + "' has no 'end' before the next file");
                 break;
             }
-            ok = plainFileName(rest) ? true : reader.fail("'" + rest + "' is not a plain file name");
-            if (ok && !names.insert(rest).second) ok = reader.fail("the file '" + rest + "' is recorded twice");
+            ok = plainFileName(name) ? true : reader.fail("'" + name + "' is not a plain file name");
+            if (ok && !names.insert(name).second) ok = reader.fail("the file '" + name + "' is recorded twice");
             record.entries.emplace_back();
             entry = &record.entries.back();
-            entry->file.name = rest;
+            entry->file.name = name;
             continue;
         }
         if (entry == nullptr) {
-            ok = reader.fail("'" + word + "' before the first file");
+            ok = reader.fail("'" + std::string(word) + "' before the first file");
         } else if (word == "class") {
             ok = !rest.empty() || reader.fail("a class without an id");
-            entry->file.classIds.push_back(idOfKeyText(rest));
+            entry->file.classIds.push_back(idOfKeyText(std::string(rest)));
         } else if (word == "piece") {
             auto [first, afterFirst] = firstWord(rest);
             auto [end, key] = firstWord(afterFirst);
@@ -211,8 +219,8 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
             auto [countText, key] = firstWord(rest);
             std::size_t count = 0;
             ok = (RecordReader::number(countText, limit, count) && (word == "text" ? key.empty() : !key.empty())) ||
-                 reader.fail("'" + word + "' needs its number of lines" + (word == "kept" ? " and its key" : ""));
-            if (word == "kept") entry->kept.push_back({key, {}});
+                 reader.fail("'" + std::string(word) + "' needs its number of lines" + (word == "kept" ? " and its key" : ""));
+            if (word == "kept") entry->kept.push_back({std::string(key), {}});
             ok = ok && reader.textLines(count, word == "text" ? entry->file.lines : entry->kept.back().lines);
         } else if (word == "end") {
             // Each piece must stand within the text, in order, and each body within its piece.
@@ -225,7 +233,7 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
             if (!ok) reader.fail("the pieces of '" + entry->file.name + "' don't fit its text");
             entry = nullptr;
         } else {
-            ok = reader.fail("unknown item '" + word + "'");
+            ok = reader.fail("unknown item '" + std::string(word) + "'");
         }
     }
     if (ok && entry != nullptr) ok = reader.fail("the record ends within the file '" + entry->file.name + "'");
