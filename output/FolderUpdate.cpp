@@ -64,11 +64,14 @@ private:
     Step settle(GeneratedFile file, const std::function<std::string()>& header);
     void stale(const RecordEntry& entry);
     bool readFile(const std::string& name, std::string& text, Step& step) const;
-    // The text of a file after its header, when it has the header of a generated one.
-    static Lines bodyOf(const std::string& text) {
-        Lines lines = splitLines(text);
+    // The lines of a file after its header, when it has the header of a generated one, in place.
+    static LineViews bodyOf(const std::string& text) {
+        LineViews lines = lineViews(text);
         std::size_t header = MemberMerge::headerOf(lines, TarvaneOutput::headerLines);
-        return Lines(lines.begin() + long(header), lines.end());
+        return LineViews(lines.begin() + long(header), lines.end());
+    }
+    static bool same(const LineViews& body, const Lines& lines) {
+        return std::equal(body.begin(), body.end(), lines.begin(), lines.end());
     }
     void apply(Step& step);
 
@@ -142,9 +145,9 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
     }
     step.before = text;
     if (renamed) step.remove = source;
-    Lines body = bodyOf(text);
+    LineViews body = bodyOf(text);
     if (last == nullptr) {
-        if (body == file.lines) {
+        if (same(body, file.lines)) {
             step.report.outcome = FileOutcome::unchanged;
         } else if (options.overwrite) {
             step.report.outcome = FileOutcome::updated;
@@ -158,10 +161,10 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
         entries[file.name] = entry;
         return step;
     }
-    if (body == last->file.lines && last->kept.empty()) {
-        bool same = body == file.lines && !renamed;
-        step.report.outcome = same ? FileOutcome::unchanged : FileOutcome::updated;
-        if (!same) step.write = whole();
+    if (same(body, last->file.lines) && last->kept.empty()) {
+        bool unchanged = same(body, file.lines) && !renamed;
+        step.report.outcome = unchanged ? FileOutcome::unchanged : FileOutcome::updated;
+        if (!unchanged) step.write = whole();
         entries[file.name] = entry;
         return step;
     }
@@ -203,7 +206,7 @@ void Update::stale(const RecordEntry& entry) {
         return;
     }
     step.before = text;
-    if (options.prune && bodyOf(text) == entry.file.lines) {
+    if (options.prune && same(bodyOf(text), entry.file.lines)) {
         step.report.outcome = FileOutcome::pruned;
         step.remove = entry.file.name;
     } else {

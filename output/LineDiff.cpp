@@ -3,16 +3,21 @@
 #include <algorithm>
 #include <unordered_map>
 
-Lines splitLines(std::string_view text) {
-    Lines lines;
+LineViews lineViews(std::string_view text) {
+    LineViews lines;
     std::size_t start = 0;
     while (start < text.size()) {
         std::size_t end = text.find('\n', start);
         end = end == std::string_view::npos ? text.size() : end + 1;
-        lines.emplace_back(text.substr(start, end - start));
+        lines.push_back(text.substr(start, end - start));
         start = end;
     }
     return lines;
+}
+
+Lines splitLines(std::string_view text) {
+    LineViews views = lineViews(text);
+    return Lines(views.begin(), views.end());
 }
 
 std::string joinLines(const Lines& lines, std::size_t first, std::size_t end) {

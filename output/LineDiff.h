@@ -9,8 +9,11 @@
 #include <vector>
 
 using Lines = std::vector<std::string>;
+using LineViews = std::vector<std::string_view>;
 
 // `text` cut after each "\n"; a last line without one stays a line.
+LineViews lineViews(std::string_view text);
+// The same lines, copied.
 Lines splitLines(std::string_view text);
 std::string joinLines(const Lines& lines, std::size_t first = 0, std::size_t end = std::string::npos);
 

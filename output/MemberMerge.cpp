@@ -141,11 +141,11 @@ std::optional<Lines> mergeBodies(const Lines& baseLines, const Unit& baseUnit, c
 
 std::string MemberMerge::keptMarker(const std::string& key) { return keptPrefix + key + "\n"; }
 
-std::size_t MemberMerge::headerOf(const Lines& lines, std::size_t headerLines) {
+std::size_t MemberMerge::headerOf(const LineViews& lines, std::size_t headerLines) {
     if (headerLines < 3 || lines.size() < headerLines) return 0;
-    auto starts = [&](std::size_t line, const char* text) { return lines[line].rfind(text, 0) == 0; };
+    auto starts = [&](std::size_t line, const char* text) { return lines[line].starts_with(text); };
     bool shaped = starts(0, "//***") && starts(1, "//* File: ") && starts(headerLines - 2, "//***") &&
-                  trimmed(lines[headerLines - 1]).empty();
+                  lines[headerLines - 1].find_first_not_of(" \t\r\n") == std::string_view::npos;
     for (std::size_t line = 2; shaped && line + 2 < headerLines; ++line) shaped = starts(line, "//* ");
     return shaped ? headerLines : 0;
 }
@@ -158,10 +158,10 @@ public:
     FileMerge(const RecordEntry& base, const std::string& userText, const GeneratedFile& next)
         : base(base), next(next), baseUnits(unitsOf(base.file)), nextUnits(unitsOf(next)),
           baseIndex(indexOf(baseUnits)), nextIndex(indexOf(nextUnits)) {
-        Lines all = splitLines(userText);
+        LineViews all = lineViews(userText);
         std::size_t headerLines = std::size_t(std::count(next.header.begin(), next.header.end(), '\n'));
         userHeader = MemberMerge::headerOf(all, headerLines);
-        user = linesOf(all, userHeader, all.size());
+        user = Lines(all.begin() + long(userHeader), all.end());
     }
 
     MergeOutcome run();

@@ -27,7 +27,7 @@ public:
 
     // The number of lines at the start of `lines` that have the shape of a generated header of
     // `headerLines` lines, or 0.
-    static std::size_t headerOf(const Lines& lines, std::size_t headerLines);
+    static std::size_t headerOf(const LineViews& lines, std::size_t headerLines);
     // The line that starts a member kept commented out.
     static std::string keptMarker(const std::string& key);
 };
