@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <climits>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "environment/DirectoryListings.h"
 #include "environment/PlatformText.h"
@@ -52,24 +52,24 @@ _eString resolvePath(const _eString& text) {
         path = cwd + "/" + path;
     }
     bool trailing = path.back() == '/';
-    std::vector<std::string> parts;
+    // One pass: each component kept is followed by a separator; the last one goes at the end
+    // unless the path ended in one.
+    std::string out = "/";
+    out.reserve(path.size() + 1);
     std::size_t start = 0;
     while (start <= path.size()) {
         std::size_t end = path.find('/', start);
         if (end == std::string::npos) end = path.size();
-        std::string part = path.substr(start, end - start);
+        std::string_view part(path.data() + start, end - start);
         if (part == "..") {
-            if (!parts.empty()) parts.pop_back();
+            if (out.size() > 1) out.resize(out.rfind('/', out.size() - 2) + 1);
         } else if (!part.empty() && part != ".") {
-            parts.push_back(part);
+            out.append(part);
+            out += '/';
         }
         start = end + 1;
     }
-    std::string out = "/";
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        out += parts[i];
-        if (i + 1 < parts.size() || trailing) out += "/";
-    }
+    if (!trailing && out.size() > 1) out.pop_back();
     if (out.size() >= pathLimit) return {};
     return fromPlatformText(out);
 }

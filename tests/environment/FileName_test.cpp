@@ -76,6 +76,12 @@ TEST_F(FileNames, RelativeAbsoluteDotsAndTrailingSeparators) {
     EXPECT_EQ(text(FileName(L"rel.txt", env.get()).fullPathText()), toWString(fromPlatformText(std::string(cwd) + "/rel.txt")));
     // Up from the root stays at the root.
     EXPECT_EQ(text(FileName(L"/../../etc", env.get()).fullPathText()), L"/etc");
+    // Paths as text alone: a trailing separator stays where anything is left of the path.
+    const std::pair<const wchar_t*, const wchar_t*> resolved[] = {
+        {L"/a/b/../../c/", L"/c/"}, {L"/a/./b/.", L"/a/b"}, {L"/..", L"/"},        {L"/a/..", L"/"},
+        {L"/a/../", L"/"},          {L"//a//b//", L"/a/b/"}, {L"/a/b/..", L"/a"}, {L"/a/b/../../..", L"/"},
+    };
+    for (const auto& [given, path] : resolved) EXPECT_EQ(text(resolvePath(given)), path) << text(given);
 
     FileName trailing = named(L"sub/");
     EXPECT_FALSE(trailing.isValid());
