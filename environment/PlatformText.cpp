@@ -50,6 +50,19 @@ std::size_t sequenceLength(std::string_view bytes, std::size_t at, std::uint32_t
 }  // namespace
 
 std::string toPlatformText(const _eString& text) {
+    // ASCII, the common case, is copied as it stands, without a look for sequences.
+    std::string ascii(std::size_t(text.size()), '\0');
+    std::size_t copied = 0;
+    bool onlyAscii = true;
+    forEachRun(text, [&](const wchar_t* units, int length) {
+        for (int k = 0; onlyAscii && k < length; ++k) {
+            if (std::uint32_t(units[k]) >= 0x80)
+                onlyAscii = false;
+            else
+                ascii[copied++] = char(units[k]);
+        }
+    });
+    if (onlyAscii) return ascii;
     std::wstring units = toWString(text);
     // The units as bytes, where they are bytes (a unit above 255 never forms part of a sequence).
     std::string bytes;
