@@ -99,12 +99,13 @@ bool OutputFolder::read(const std::string& name, std::string& text, std::string&
 }
 
 bool OutputFolder::write(const std::string& name, const std::string& text, std::string& error) const {
-    if (pathOf(name).empty()) {
+    std::string path = pathOf(name);
+    if (path.empty()) {
         error = "'" + name + "' is not a plain file name";
         return false;
     }
     if (holdsAnything(name) && !holdsFile(name)) {
-        error = "'" + pathOf(name) + "' is not a plain file";
+        error = "'" + path + "' is not a plain file";
         return false;
     }
     return writeByRename(folder, name, text, error);
