@@ -119,8 +119,13 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
         return file;
     };
     auto whole = [&] { return headed().header + joinLines(file.lines); };
-    RecordEntry entry{file, {}};
-    entry.file.header.clear();
+    // The file goes into the new record, without its header, once nothing else needs it.
+    auto keep = [&](std::vector<KeptMember> kept) {
+        RecordEntry& entry = entries[file.name];
+        entry.file = std::move(file);
+        entry.file.header.clear();
+        entry.kept = std::move(kept);
+    };
     std::string source = renamed ? last->file.name : file.name;
     if (renamed && folder.holdsAnything(file.name)) {
         // A file of the new name stands in the way: both stay until the user moves one.
@@ -135,7 +140,7 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
         step.report.outcome = FileOutcome::created;
         step.report.renamedFrom.clear();
         step.write = whole();
-        entries[file.name] = entry;
+        keep({});
         return step;
     }
     std::string text;
@@ -143,7 +148,7 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
         if (last != nullptr) entries[last->file.name] = *last;
         return step;
     }
-    step.before = text;
+    if (options.diff) step.before = text;
     if (renamed) step.remove = source;
     LineViews body = bodyOf(text);
     if (last == nullptr) {
@@ -158,21 +163,20 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
                                   "(--overwrite replaces it)";
             return step;
         }
-        entries[file.name] = entry;
+        keep({});
         return step;
     }
     if (same(body, last->file.lines) && last->kept.empty()) {
         bool unchanged = same(body, file.lines) && !renamed;
         step.report.outcome = unchanged ? FileOutcome::unchanged : FileOutcome::updated;
         if (!unchanged) step.write = whole();
-        entries[file.name] = entry;
+        keep({});
         return step;
     }
     MergeOutcome merged = MemberMerge::merge(*last, text, headed());
     step.report.orphaned = merged.orphaned;
     step.report.restored = merged.restored;
     step.report.conflicts = merged.conflicts;
-    entry.kept = merged.kept;
     if (!merged.settled && !options.conflictMarkers) {
         step.report.outcome = FileOutcome::conflict;
         step.report.message = "the model and your text changed the same lines; left as it is";
@@ -186,7 +190,7 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
                                                             : FileOutcome::merged;
     if (!merged.settled) step.report.message = "written with conflict markers round the lines both changed";
     if (merged.text != text || renamed) step.write = merged.text;
-    entries[file.name] = entry;
+    keep(std::move(merged.kept));
     return step;
 }
 
@@ -269,6 +273,10 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     for (std::size_t i = 0; i < files.size(); ++i) steps.push_back(settle(std::move(files[i]), planned[i].header));
     for (const RecordEntry& entry : record.entries)
         if (!settled.count(entry.file.name) && !newNames.count(entry.file.name)) stale(entry);
+    // Every file is settled: the last record goes before the next one is written out.
+    lastByName.clear();
+    lastByClass.clear();
+    record = GenerationRecord();
     std::sort(steps.begin(), steps.end(), [](const Step& a, const Step& b) { return a.report.file < b.report.file; });
     report.ok = true;
     for (Step& step : steps) {
@@ -285,8 +293,8 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     if (!sourcesHold())
         for (const PlannedFile& each : planned) madeFrom.insert(each.source);
     for (auto& [name, entry] : entries) {
-        next.entries.push_back(entry);
-        if (madeFrom.count(entry.file.source)) next.entries.back().file.source.clear();
+        if (madeFrom.count(entry.file.source)) entry.file.source.clear();
+        next.entries.push_back(std::move(entry));
     }
     std::string nextText = next.text();
     if (options.write && (!present || nextText != text) && !folder.writeRecord(nextText, error)) {
