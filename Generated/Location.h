@@ -14,6 +14,8 @@ public:
     Location() = default;
     // Line 0, column 0 at `file`.
     explicit Location(const _eHndl<FileName>& file) : file(file) {}
+    Location(const _eHndl<FileName>& file, std::int32_t line, std::int32_t column)
+        : line(line), column(column), file(file) {}
 
     // The one location of every error that has no position.
     static const _eHndl<Location>& nowhere() {
@@ -64,4 +66,22 @@ private:
     std::int32_t line = 0;
     std::int32_t column = 0;
     _eHndl<FileName> file;  // null for a location without a file
+};
+
+// What a `Location` holds, kept by value: the tokens and nodes of a parse keep their places so,
+// and a `Location` of its own is made only where one is asked for.
+struct Position {
+    std::int32_t line = 0;
+    std::int32_t column = 0;
+    _eHndl<FileName> file;  // null for a place without a file
+
+    Position() = default;
+    Position(const Location& at) : line(at.getLine()), column(at.getColumn()), file(at.getFile()) {}
+    // A null location is line 0, column 0, without a file, as `Location::nowhere()`.
+    Position(const _eHndl<Location>& at) : Position(at.isNull() ? Position() : Position(*at)) {}
+
+    bool operator==(const Position& other) const {
+        return line == other.line && column == other.column && file == other.file;
+    }
+    _eHndl<Location> location() const { return _eHndl<Location>(new Location(file, line, column)); }
 };

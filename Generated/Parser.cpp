@@ -9,7 +9,7 @@ bool isErrorToken(const _eHndl<Terminal>& t) { return t->getToken() == Token::er
 }  // namespace
 
 Parser::Parser(const _eHndl<ParseControl>& control, std::int32_t initialState)
-    : state(initialState), control(control), reduceLocation(Location::nowhere()) {}
+    : state(initialState), control(control) {}
 
 bool Parser::equalFields(const Parser&) const { raiseCannotHappen(_xPlaces::parserAbsurd); }
 
@@ -33,7 +33,7 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
                 }
                 break;
             }
-            if (entry.action == ActionName::error) resynchronise(current, offered->getLocation(), entry);
+            if (entry.action == ActionName::error) resynchronise(current, offered->getPosition(), entry);
             bool done = false;
             switch (entry.action) {
                 case ActionName::shift:
@@ -76,7 +76,7 @@ void Parser::offerToken(const _eHndl<Terminal>& offered) {
     }
 }
 
-void Parser::resynchronise(_eHndl<Terminal>& current, const _eHndl<Location>& offeredAt, ActionTableEntry& entry) {
+void Parser::resynchronise(_eHndl<Terminal>& current, const Position& offeredAt, ActionTableEntry& entry) {
     addError(errors, current->getLocation(), XMLErrorType::unexpectedToken, {current->getText()});
     entry = terminalEntry(state, Token::error);
     while (!stack.isEmpty() && entry.action == ActionName::error) {
@@ -96,17 +96,17 @@ void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry)
             // An empty nonterminal begins where the token ahead does. All a value of its own
             // would hold is that place, which the token holds too; an action that makes the
             // value needs none.
-            reduceLocation = current->getLocation();
+            reducePosition = current->getPosition();
             switch (actionKind(r.semanticAction)) {
                 case ActionKind::nothing: stack.push({state, current.get()}); break;
                 case ActionKind::makesValue: stack.push({state, nullptr}); break;
-                default: stack.push({state, _eHndl<StackValue>(new StackValue(reduceLocation))});
+                default: stack.push({state, _eHndl<StackValue>(new StackValue(reducePosition))});
             }
             stack.pop(1);
         } else {
             stack.pop(r.length);
             state = stack.peek(0).state;
-            reduceLocation = stack.peek(0).value->getLocation();
+            reducePosition = stack.peek(0).value->getPosition();
         }
         reduceAction(r.semanticAction);
         entry = nonTerminalEntry(state, r.nonTerminal);
@@ -126,12 +126,10 @@ void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry)
                 stack.trim();
                 break;
             default:
-                addError(errors, reduceLocation, XMLErrorType::illegalNonterminalAction,
+                addError(errors, reducePosition.location(), XMLErrorType::illegalNonterminalAction,
                          {actionDisplayName(entry.action), intToString(state)});
         }
     }
-    // Held no longer than the reductions: the lexer moves a position on in place when no one holds it.
-    reduceLocation.reset();
 }
 
 const Parser::RunBytes* Parser::runBytes() {

@@ -54,7 +54,7 @@ protected:
     ParseStack stack;
     std::int32_t state;
     // Where the nonterminal being reduced begins, while `reduceAction` runs.
-    const _eHndl<Location>& getReduceLocation() const { return reduceLocation; }
+    const Position& getReducePosition() const { return reducePosition; }
     // A parser whose three lookups are exactly those of the flat copies in `tables` hands them
     // over: the driver then reads them in place, without a virtual call per lookup.
     void readTablesDirectly(const ParseTables& tables) { direct = &tables; }
@@ -91,13 +91,13 @@ private:
 
     // Reports `current`, pops to a state that takes the error token, and makes it the current
     // token, at `offeredAt`, where the token offered stands.
-    void resynchronise(_eHndl<Terminal>& current, const _eHndl<Location>& offeredAt, ActionTableEntry& entry);
+    void resynchronise(_eHndl<Terminal>& current, const Position& offeredAt, ActionTableEntry& entry);
     void reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry);
 
     bool finished = false;
     bool recovering = false;             // an error was reported and no real token accepted since
     _eHndl<ParseControl> control;
-    _eHndl<Location> reduceLocation;     // where the nonterminal being reduced begins; null between reductions
+    Position reducePosition;             // where the nonterminal being reduced begins
     XMLErrors errors;
     _eSeq<_eSet<int>> pendingClosers;    // closing tokens awaited while skipping brackets
     _eHndl<StackValue> result;           // set by `halt`

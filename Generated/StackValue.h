@@ -12,31 +12,32 @@ class StackValue : public _eClass<StackValue, _eAny> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule14, 0};
 
-    explicit StackValue(const _eHndl<Location>& location) : location(location) {}
+    explicit StackValue(const Position& position) : position(position) {}
 
-    bool equalFields(const StackValue& other) const { return location == other.location; }
+    bool equalFields(const StackValue& other) const { return position == other.position; }
 
     virtual void setLocation(const _eHndl<Location>& place) {
         _eFreeze freeze(this);
-        location = place;
+        position = place;
     }
 
-    const _eHndl<Location>& getLocation() const { return location; }
+    // A location of its own, made on each call.
+    _eHndl<Location> getLocation() const { return position.location(); }
+    const Position& getPosition() const { return position; }
 
 protected:
-    // For a token remade in place: no position while the lexer moves on, then the new one.
-    void leavePlace() { location.reset(); }
-    void takePlace(const _eHndl<Location>& place) { location = place; }
+    // For a token remade in place.
+    void moveTo(const Position& place) { position = place; }
 
 private:
-    _eHndl<Location> location;  // where the symbol began
+    Position position;  // where the symbol began
 };
 
 class Terminal : public _eAbstractClass<Terminal, StackValue> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule25, 0};
 
-    Terminal(const _eHndl<Location>& location, std::int32_t token) : _eAbstractClass(location), token(token) {}
+    Terminal(const Position& position, std::int32_t token) : _eAbstractClass(position), token(token) {}
 
     bool equalFields(const Terminal& other) const { return StackValue::equalFields(other) && token == other.token; }
 
@@ -46,15 +47,13 @@ public:
 
     std::int32_t getToken() const { return token; }
 
-    // For the lexer, on a token that nothing else holds: it lets go of its position, so that
-    // the lexer can move that on in place, and then becomes the token of the next byte instead
-    // of a new one being made, where its class is the one that token's code has.
-    void leavePlace() { StackValue::leavePlace(); }
-    virtual bool retake(const _eHndl<Location>& location, std::int32_t code, wchar_t character) = 0;
+    // For the lexer, on a token that nothing else holds: it becomes the token of the next byte,
+    // at `position`, instead of a new one being made, where its class is the one `code` has.
+    virtual bool retake(const Position& position, std::int32_t code, wchar_t character) = 0;
 
 protected:
-    void renew(const _eHndl<Location>& location, std::int32_t code) {
-        takePlace(location);
+    void renew(const Position& position, std::int32_t code) {
+        moveTo(position);
         token = code;
     }
 
@@ -67,9 +66,8 @@ class SimpleTerminal : public _eClass<SimpleTerminal, Terminal> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule25, 1};
 
-    SimpleTerminal(const _eHndl<Location>& location, wchar_t character)
-        : _eClass(location, std::int32_t(character)) {}
-    SimpleTerminal(const _eHndl<Location>& location, std::int32_t code) : _eClass(location, code) {}
+    SimpleTerminal(const Position& position, wchar_t character) : _eClass(position, std::int32_t(character)) {}
+    SimpleTerminal(const Position& position, std::int32_t code) : _eClass(position, code) {}
 
     bool equalFields(const SimpleTerminal& other) const { return Terminal::equalFields(other); }
 
@@ -79,9 +77,9 @@ public:
 
     // The codes of characters below 256, and the end.
     static bool holds(std::int32_t code) { return code < 256 || code == Token::endOfFile; }
-    bool retake(const _eHndl<Location>& location, std::int32_t code, wchar_t) override {
+    bool retake(const Position& position, std::int32_t code, wchar_t) override {
         if (!holds(code)) return false;
-        renew(location, code);
+        renew(position, code);
         return true;
     }
 };
@@ -91,8 +89,8 @@ class ComplexTerminal : public _eClass<ComplexTerminal, Terminal> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule25, 2};
 
-    ComplexTerminal(const _eHndl<Location>& location, std::int32_t code, wchar_t character)
-        : _eClass(location, code), character(character) {}
+    ComplexTerminal(const Position& position, std::int32_t code, wchar_t character)
+        : _eClass(position, code), character(character) {}
 
     bool equalFields(const ComplexTerminal& other) const {
         return Terminal::equalFields(other) && character == other.character;
@@ -102,9 +100,9 @@ public:
     // The character alone.
     _eString getText() const override { return _eString(character); }
 
-    bool retake(const _eHndl<Location>& location, std::int32_t code, wchar_t next) override {
+    bool retake(const Position& position, std::int32_t code, wchar_t next) override {
         if (SimpleTerminal::holds(code)) return false;
-        renew(location, code);
+        renew(position, code);
         character = next;
         return true;
     }

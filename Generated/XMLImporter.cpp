@@ -257,8 +257,8 @@ void XMLImporter::parseFile(const FileName* file, bool showProgress) {
 void XMLImporter::processAllTokens(_eHndl<XMLParser>& parser, _eHndl<XMLLex>& lexer, bool showProgress) {
     std::int32_t lastLine = 0;
     parser->parseAll(*lexer, true, showProgress, [&](const Terminal& token) {
-        if (showProgress && token.getLocation()->getLine() != lastLine) {
-            lastLine = token.getLocation()->getLine();
+        if (showProgress && token.getPosition().line != lastLine) {
+            lastLine = token.getPosition().line;
             state->progressSink(L"\rParsed line " + intToString(lastLine), state->progressContext);
         }
     });

@@ -28,7 +28,7 @@ T* firstToChange(ParseStack& stack) {
 // The semantic actions: each builds a node of the tree from the popped right-hand side, or adds
 // to the node of its first symbol. Values not named here do nothing.
 void XMLParser::reduceAction(std::int32_t semanticAction) {
-    const _eHndl<Location>& at = getReduceLocation();
+    const Position& at = getReducePosition();
     auto result = [this](StackValue* value) { stack.peekToChange(0).value = value; };
     using T = Terminal;
     namespace A = SemanticAction;
@@ -148,7 +148,7 @@ std::int32_t predefinedEntity(const _eString& name) {
 
 }  // namespace
 
-_eFrom<NonTerminal> XMLParser::entityReference(const _eHndl<Location>& at, const _eHndl<XMLString>& name) const {
+_eFrom<NonTerminal> XMLParser::entityReference(const Position& at, const _eHndl<XMLString>& name) const {
     if (extensions.decodeReferences)
         if (std::int32_t code = predefinedEntity(name->getText())) return new XMLCharReference(at, code);
     return new XMLEntityReference(at, name);
@@ -157,7 +157,7 @@ _eFrom<NonTerminal> XMLParser::entityReference(const _eHndl<Location>& at, const
 _eFrom<XMLContentItem> XMLParser::contentItem(const _eFrom<XMLContentItem>& item) const {
     const auto* reference = dynamic_cast<const XMLCharReference*>(item.get());
     if (!extensions.decodeReferences || reference == nullptr) return item;
-    _eHndl<XMLCharData> data(new XMLCharData(reference->getLocation()));
+    _eHndl<XMLCharData> data(new XMLCharData(reference->getPosition()));
     _eString text = reference->referenceText(Context::shared());
     data->appendCharacters(&text.elementRef(0), 1);
     return data;

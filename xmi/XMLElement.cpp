@@ -12,10 +12,11 @@
 namespace {
 
 // One error for each attribute defined again in the tag.
-XMLErrors repeatedAttributeErrors(const _eHndl<Location>& where, const XMLAttributeList& list) {
+XMLErrors repeatedAttributeErrors(const Position& where, const XMLAttributeList& list) {
     XMLErrors errors;
     const _eSeq<_eString>& repeated = list.getRepeatedNames();
-    for (int i = 0, n = repeated.size(); i < n; ++i) addError(errors, where, XMLErrorType::duplicateAttribute, {repeated.get(i)});
+    for (int i = 0, n = repeated.size(); i < n; ++i)
+        addError(errors, where.location(), XMLErrorType::duplicateAttribute, {repeated.get(i)});
     return errors;
 }
 
@@ -23,22 +24,22 @@ XMLErrors repeatedAttributeErrors(const _eHndl<Location>& where, const XMLAttrib
 
 XMLElement::XMLElement(const _eHndl<XMLSTag>& startTag, const _eHndl<XMLcontent>& content,
                        const _eHndl<XMLETag>& endTag, TagNaming naming)
-    : _eClass(startTag->getLocation()),
+    : _eClass(startTag->getPosition()),
       name(canonicalTagName(startTag->getName(), naming)),
       attributes(startTag->getAttributes()->getAttributes()),
       content(content),
-      elementErrors(repeatedAttributeErrors(startTag->getLocation(), *startTag->getAttributes())) {
+      elementErrors(repeatedAttributeErrors(startTag->getPosition(), *startTag->getAttributes())) {
     if (!(startTag->getName() == endTag->getName()))
         ::addError(elementErrors, endTag->getLocation(), XMLErrorType::tagMismatch,
                  {endTag->getName(), startTag->getName(), startTag->getLocation()->positionText()});
 }
 
 XMLElement::XMLElement(const _eHndl<XMLEmptyElemTag>& emptyTag, TagNaming naming)
-    : _eClass(emptyTag->getLocation()),
+    : _eClass(emptyTag->getPosition()),
       name(canonicalTagName(emptyTag->getName(), naming)),
       attributes(emptyTag->getAttributes()->getAttributes()),
-      content(new XMLcontent(emptyTag->getLocation())),
-      elementErrors(repeatedAttributeErrors(emptyTag->getLocation(), *emptyTag->getAttributes())) {}
+      content(new XMLcontent(emptyTag->getPosition())),
+      elementErrors(repeatedAttributeErrors(emptyTag->getPosition(), *emptyTag->getAttributes())) {}
 
 bool XMLElement::equalFields(const XMLElement& other) const {
     return XMLContentItem::equalFields(other) && name == other.name && attributes == other.attributes &&

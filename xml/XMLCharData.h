@@ -10,8 +10,8 @@ class XMLCharData : public _eClass<XMLCharData, XMLContentItem> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 18};
 
-    explicit XMLCharData(const _eHndl<Terminal>& first) : _eClass(first->getLocation()), text(first->getCharacter()) {}
-    explicit XMLCharData(const _eHndl<Location>& location) : _eClass(location) {}
+    explicit XMLCharData(const _eHndl<Terminal>& first) : _eClass(first->getPosition()), text(first->getCharacter()) {}
+    explicit XMLCharData(const Position& position) : _eClass(position) {}
 
     bool equalFields(const XMLCharData& other) const { return XMLContentItem::equalFields(other) && text == other.text; }
 
@@ -41,8 +41,8 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 19};
 
     // The character data of a section still holds the two "]" of its end, which are cut off.
-    XMLCDSect(const _eHndl<Location>& location, const _eHndl<XMLCharData>& data)
-        : _eClass(location), text(data->getText().take(std::max(0, data->getText().size() - 2))) {}
+    XMLCDSect(const Position& position, const _eHndl<XMLCharData>& data)
+        : _eClass(position), text(data->getText().take(std::max(0, data->getText().size() - 2))) {}
 
     bool equalFields(const XMLCDSect& other) const { return XMLContentItem::equalFields(other) && text == other.text; }
 

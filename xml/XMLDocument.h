@@ -12,7 +12,7 @@ class XMLDocument : public _eClass<XMLDocument, XMLNode> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule19, 0};
 
-    XMLDocument(const _eHndl<Location>& location, const _eFrom<XMLElement>& root) : _eClass(location), root(root) {}
+    XMLDocument(const Position& position, const _eFrom<XMLElement>& root) : _eClass(position), root(root) {}
 
     bool equalFields(const XMLDocument& other) const {
         return XMLNode::equalFields(other) && root == other.root && getDictionary() == other.getDictionary() &&

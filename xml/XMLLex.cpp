@@ -39,11 +39,11 @@ const XMLLex::CodeTable& XMLLex::codes() {
 }
 
 XMLLex::XMLLex(const Environment* environment, std::int32_t tabWidth)
-    : location(Location::nowhere()), environment(environment), tabWidth(tabWidth) {}
+    : environment(environment), tabWidth(tabWidth) {}
 
 bool XMLLex::equalFields(const XMLLex& other) const {
     return file == other.file && currentChar == other.currentChar && bytesLeft == other.bytesLeft &&
-           location == other.location && errors == other.errors && path == other.path &&
+           here.equalFields(other.here) && errors == other.errors && path == other.path &&
            environment == other.environment && tabWidth == other.tabWidth;
 }
 
@@ -67,7 +67,7 @@ void XMLLex::openFile(const _eHndl<FileName>& fileName, bool& succeeded) {
     }
     bytesLeft = size;
     file = ref;
-    location = new Location(fileName);
+    here = Location(fileName);
     succeeded = true;
 }
 
@@ -96,7 +96,7 @@ void XMLLex::readAsUtf8() {
     if (converted->empty()) return;
     std::FILE* memory = fmemopen(converted->data(), converted->size(), "r");
     if (memory == nullptr) {
-        addError(errors, location, XMLErrorType::fileRead, {path});
+        addError(errors, place(), XMLErrorType::fileRead, {path});
         return;
     }
     file = new FileRef(memory, false);
@@ -108,7 +108,7 @@ void XMLLex::closeFile() {
     if (!file.isNull()) {
         FileError::_eEnum error;
         environment->close(file, error);
-        if (error != FileError::success) addError(errors, location, XMLErrorType::fileClose, {path});
+        if (error != FileError::success) addError(errors, place(), XMLErrorType::fileClose, {path});
     }
     file.reset();
     bytesLeft = 0;
@@ -127,14 +127,13 @@ bool XMLLex::refill() {
 }
 
 void XMLLex::advance() {
-    // A token may still hold the position: then the lexer moves on with a copy of its own.
-    location.uniquePointer()->pass(currentChar, tabWidth);
+    here.pass(currentChar, tabWidth);
     if (bytesLeft < 1) {
         currentChar = 10;
         return;
     }
     if (MB_UNLIKELY(next == filled) && !refill()) {
-        addError(errors, location, XMLErrorType::fileRead, {path});
+        addError(errors, place(), XMLErrorType::fileRead, {path});
         bytesLeft = 0;
         currentChar = 10;
         return;
@@ -146,7 +145,6 @@ void XMLLex::advance() {
 std::int32_t XMLLex::readRun(const bool (&member)[256], bool stopAtLineEnd, wchar_t* units, std::int32_t room) {
     std::int32_t limit = std::min(room, bytesLeft - 1);
     if (limit <= 0) return 0;
-    Location* here = location.uniquePointer();
     std::int32_t count = 0;
     while (count < limit) {
         if (next == filled && !refill()) break;  // a failed read: the next token reports it
@@ -163,7 +161,7 @@ std::int32_t XMLLex::readRun(const bool (&member)[256], bool stopAtLineEnd, wcha
             while (taken < available && member[bytes[taken]]) ++taken;
         }
         if (taken > 0) {
-            here->passAll(currentChar, bytes, taken - 1, tabWidth);
+            here.passAll(currentChar, bytes, taken - 1, tabWidth);
             currentChar = bytes[taken - 1];
             std::copy(bytes, bytes + taken, units + count);
         }
@@ -175,17 +173,18 @@ std::int32_t XMLLex::readRun(const bool (&member)[256], bool stopAtLineEnd, wcha
     return count;
 }
 
+_eHndl<Location> XMLLex::place() const { return _eHndl<Location>(new Location(here)); }
+
 void XMLLex::nextToken(_eHndl<Terminal>& token) {
-    // A token that nothing else holds is remade for the next byte: most tokens are folded into
-    // a node and dropped before the next one is read, and so are their positions.
-    Terminal* own = !token.isNull() && token->countWord() == 1 ? token.get() : nullptr;
-    if (own != nullptr) own->leavePlace();
     advance();
     std::int32_t code = bytesLeft <= 0 && currentChar == 10 ? Token::endOfFile
                                                             : tokenCode(static_cast<unsigned char>(currentChar));
-    if (own != nullptr && own->retake(location, code, currentChar)) return;
+    Position at(here);
+    // A token that nothing else holds is remade for the next byte: most tokens are folded into
+    // a node and dropped before the next one is read.
+    if (!token.isNull() && token->countWord() == 1 && token->retake(at, code, currentChar)) return;
     if (SimpleTerminal::holds(code))
-        token = new SimpleTerminal(location, code);
+        token = new SimpleTerminal(at, code);
     else
-        token = new ComplexTerminal(location, code, currentChar);
+        token = new ComplexTerminal(at, code, currentChar);
 }

@@ -34,7 +34,7 @@ public:
     // most `room` bytes into `units`; never the file's last byte, which may stand for its end.
     // With `stopAtLineEnd` no line end is read. Gives the number of bytes read.
     std::int32_t readRun(const bool (&member)[256], bool stopAtLineEnd, wchar_t* units, std::int32_t room);
-    virtual std::int32_t lineNumber() const { return location->getLine(); }
+    virtual std::int32_t lineNumber() const { return here.getLine(); }
     virtual XMLErrors getErrors() const { return errors; }
 
     // The code of each byte; above 255 for the classes that carry their character.
@@ -50,13 +50,15 @@ private:
     void advance();
     // Reads the next block of the input into `buffer`; false where nothing more could be read.
     bool refill();
+    // A location of its own at `here`, for an error to keep.
+    _eHndl<Location> place() const;
 
     static constexpr std::size_t bufferBytes = 65536;
 
     _eHndl<FileRef> file;              // the open input; null before opening and after closing
     wchar_t currentChar = 10;          // the last byte read; 10 also for nothing yet and nothing more
     std::int32_t bytesLeft = 0;        // bytes of the file not yet read
-    _eHndl<Location> location;         // the position of `currentChar`; changed only when unshared
+    Location here;                     // the position of `currentChar`, copied into each token
     XMLErrors errors;                  // what went wrong, each error once
     _eString path;                     // the file's name, for messages
     _eHndl<const Environment> environment;

@@ -22,8 +22,8 @@ class XMLEntityReference : public _eClass<XMLEntityReference, XMLReference> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 15};
 
-    XMLEntityReference(const _eHndl<Location>& location, const _eHndl<XMLString>& name)
-        : _eClass(location), name(name->getText()) {}
+    XMLEntityReference(const Position& position, const _eHndl<XMLString>& name)
+        : _eClass(position), name(name->getText()) {}
 
     bool equalFields(const XMLEntityReference& other) const {
         return XMLReference::equalFields(other) && name == other.name;
@@ -44,9 +44,9 @@ class XMLCharReference : public _eClass<XMLCharReference, XMLReference> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 16};
 
-    XMLCharReference(const _eHndl<Location>& location, const _eHndl<XMLNumber>& number)
-        : _eClass(location), code(number->getValue()) {}
-    XMLCharReference(const _eHndl<Location>& location, std::int32_t code) : _eClass(location), code(code) {}
+    XMLCharReference(const Position& position, const _eHndl<XMLNumber>& number)
+        : _eClass(position), code(number->getValue()) {}
+    XMLCharReference(const Position& position, std::int32_t code) : _eClass(position), code(code) {}
 
     bool equalFields(const XMLCharReference& other) const {
         return XMLReference::equalFields(other) && code == other.code;
@@ -67,8 +67,8 @@ class XMLPEReference : public _eClass<XMLPEReference, NonTerminal> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 7};
 
-    XMLPEReference(const _eHndl<Location>& location, const _eHndl<XMLString>& name)
-        : _eClass(location), name(name->getText()) {}
+    XMLPEReference(const Position& position, const _eHndl<XMLString>& name)
+        : _eClass(position), name(name->getText()) {}
 
     bool equalFields(const XMLPEReference& other) const { return NonTerminal::equalFields(other) && name == other.name; }
 

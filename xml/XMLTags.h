@@ -13,7 +13,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 11};
 
     XMLAttribute(const _eHndl<XMLString>& name, const _eHndl<XMLAttributeValue>& value)
-        : _eClass(name->getLocation()), name(XMLNames::shared(name->getText())), value(value) {}
+        : _eClass(name->getPosition()), name(XMLNames::shared(name->getText())), value(value) {}
 
     bool equalFields(const XMLAttribute& other) const {
         return NonTerminal::equalFields(other) && name == other.name && value == other.value;
@@ -69,8 +69,8 @@ private:
 template <class Self>
 class _aTag : public _eClass<Self, NonTerminal> {
 public:
-    _aTag(const _eHndl<Location>& location, const _eHndl<XMLString>& name, const _eHndl<XMLAttributeList>& attributes)
-        : _eClass<Self, NonTerminal>(location), name(XMLNames::shared(name->getText())), attributes(attributes) {}
+    _aTag(const Position& position, const _eHndl<XMLString>& name, const _eHndl<XMLAttributeList>& attributes)
+        : _eClass<Self, NonTerminal>(position), name(XMLNames::shared(name->getText())), attributes(attributes) {}
 
     bool equalFields(const _aTag& other) const {
         return NonTerminal::equalFields(other) && name == other.name && attributes == other.attributes;
@@ -99,5 +99,5 @@ public:
 class XMLETag : public _aTag<XMLETag> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 10};
-    XMLETag(const _eHndl<Location>& location, const _eHndl<XMLString>& name) : _aTag(location, name, {}) {}
+    XMLETag(const Position& position, const _eHndl<XMLString>& name) : _aTag(position, name, {}) {}
 };

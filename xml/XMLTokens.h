@@ -17,7 +17,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 6};
 
     explicit XMLNumber(const _eHndl<Terminal>& digit)
-        : _eClass(digit->getLocation()), value(digitValue(digit->getCharacter())) {}
+        : _eClass(digit->getPosition()), value(digitValue(digit->getCharacter())) {}
 
     bool equalFields(const XMLNumber& other) const { return NonTerminal::equalFields(other) && value == other.value; }
 
@@ -38,7 +38,7 @@ class XMLString : public _eClass<XMLString, NonTerminal> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 5};
 
-    explicit XMLString(const _eHndl<Terminal>& first) : _eClass(first->getLocation()), text(first->getCharacter()) {}
+    explicit XMLString(const _eHndl<Terminal>& first) : _eClass(first->getPosition()), text(first->getCharacter()) {}
 
     bool equalFields(const XMLString& other) const { return NonTerminal::equalFields(other) && text == other.text; }
 

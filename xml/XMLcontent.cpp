@@ -61,7 +61,7 @@ const Names& classifierOrEnumerationNames() {
 
 }  // namespace
 
-XMLcontent::XMLcontent(const _eHndl<Location>& location) : _eClass(location) {}
+XMLcontent::XMLcontent(const Position& position) : _eClass(position) {}
 XMLcontent::XMLcontent(const XMLcontent& other) = default;
 XMLcontent::~XMLcontent() = default;
 

@@ -20,7 +20,7 @@ class XMLcontent : public _eClass<XMLcontent, NonTerminal> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule17, 1};
 
-    explicit XMLcontent(const _eHndl<Location>& location);
+    explicit XMLcontent(const Position& position);
     XMLcontent(const XMLcontent& other);
     ~XMLcontent() override;
 

@@ -37,7 +37,7 @@ public:
     }
     ReduceTableEntry reduction(std::int32_t p) const override { return tables().reductions.at(p); }
     void reduceAction(std::int32_t action) override {
-        if (action != 0) log.push_back({action, getReduceLocation()->getColumn()});
+        if (action != 0) log.push_back({action, getReducePosition().column});
     }
     RecoveryTable recoveryTable() const override { return tables().recovery; }
 

@@ -54,8 +54,8 @@ protected:
         }
         std::vector<Seen> out;
         for (const auto& t : held) {
-            const Location& at = *t->getLocation();
-            out.push_back({t->getToken(), t->getCharacter(), at.getLine(), at.getColumn(),
+            const Position& at = t->getPosition();
+            out.push_back({t->getToken(), t->getCharacter(), at.line, at.column,
                            dynamic_cast<const ComplexTerminal*>(t.get()) != nullptr});
         }
         lex->closeFile();
@@ -105,8 +105,8 @@ TEST_F(Lexing, RunsReadWhatTokensRead) {
             int runs = 0;
             for (_eHndl<Terminal> t; at < each.size(); ++at) {
                 lex->nextToken(t);
-                const Location& where = *t->getLocation();
-                ASSERT_EQ((Seen{t->getToken(), t->getCharacter(), where.getLine(), where.getColumn(),
+                const Position& where = t->getPosition();
+                ASSERT_EQ((Seen{t->getToken(), t->getCharacter(), where.line, where.column,
                                 dynamic_cast<const ComplexTerminal*>(t.get()) != nullptr}),
                           each[at]) << "byte " << at;
                 std::int32_t count = lex->readRun(member, stopAtLineEnd, units.data(), room);
@@ -136,8 +136,8 @@ TEST_F(Lexing, ATokenIsRemadeOnlyWhereNothingElseHoldsIt) {
     for (std::size_t i = 0; i < fresh.size(); ++i) {
         lex->nextToken(t);
         remade += t.get() == previous;
-        const Location& at = *t->getLocation();
-        EXPECT_EQ((Seen{t->getToken(), t->getCharacter(), at.getLine(), at.getColumn(),
+        const Position& at = t->getPosition();
+        EXPECT_EQ((Seen{t->getToken(), t->getCharacter(), at.line, at.column,
                         dynamic_cast<const ComplexTerminal*>(t.get()) != nullptr}),
                   fresh[i]) << "byte " << i;
         previous = t.get();
@@ -145,8 +145,8 @@ TEST_F(Lexing, ATokenIsRemadeOnlyWhereNothingElseHoldsIt) {
     }
     EXPECT_GT(remade, 0);
     for (const auto& [i, held] : kept) {
-        const Location& at = *held->getLocation();
-        EXPECT_EQ((Seen{held->getToken(), held->getCharacter(), at.getLine(), at.getColumn(),
+        const Position& at = held->getPosition();
+        EXPECT_EQ((Seen{held->getToken(), held->getCharacter(), at.line, at.column,
                         dynamic_cast<const ComplexTerminal*>(held.get()) != nullptr}),
                   fresh[i]) << "kept byte " << i;
     }
