@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "Generated/StackValue.h"
@@ -27,6 +28,10 @@ public:
     // Between two tokens `top` equals the number of entries.
     void push(const StackEntry& entry) {
         entries.push_back(entry);
+        ++top;
+    }
+    void push(StackEntry&& entry) {
+        entries.push_back(std::move(entry));
         ++top;
     }
     void pop(std::int32_t count) { top -= count; }
