@@ -4,12 +4,12 @@
 
 namespace {
 
-// The string kept in `kept` for the text of `name`, or the one `make` gives, kept if there is
+// The string kept in `table` for the text of `name`, or the one `make` gives, kept if there is
 // room.
-template <class Map, class Make>
-_eString lookUpText(Map& kept, const _eString& name, Make make) {
+template <class Table, class Make>
+_eString lookUpText(Table& table, const _eString& name, Make make) {
     int size = name.size();
-    if (size > XMLNames::longest) return make();
+    if (size > XMLNames::longest || size == 0) return make();
     // A name within one leaf is read in place; a longer one is copied out first.
     wchar_t units[XMLNames::longest];
     const wchar_t* start = units;
@@ -20,11 +20,21 @@ _eString lookUpText(Map& kept, const _eString& name, Make make) {
         for (int i = 0; i < size; ++i) units[i] = reader.next();
     }
     std::wstring_view text(start, std::size_t(size));
-    auto found = kept.find(text);
-    if (found != kept.end()) return found->second;
-    _eString made = make();
-    if (int(kept.size()) < XMLNames::capacity) kept.emplace(std::wstring(text), made);
-    return made;
+    std::size_t slot = (std::size_t(size) * 31 + std::size_t(text[0]) * 7 + std::size_t(text[text.size() / 2]) * 131 +
+                        std::size_t(text.back()) * 17) & 255;
+    auto& found = table.found[slot];
+    if (found.text == text) return found.answer;
+    _eString answer;
+    auto kept = table.kept.find(text);
+    if (kept != table.kept.end()) {
+        answer = kept->second;
+    } else {
+        answer = make();
+        if (int(table.kept.size()) < XMLNames::capacity) table.kept.emplace(std::wstring(text), answer);
+    }
+    found.text.assign(text);
+    found.answer = answer;
+    return answer;
 }
 
 // The same, through the table's recent strings.
@@ -33,7 +43,7 @@ _eString lookUp(Table& table, const _eString& name, Make make) {
     auto& recent = table.recent[(reinterpret_cast<std::uintptr_t>(name.rootNode()) >> 5) & 63];
     // The empty slots hold the empty string, which is never answered from them.
     if (recent.asked.rootNode() == name.rootNode() && !name.isEmpty()) return recent.answer;
-    _eString answer = lookUpText(table.kept, name, make);
+    _eString answer = lookUpText(table, name, make);
     recent = {name, answer};
     return answer;
 }

@@ -47,6 +47,13 @@ private:
             _eString answer;
         };
         Recent recent[64];
+        // Behind them the texts last found, by a hash of a few of their units: a name met again
+        // is mostly one of the last few, found here by one comparison of units.
+        struct Found {
+            std::wstring text;
+            _eString answer;
+        };
+        Found found[256];
     };
 
     static _eString derivedIn(Table& table, const _eString& name, Derivation derive);
