@@ -212,8 +212,8 @@ mutations() {
 - if (c == '/' || (unsigned char)c < 0x20 || c == 0x7f) return false;
 + if ((unsigned char)c < 0x20 || c == 0x7f) return false;
 @ output/FolderUpdate.cpp | update: a file the user never changed is merged as if they had
-- if (body == last->file.lines && last->kept.empty()) {
-+ if (body == last->file.lines && !last->kept.empty()) {
+- if (same(body, last->file.lines) && last->kept.empty()) {
++ if (same(body, last->file.lines) && !last->kept.empty()) {
 @ xmi/ClassRenderer.cpp | an interface's operations keep their own abstractness
 - deferred.isAbstract = true;
 + deferred.isAbstract = member.isAbstract;
@@ -238,6 +238,18 @@ mutations() {
 @ environment/DirectoryListings.cpp | a listing with fractions of a second waits as long as one without
 - return since > settleFineNanoseconds;
 + return since > settleFineNanoseconds * 20;
+@ xml/XMLNames.cpp | a name last found is answered for any text of its length
+- if (found.text == text) return found.answer;
++ if (found.text.size() == text.size()) return found.answer;
+@ xml/XMLLex.cpp | a token held elsewhere is remade all the same
+- if (!token.isNull() && token->countWord() == 1 && token->retake(at, code, currentChar)) return;
++ if (!token.isNull() && token->retake(at, code, currentChar)) return;
+@ environment/Paths.cpp | a path that ended in a separator loses it
+- if (!trailing && out.size() > 1) out.pop_back();
++ if (out.size() > 1) out.pop_back();
+@ output/FolderUpdate.cpp | an update compares a file's first lines only
+- return std::equal(body.begin(), body.end(), lines.begin(), lines.end());
++ return std::equal(body.begin(), body.begin() + long(std::min(body.size(), lines.size())), lines.begin());
 EOF
 }
 

@@ -345,3 +345,22 @@ TEST_F(FolderUpdate, AnUnchangedModelIsReadFromTheRecordAndAnyChangeIsLaidOutAga
     ASSERT_EQ(runHost(papyrus + " -q --no-cross-file-types -o " + temp / "plain", temp / "run").status, 0);
     EXPECT_NE(temp.read("plain/.modelbridge/record").find("# from"), std::string::npos);
 }
+
+// Lines the user adds after everything generated are theirs like any other: a change of the
+// model merges round them.
+TEST_F(FolderUpdate, LinesAddedAfterTheEndSurviveAChangeOfTheModel) {
+    play({"appended",
+          {
+              {{account}, {}, "", 0, {{"Account.tv", accountText}}, {}, {}},
+              {{{"c1", "Account", {"a1 balance", "a2 limit", "o1 reset()", "o2 size():int"}}},
+               {{"Account.tv", "// End of file.\n", "// End of file.\n// Kept: what the user wrote last.\n"}},
+               "",
+               0,
+               {{"Account.tv", body({"class Account ^=", "abstract", "\tvar balance: int;", "\tvar limit: int;",
+                                     "interface", "\tselector balance;", "\tselector limit;", "\tschema !reset post ?;",
+                                     "\tfunction size: int ^= ?;", "end;"}) +
+                                   "// Kept: what the user wrote last.\n"}},
+               {},
+               {}},
+          }});
+}
