@@ -129,7 +129,6 @@ public:
     }
     // `count` lines, each "|" and the text of the line.
     bool textLines(std::size_t count, Lines& into) {
-        into.reserve(into.size() + count);
         for (std::size_t i = 0; i < count; ++i) {
             if (atEnd()) return fail("the record ends within a text");
             std::string_view text = line();

@@ -47,6 +47,8 @@ TEST(GenerationRecord, RefusesWhatItCantReadByFileAndLine) {
         {start + "file A.tv\npiece x 1 head c\n", "rec:3: a piece needs its first line, its end and its key"},
         {start + "file A.tv\nbody 0 0\n", "rec:3: a body needs its piece, its line and its column"},
         {start + "file A.tv\ntext 2\n|a\n", "rec:4: the record ends within a text"},
+        // A count far beyond the record's lines costs nothing before the lines run out.
+        {start + "file A.tv\ntext 2000000000\n|a\n", "rec:4: the record ends within a text"},
         {start + "file A.tv\ntext 1\na\n", "rec:4: a line of text must start with '|'"},
         {start + "file A.tv\nkept 1\n", "rec:3: 'kept' needs its number of lines and its key"},
         {start + "file A.tv\npiece 0 2 head c\ntext 1\n|a\nend\n", "rec:6: the pieces of 'A.tv' don't fit its text"},
