@@ -57,7 +57,7 @@ private:
         FileUpdate report;
         std::optional<std::string> write;  // the text the file gets
         std::string remove;                 // a file that goes
-        std::string before;                 // the text it had, for the diff
+        std::string before;                 // the text it had, kept only for a diff
     };
 
     // `header` gives the file's header where `file` holds none, when a write or a merge needs it.
@@ -209,7 +209,7 @@ void Update::stale(const RecordEntry& entry) {
         steps.push_back(step);
         return;
     }
-    step.before = text;
+    if (options.diff) step.before = text;
     if (options.prune && same(bodyOf(text), entry.file.lines)) {
         step.report.outcome = FileOutcome::pruned;
         step.remove = entry.file.name;
