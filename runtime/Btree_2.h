@@ -130,12 +130,24 @@ public:
     virtual void swap(int i, int j) = 0;
     virtual _eNodeHndl<T> normalise() = 0;
 
-    bool isLeaf() const { return level() == 0; }
+    // Both answered without a virtual call.
+    bool isLeaf() const { return level_ == 0; }
+    // The number of elements, as `size()` gives it.
+    int count() const;
     const _eLeafNode<T>* asLeaf() const { return static_cast<const _eLeafNode<T>*>(this); }
     const _eBranchNode<T>* asBranch() const { return static_cast<const _eBranchNode<T>*>(this); }
 
     // True when the subtree keeps every invariant of the tree's shape. `isRoot` allows emptiness.
     bool checkTree(bool isRoot = true) const;
+
+protected:
+    _eBaseNode() = default;
+    explicit _eBaseNode(int level) : level_(level) {}
+    _eBaseNode(const _eBaseNode&) = default;
+
+    // Height above the leaves, 0 for a leaf; a branch's children are one lower. It sits in the
+    // padding behind the count word.
+    int level_ = 0;
 };
 
 // The one empty leaf of each element type, shared by every empty value.
@@ -171,7 +183,7 @@ public:
 
     _eNodeHndl<T> concat(const _eBaseNode<T>* other) const override {
         int total = size() + other->size();
-        if (other->level() == 0) {
+        if (other->isLeaf()) {
             const _eLeafNode* right = other->asLeaf();
             if (total <= leafCapacity) {
                 _eHndl<_eLeafNode> copy(const_cast<_eLeafNode*>(this));
@@ -272,20 +284,21 @@ private:
 
 template <class T>
 class _eBranchNode final : public _eBaseNode<T> {
+    using _eBaseNode<T>::level_;
+
 public:
-    _eBranchNode() = default;
     // A branch one level above its only child.
-    explicit _eBranchNode(_eBaseNode<T>* child) : level_(child->level() + 1), total(child->size()) {
+    explicit _eBranchNode(_eBaseNode<T>* child) : _eBaseNode<T>(child->level() + 1), total(child->size()) {
         children.pushBack(child);
     }
     // A branch one level above two children of equal level.
     _eBranchNode(_eBaseNode<T>* first, _eBaseNode<T>* second)
-        : level_(first->level() + 1), total(first->size() + second->size()) {
+        : _eBaseNode<T>(first->level() + 1), total(first->size() + second->size()) {
         children.pushBack(first);
         children.pushBack(second);
     }
     _eBranchNode(const _eBranchNode& other)
-        : _eBaseNode<T>(other), level_(other.level_), children(other.children), total(other.total) {}
+        : _eBaseNode<T>(other), children(other.children), total(other.total) {}
 
     _eAnyBase* clone() const override { return new _eBranchNode(*this); }
 
@@ -591,10 +604,14 @@ private:
         total += other.total;
     }
 
-    int level_ = 0;                     // height above the leaves; children are one lower
     _eArray<_eNodeHndl<T>> children;    // at most 16
     int total = 0;                      // elements below this node
 };
+
+template <class T>
+int _eBaseNode<T>::count() const {
+    return level_ == 0 ? asLeaf()->size() : asBranch()->size();  // both classes are final: no virtual call
+}
 
 template <class T>
 bool _eBaseNode<T>::checkTree(bool isRoot) const {

@@ -32,7 +32,7 @@ public:
         requires std::is_same_v<T, wchar_t>
         : _eSeq(int(text.size()), text.data()) {}
 
-    int size() const { return root->size(); }
+    int size() const { return root->count(); }
     bool isEmpty() const { return size() == 0; }
     // Not checked: 0 <= i < size().
     T at(int i) const { return root->at(i); }
@@ -40,7 +40,7 @@ public:
     // The element in place, valid while this sequence is neither changed nor destroyed.
     const T& get(int i) const {
         const _eBaseNode<T>* node = root.get();
-        if (node->level() == 0) return node->asLeaf()->data()[i];
+        if (node->isLeaf()) return node->asLeaf()->data()[i];
         return node->asBranch()->ref(i);
     }
 
@@ -80,7 +80,7 @@ public:
     // Appends `length` elements: into a sequence of one leaf in place while the leaf has room.
     void appendRange(int length, const T* from) {
         if (length <= 0) return;
-        if (root->level() == 0) {
+        if (root->isLeaf()) {
             int room = leafCapacity - root->size();
             int n = room < length ? room : length;
             if (n > 0) static_cast<_eLeafNode<T>*>(root.uniquePointer())->appendRange(from, n);
@@ -264,7 +264,7 @@ bool _eSeq<T>::operator==(const _eSeq& other) const {
     if (root.get() == other.root.get()) return true;
     int n = size();
     if (n != other.size()) return false;
-    if (root->level() == 0 && other.root->level() == 0) {
+    if (root->isLeaf() && other.root->isLeaf()) {
         const T* a = root->asLeaf()->data();
         const T* b = other.root->asLeaf()->data();
         for (int i = 0; i < n; ++i)
@@ -315,7 +315,7 @@ inline _eRank rankStrings(const _eString& a, const _eString& b) {
     const _eBaseNode<wchar_t>* left = a.rootNode();
     const _eBaseNode<wchar_t>* right = b.rootNode();
     // Strings up to a leaf long, the usual case, are compared in place.
-    if (left->level() == 0 && right->level() == 0)
+    if (left->isLeaf() && right->isLeaf())
         return rankUnits(left->asLeaf()->data(), left->size(), right->asLeaf()->data(), right->size());
     int na = a.size();
     int nb = b.size();

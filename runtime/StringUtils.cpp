@@ -72,7 +72,7 @@ _eString seqText(const _eString& s) {
 
 bool textIs(const _eString& text, std::wstring_view word) {
     if (text.size() != int(word.size())) return false;
-    if (text.rootNode()->level() == 0) return word == std::wstring_view(text.rootNode()->asLeaf()->data(), word.size());
+    if (text.rootNode()->isLeaf()) return word == std::wstring_view(text.rootNode()->asLeaf()->data(), word.size());
     _eSeqReader<wchar_t> reader(text);
     for (wchar_t unit : word)
         if (reader.next() != unit) return false;
@@ -80,7 +80,7 @@ bool textIs(const _eString& text, std::wstring_view word) {
 }
 
 std::wstring_view unitsOf(const _eString& text, std::wstring& scratch) {
-    if (text.rootNode()->level() == 0) return {text.rootNode()->asLeaf()->data(), std::size_t(text.size())};
+    if (text.rootNode()->isLeaf()) return {text.rootNode()->asLeaf()->data(), std::size_t(text.size())};
     scratch = toWString(text);
     return scratch;
 }
