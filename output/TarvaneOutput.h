@@ -17,6 +17,10 @@ public:
     // Each token of the kind its text looks like; no declarations.
     explicit TarvaneOutput(const Tokens& tokens) : elements(new TarvaneElements(tokens)) {}
     explicit TarvaneOutput(const _eSeq<OutputToken>& tokens) : elements(new TarvaneElements(tokens)) {}
+    // The tokens with the runs of declarations among them, as `concat` and `declared` keep
+    // them: none while no token is declared, else runs whose counts add up to the tokens.
+    TarvaneOutput(const _eSeq<OutputToken>& tokens, const _eSeq<DeclarationRun>& runs)
+        : elements(new TarvaneElements(tokens)), runs(runs) {}
 
     // The one output without tokens.
     static const _eHndl<TarvaneOutput>& empty() {

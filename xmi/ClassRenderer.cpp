@@ -12,9 +12,6 @@
 
 namespace {
 
-using Output = _eHndl<TarvaneOutput>;
-using Sections = _eHndl<TarvaneSections>;
-
 // One token of a run: a fixed word of the language, of the kind its text looks like (a keyword
 // or punctuation), or a text with the kind the renderer gives it.
 struct Piece {
@@ -25,15 +22,64 @@ struct Piece {
     TokenKind kind;
 };
 
+// A stretch of output while it is built: its tokens, and its runs of declarations as
+// `TarvaneOutput` keeps them, none while no token is declared. Joining appends in place; the
+// stretch becomes a `TarvaneOutput` once, when it is done.
+class Output {
+public:
+    Output() = default;
+    // A run of tokens.
+    Output(std::initializer_list<Piece> run) {
+        tokens.reserve(run.size());
+        for (const Piece& piece : run) tokens.push_back({piece.text, piece.kind});
+    }
+
+    bool isEmpty() const { return tokens.empty(); }
+
+    // These tokens and declarations, then `other`'s, joined as `TarvaneOutput::concat` joins them.
+    Output& operator+=(const Output& other) {
+        if (other.isEmpty()) return *this;
+        if (isEmpty()) return *this = other;
+        if (!runs.empty() || !other.runs.empty()) {
+            if (runs.empty()) runs.push_back(undeclared(tokens.size()));
+            if (other.runs.empty())
+                runs.push_back(undeclared(other.tokens.size()));
+            else
+                runs.insert(runs.end(), other.runs.begin(), other.runs.end());
+        }
+        tokens.insert(tokens.end(), other.tokens.begin(), other.tokens.end());
+        return *this;
+    }
+
+    // The same tokens as one declaration of the element `id`, in place of any within them.
+    Output declared(const _eString& id, DeclarationPart part) && {
+        runs.clear();
+        if (!isEmpty()) runs.push_back({id, part, true, std::int32_t(tokens.size())});
+        return std::move(*this);
+    }
+
+    _eHndl<TarvaneOutput> output() const {
+        if (isEmpty()) return TarvaneOutput::empty();
+        return _eHndl<TarvaneOutput>(new TarvaneOutput(_eSeq<OutputToken>(int(tokens.size()), tokens.data()),
+                                                       _eSeq<DeclarationRun>(int(runs.size()), runs.data())));
+    }
+
+    int unknowns() const {
+        return int(std::count_if(tokens.begin(), tokens.end(),
+                                 [](const OutputToken& token) { return token.kind == TokenKind::unknown; }));
+    }
+
+private:
+    static DeclarationRun undeclared(std::size_t count) { return {{}, {}, false, std::int32_t(count)}; }
+
+    std::vector<OutputToken> tokens;
+    std::vector<DeclarationRun> runs;
+};
+
+Output operator+(Output a, const Output& b) { return std::move(a += b); }
+
 // A run of tokens, built at once.
-Output tokens(std::initializer_list<Piece> run) {
-    constexpr int most = 8;
-    OutputToken made[most];
-    int n = 0;
-    assert(run.size() <= std::size_t(most));
-    for (const Piece& piece : run) made[n++] = {piece.text, piece.kind};
-    return Output(new TarvaneOutput(_eSeq<OutputToken>(n, made)));
-}
+Output tokens(std::initializer_list<Piece> run) { return Output(run); }
 
 // A name the model gives; "?" where it gives none.
 Piece modelName(const _eString& text) { return {text, textIs(text, L"?") ? TokenKind::unknown : TokenKind::name}; }
@@ -44,9 +90,27 @@ Piece bodyToComplete() { return {L"?", TokenKind::body}; }
 // "?" where the model lacks a type or a value.
 Piece unknown() { return {L"?", TokenKind::unknown}; }
 
-Output operator+(const Output& a, const Output& b) { return a->concat(*b); }
+Output none() { return {}; }
 
-const Output& none() { return TarvaneOutput::empty(); }
+// What a feature, or a group of them, gives each of the three sections of a class.
+struct Sections {
+    Output abstractPart;   // under "abstract"
+    Output confinedPart;   // under "confined"
+    Output interfacePart;  // under "interface"
+
+    // Part by part: these tokens, then `other`'s.
+    Sections merge(const Sections& other) && {
+        abstractPart += other.abstractPart;
+        confinedPart += other.confinedPart;
+        interfacePart += other.interfacePart;
+        return std::move(*this);
+    }
+
+    _eHndl<TarvaneSections> sections() const {
+        return _eHndl<TarvaneSections>(
+            new TarvaneSections(abstractPart.output(), confinedPart.output(), interfacePart.output()));
+    }
+};
 
 // The three sections of a class, and the one rule that places a member by its visibility:
 // the public face, the protected face, and everything else with the state.
@@ -58,22 +122,27 @@ Section sectionFor(Visibility visibility) {
     return Section::abstractPart;
 }
 
-Sections placed(Section section, const Output& run) {
-    return Sections(new TarvaneSections(section == Section::abstractPart ? run : none(),
-                                        section == Section::confinedPart ? run : none(),
-                                        section == Section::interfacePart ? run : none()));
+Sections placed(Section section, Output run) {
+    Sections placed;
+    (section == Section::abstractPart   ? placed.abstractPart
+     : section == Section::confinedPart ? placed.confinedPart
+                                        : placed.interfacePart) = std::move(run);
+    return placed;
 }
 
 // A declaration of state with its accessor, both of the element `id`: the declaration always
 // among the state, the accessor in the face the visibility gives, and none for a member that
 // is neither public nor protected.
-Sections stateWithAccessor(Visibility visibility, const _eString& id, const Output& declaration,
-                           const Output& accessor) {
+Sections stateWithAccessor(Visibility visibility, const _eString& id, Output declaration, Output accessor) {
     Section face = sectionFor(visibility);
-    Sections state = placed(Section::abstractPart, declaration->declared(id, DeclarationPart::member));
-    return face == Section::abstractPart ? state
-                                         : state->merge(*placed(face, accessor->declared(id, DeclarationPart::accessor)));
+    Sections state = placed(Section::abstractPart, std::move(declaration).declared(id, DeclarationPart::member));
+    return face == Section::abstractPart
+               ? state
+               : std::move(state).merge(placed(face, std::move(accessor).declared(id, DeclarationPart::accessor)));
 }
+
+Output typeRun(const TypeRecord& type);
+Output multiplicityRun(const MultiplicityRecord& multiplicity, const TypeRecord& type, bool isRef);
 
 // The value of a bound written in digits alone; -1 for anything else. A bound beyond the
 // largest 32-bit number counts as that number.
@@ -132,10 +201,11 @@ Output parameterList(const std::vector<const ParameterRecord*>& list, bool isCon
         Output mode = tokens({L":"});
         if (!isConstructor && p.direction == Direction::inout) mode = tokens({L"!", L":"});
         if (!isConstructor && p.direction == Direction::out) mode = tokens({L"!", L":", L"out"});
-        out = out + tokens({separator, modelName(ClassRenderer::nameOrUnknown(p.name, true))}) + mode +
-              ClassRenderer::typeTokens(p.type);
+        out += tokens({separator, modelName(ClassRenderer::nameOrUnknown(p.name, true))});
+        out += mode;
+        out += typeRun(p.type);
     }
-    return out + tokens({isConstructor ? L"}" : L")"});
+    return std::move(out += tokens({isConstructor ? L"}" : L")"}));
 }
 
 // The head of a function form: a function by name, or an operator symbol, prefix with one
@@ -154,7 +224,7 @@ Output functionHead(const _eString& name, const std::vector<const ParameterRecor
 // What the class at `own` gets for the far end of a two-ended association: a member when it
 // is the class of `classId` and the far end can be navigated to.
 Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord& far, const _eString& classId) {
-    if (!own.singleType || !(own.typeId == classId) || !far.isNavigable) return TarvaneSections::empty();
+    if (!own.singleType || !(own.typeId == classId) || !far.isNavigable) return {};
     // The whole of an aggregation or composition on an end that can't be navigated holds its
     // part by value; every other member refers to its object.
     bool isRef = own.isNavigable ||
@@ -162,7 +232,7 @@ Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord
     _eString name = ClassRenderer::hasName(far.name) ? ClassRenderer::nameOrUnknown(far.name, true)
                                                       : _eString(ClassRenderer::rolePrefix) + referenceName(far.roleType);
     Output declaration = tokens({L"var", modelName(name), L":"}) +
-                         ClassRenderer::multiplicityType(far.multiplicity, far.type, isRef) + tokens({L";"});
+                         multiplicityRun(far.multiplicity, far.type, isRef) + tokens({L";"});
     return stateWithAccessor(far.visibility, far.id, declaration, tokens({L"selector", modelName(name), L";"}));
 }
 
@@ -216,7 +286,7 @@ Piece commentLine(const std::wstring& line) {
 
 Output comments(const std::vector<std::wstring>& lines) {
     Output out = none();
-    for (const std::wstring& line : lines) out = out + tokens({commentLine(line)});
+    for (const std::wstring& line : lines) out += tokens({commentLine(line)});
     return out;
 }
 
@@ -236,14 +306,14 @@ Output notesBefore(const NotesRecord& notes) {
             lines.push_back(head);
         else
             lines.front() = head + L" " + withoutLeadingBlanks(lines.front());
-        out = out + comments(lines);
+        out += comments(lines);
     }
     return out;
 }
 
 // The part under its section keyword, which belongs to the class `id`, or nothing when it is empty.
 Output headed(const _eString& id, const wchar_t* keyword, const Output& part) {
-    return part->isEmpty() ? none() : tokens({keyword})->declared(id, DeclarationPart::section) + part;
+    return part.isEmpty() ? none() : tokens({keyword}).declared(id, DeclarationPart::section) + part;
 }
 
 }  // namespace
@@ -301,35 +371,6 @@ _eString ClassRenderer::typeName(const NameRecord& name) {
     return text;
 }
 
-_eHndl<TarvaneOutput> ClassRenderer::typeTokens(const TypeRecord& type) {
-    switch (type.kind) {
-        case TypeRecord::none:
-        case TypeRecord::unresolved: return tokens({unknown()});
-        case TypeRecord::named:
-        case TypeRecord::library: return tokens({modelName(resolvedName(type))});
-        case TypeRecord::classType:
-            return type.leaf ? tokens({modelName(resolvedName(type))}) : tokens({L"from", modelName(resolvedName(type))});
-    }
-    return tokens({unknown()});
-}
-
-// 0..1 is optional, n..1 plain, a set otherwise, constrained by its lower bound when that is
-// a number other than 0. An upper bound other than 1 is never expressed.
-_eHndl<TarvaneOutput> ClassRenderer::multiplicityType(const MultiplicityRecord& multiplicity, const TypeRecord& type,
-                                                      bool isRef) {
-    Output typeRun = typeTokens(type);
-    if (!multiplicity.single) return typeRun;
-    std::int32_t lower = boundValue(multiplicity.lower);
-    std::int32_t upper = boundValue(multiplicity.upper);
-    Output ref = isRef ? tokens({L"ref"}) : none();
-    if (upper == 1 && lower == 0) return ref + typeRun + tokens({L"||", L"void"});
-    if (upper == 1) return ref + typeRun;
-    if (lower > 0)
-        return tokens({L"those", L"x", L":", L"set", L"of"}) + ref + typeRun +
-               tokens({L":-", L"#", L"x", L">=", {intToString(lower), TokenKind::literal}});
-    return tokens({L"set", L"of"}) + ref + typeRun;
-}
-
 bool ClassRenderer::readsVoid(const TypeRecord& type) {
     return type.resolved() && textIs(resolvedName(type), L"void");
 }
@@ -343,31 +384,62 @@ _eString ClassRenderer::literalText(const _eString& value) {
     return value;
 }
 
+namespace {
+
+Output typeRun(const TypeRecord& type) {
+    switch (type.kind) {
+        case TypeRecord::none:
+        case TypeRecord::unresolved: return tokens({unknown()});
+        case TypeRecord::named:
+        case TypeRecord::library: return tokens({modelName(resolvedName(type))});
+        case TypeRecord::classType:
+            return type.leaf ? tokens({modelName(resolvedName(type))}) : tokens({L"from", modelName(resolvedName(type))});
+    }
+    return tokens({unknown()});
+}
+
+// 0..1 is optional, n..1 plain, a set otherwise, constrained by its lower bound when that is
+// a number other than 0. An upper bound other than 1 is never expressed.
+Output multiplicityRun(const MultiplicityRecord& multiplicity, const TypeRecord& type, bool isRef) {
+    Output typeTokens = typeRun(type);
+    if (!multiplicity.single) return typeTokens;
+    std::int32_t lower = boundValue(multiplicity.lower);
+    std::int32_t upper = boundValue(multiplicity.upper);
+    Output ref = isRef ? tokens({L"ref"}) : none();
+    if (upper == 1 && lower == 0) return ref + typeTokens + tokens({L"||", L"void"});
+    if (upper == 1) return ref + typeTokens;
+    if (lower > 0)
+        return tokens({L"those", L"x", L":", L"set", L"of"}) + ref + typeTokens +
+               tokens({L":-", L"#", L"x", L">=", {intToString(lower), TokenKind::literal}});
+    return tokens({L"set", L"of"}) + ref + typeTokens;
+}
+
 // A frozen attribute is a constant with a function to read it; any other a variable of its
 // type and multiplicity with a selector.
-_eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& attribute) {
-    _eString name = nameOrUnknown(attribute.name, true);
+Sections attributeParts(const AttributeRecord& attribute) {
+    _eString name = ClassRenderer::nameOrUnknown(attribute.name, true);
     Output notes = notesBefore(attribute.notes);
     if (attribute.changeability == Changeability::frozen)
         return stateWithAccessor(
             attribute.visibility, attribute.id,
             notes + tokens({L"const", modelName(name), L"^=",
-                            attribute.initialValue ? Piece(literalText(*attribute.initialValue), TokenKind::literal)
+                            attribute.initialValue ? Piece(ClassRenderer::literalText(*attribute.initialValue),
+                                                           TokenKind::literal)
                                                    : unknown(),
                             L";"}),
             tokens({L"function", modelName(name), L";"}));
     return stateWithAccessor(attribute.visibility, attribute.id,
                              notes + tokens({L"var", modelName(name), L":"}) +
-                                 multiplicityType(attribute.multiplicity, attribute.type, false) + tokens({L";"}),
+                                 multiplicityRun(attribute.multiplicity, attribute.type, false) + tokens({L";"}),
                              tokens({L"selector", modelName(name), L";"}));
 }
 
 // A constructor when the operation is named "build" or as its class; otherwise a schema when
 // nothing non-void is returned, else a function or an operator. Modifiers and bodies follow.
-_eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& operation, const _eString& className) {
+Sections operationParts(const OperationRecord& operation, const _eString& className) {
     bool abstract = operation.isAbstract;
-    _eString name = nameOrUnknown(operation.name, true);
-    bool isConstructor = textIs(nameOrUnknown(operation.name, false), L"build") || name == className;
+    _eString name = ClassRenderer::nameOrUnknown(operation.name, true);
+    bool isConstructor = textIs(ClassRenderer::nameOrUnknown(operation.name, false), L"build") || name == className;
     std::vector<const ParameterRecord*> parameters;
     std::vector<const ParameterRecord*> returns;
     for (const ParameterRecord& p : operation.parameters) {
@@ -394,66 +466,67 @@ _eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& 
                    parameterList(parameters, false) + (abstract ? none() : tokens({L"post", bodyToComplete()}));
         } else {
             Output returnType = returns.size() > 1 ? tokens({L":", {L"[[Duplicate return declaration]]", TokenKind::unknown}})
-                                                   : tokens({L":"}) + typeTokens(returns[0]->type);
+                                                   : tokens({L":"}) + typeRun(returns[0]->type);
             body = functionHead(name, parameters) + returnType + (abstract ? none() : tokens({L"^=", bodyToComplete()}));
         }
     }
     return placed(sectionFor(operation.visibility),
-                  (notesBefore(operation.notes) + prefix + body + tokens({L";"}))->declared(operation.id, DeclarationPart::member));
+                  (notesBefore(operation.notes) + prefix + body + tokens({L";"})).declared(operation.id, DeclarationPart::member));
 }
 
 // Members for the navigable far ends of a two-ended association, the first end's first.
-_eHndl<TarvaneSections> ClassRenderer::associationSections(const AssociationRecord& association,
-                                                           const _eString& classId) {
-    if (association.ends.size() != 2) return TarvaneSections::empty();
+Sections associationParts(const AssociationRecord& association, const _eString& classId) {
+    if (association.ends.size() != 2) return {};
     const AssociationEndRecord& first = association.ends[0];
     const AssociationEndRecord& second = association.ends[1];
-    return endSections(first, second, classId)->merge(*endSections(second, first, classId));
+    return endSections(first, second, classId).merge(endSections(second, first, classId));
 }
 
 // An enumeration: "class NAME ^= enum" and its literals separated by ",", each after its notes,
 // then "end;".
-_eHndl<TarvaneOutput> ClassRenderer::enumerationDeclaration(const ClassRecord& record) {
-    Output head = notesBefore(record.notes) + tokens({L"class", modelName(typeName(record.name)), L"^=", L"enum"});
+Output enumerationRun(const ClassRecord& record) {
+    Output head = notesBefore(record.notes) +
+                  tokens({L"class", modelName(ClassRenderer::typeName(record.name)), L"^=", L"enum"});
     for (std::size_t i = 0; i < record.literals.size(); ++i) {
         const LiteralRecord& literal = record.literals[i];
-        head = head + (i > 0 ? tokens({L","}) : none()) + notesBefore(literal.notes) +
-               tokens({modelName(nameOrUnknown(literal.name, true))});
+        if (i > 0) head += tokens({L","});
+        head += notesBefore(literal.notes);
+        head += tokens({modelName(ClassRenderer::nameOrUnknown(literal.name, true))});
     }
-    return head->declared(record.id, DeclarationPart::classHead) +
-           tokens({L"end", L";"})->declared(record.id, DeclarationPart::classEnd);
+    return std::move(head).declared(record.id, DeclarationPart::classHead) +
+           tokens({L"end", L";"}).declared(record.id, DeclarationPart::classEnd);
 }
 
 // Features in their order, then the members from associations, each part under its keyword
 // in the order abstract, confined, interface; a class without members still has "interface".
 // An interface is a deferred class whose operations are all deferred; the interfaces a class
 // realises follow its parents in its inherits list.
-_eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record) {
-    if (record.kind == ClassKind::enumeration) return enumerationDeclaration(record);
+Output classRun(const ClassRecord& record) {
+    if (record.kind == ClassKind::enumeration) return enumerationRun(record);
     bool isInterface = record.kind == ClassKind::interface;
-    _eString name = typeName(record.name);
-    Sections sections = TarvaneSections::empty();
+    _eString name = ClassRenderer::typeName(record.name);
+    Sections sections;
     for (const FeatureRecord& feature : record.features)
-        sections = sections->merge(*std::visit(
+        sections = std::move(sections).merge(std::visit(
             [&](const auto& member) -> Sections {
                 if constexpr (std::is_same_v<std::decay_t<decltype(member)>, AttributeRecord>) {
-                    return attributeSections(member);
+                    return attributeParts(member);
                 } else {
-                    if (!isInterface) return operationSections(member, name);
+                    if (!isInterface) return operationParts(member, name);
                     OperationRecord deferred = member;
                     deferred.isAbstract = true;
-                    return operationSections(deferred, name);
+                    return operationParts(deferred, name);
                 }
             },
             feature));
     for (const AssociationRecord& association : record.associations)
-        sections = sections->merge(*associationSections(association, record.id));
-    const Output& abstractPart = sections->getAbstractPart();
-    const Output& confinedPart = sections->getConfinedPart();
-    const Output& interfacePart = sections->getInterfacePart();
+        sections = std::move(sections).merge(associationParts(association, record.id));
+    const Output& abstractPart = sections.abstractPart;
+    const Output& confinedPart = sections.confinedPart;
+    const Output& interfacePart = sections.interfacePart;
     const _eString& id = record.id;
-    Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty()
-                              ? tokens({L"interface"})->declared(id, DeclarationPart::section) + interfacePart
+    Output interfaceOut = abstractPart.isEmpty() && confinedPart.isEmpty()
+                              ? tokens({L"interface"}).declared(id, DeclarationPart::section) + interfacePart
                               : headed(id, L"interface", interfacePart);
     Output prefix = isInterface     ? tokens({L"deferred"})
                     : record.isLeaf ? tokens({L"final"})
@@ -465,11 +538,43 @@ _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record)
     for (const GeneralizationRecord& realization : record.realizations) supertypes.push_back(&realization);
     for (std::size_t i = 0; i < supertypes.size(); ++i) {
         const TypeRecord& parent = supertypes[i]->parent;
-        inherits = inherits + tokens({i == 0 ? L"inherits" : L",", parent.resolved() ? modelName(referenceName(parent)) : unknown()});
+        inherits += tokens({i == 0 ? L"inherits" : L",", parent.resolved() ? modelName(referenceName(parent)) : unknown()});
     }
     Output head = (notesBefore(record.notes) + prefix + tokens({L"class", modelName(name), L"^="}) + inherits)
-                      ->declared(id, DeclarationPart::classHead);
-    Output body = headed(id, L"abstract", abstractPart) + headed(id, L"confined", confinedPart) + interfaceOut +
-                  tokens({L"end", L";"})->declared(id, DeclarationPart::classEnd);
-    return head + body;
+                      .declared(id, DeclarationPart::classHead);
+    head += headed(id, L"abstract", abstractPart);
+    head += headed(id, L"confined", confinedPart);
+    head += interfaceOut;
+    head += tokens({L"end", L";"}).declared(id, DeclarationPart::classEnd);
+    return head;
 }
+
+}  // namespace
+
+_eHndl<TarvaneOutput> ClassRenderer::typeTokens(const TypeRecord& type) { return typeRun(type).output(); }
+
+_eHndl<TarvaneOutput> ClassRenderer::multiplicityType(const MultiplicityRecord& multiplicity, const TypeRecord& type,
+                                                      bool isRef) {
+    return multiplicityRun(multiplicity, type, isRef).output();
+}
+
+_eHndl<TarvaneSections> ClassRenderer::attributeSections(const AttributeRecord& attribute) {
+    return attributeParts(attribute).sections();
+}
+
+_eHndl<TarvaneSections> ClassRenderer::operationSections(const OperationRecord& operation, const _eString& className) {
+    return operationParts(operation, className).sections();
+}
+
+_eHndl<TarvaneSections> ClassRenderer::associationSections(const AssociationRecord& association,
+                                                           const _eString& classId) {
+    return associationParts(association, classId).sections();
+}
+
+_eHndl<TarvaneOutput> ClassRenderer::enumerationDeclaration(const ClassRecord& record) {
+    return enumerationRun(record).output();
+}
+
+_eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record) { return classRun(record).output(); }
+
+int ClassRenderer::unknownCount(const ClassRecord& record) { return classRun(record).unknowns(); }

@@ -17,6 +17,9 @@ public:
     // The declaration of one class: modifiers, "class NAME ^=", the inherits list, the
     // sections, "end;".
     static _eHndl<TarvaneOutput> classDeclaration(const ClassRecord& record);
+    // How many "?" the declaration of `record` holds where the model lacks something: a name,
+    // a type, a value. Counted without making the declaration.
+    static int unknownCount(const ClassRecord& record);
     // The declaration of an enumeration: "class NAME ^= enum", its literals, "end;".
     static _eHndl<TarvaneOutput> enumerationDeclaration(const ClassRecord& record);
 

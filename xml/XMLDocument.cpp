@@ -180,9 +180,7 @@ std::vector<ReportKind> XMLDocument::leftOut(const Names& builtInNames, bool sea
         ClassRecord given = names ? names->apply(written, *each.element) : written;
         if (names)
             for (const ModelNames::Change& change : ModelNames::memberChanges(written, given)) rename(change);
-        TokenKinds tokenKinds = ClassRenderer::classDeclaration(given)->kinds();
-        int unknown = 0;
-        for (int i = 0, n = tokenKinds.size(); i < n; ++i) unknown += tokenKinds.get(i) == int(TokenKind::unknown);
+        int unknown = ClassRenderer::unknownCount(given);
         if (unknown > 0) placeholders.items.push_back(name + L" (" + intToString(unknown) + L")");
     }
     std::vector<std::pair<std::string, int>> byFile;  // in the order first met
