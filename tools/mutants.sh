@@ -44,14 +44,14 @@ mutations() {
 - if (visibility == Visibility::protected_) return Section::confinedPart;
 + if (visibility == Visibility::protected_) return Section::interfacePart;
 @ xmi/ClassRenderer.cpp | sections: a private member gets an accessor among the state
-- return face == Section::abstractPart ? state
-+ return false ? state
+- return face == Section::abstractPart
++ return false
 @ xmi/ClassRenderer.cpp | sections: confined before abstract
-- Output body = headed(id, L"abstract", abstractPart) + headed(id, L"confined", confinedPart) + interfaceOut
-+ Output body = headed(id, L"confined", confinedPart) + headed(id, L"abstract", abstractPart) + interfaceOut
+- head += headed(id, L"abstract", abstractPart) + headed(id, L"confined", confinedPart);
++ head += headed(id, L"confined", confinedPart) + headed(id, L"abstract", abstractPart);
 @ xmi/ClassRenderer.cpp | sections: an empty interface is headed when only confined members exist
-- Output interfaceOut = abstractPart->isEmpty() && confinedPart->isEmpty()
-+ Output interfaceOut = abstractPart->isEmpty()
+- Output interfaceOut = abstractPart.isEmpty() && confinedPart.isEmpty()
++ Output interfaceOut = abstractPart.isEmpty()
 @ xmi/ClassRenderer.cpp | schema marker: given when any parameter is "in"
 - bool allIn = std::all_of(
 + bool allIn = std::any_of(

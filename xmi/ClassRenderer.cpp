@@ -542,8 +542,7 @@ Output classRun(const ClassRecord& record) {
     }
     Output head = (notesBefore(record.notes) + prefix + tokens({L"class", modelName(name), L"^="}) + inherits)
                       .declared(id, DeclarationPart::classHead);
-    head += headed(id, L"abstract", abstractPart);
-    head += headed(id, L"confined", confinedPart);
+    head += headed(id, L"abstract", abstractPart) + headed(id, L"confined", confinedPart);
     head += interfaceOut;
     head += tokens({L"end", L";"}).declared(id, DeclarationPart::classEnd);
     return head;
