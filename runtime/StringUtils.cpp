@@ -70,9 +70,7 @@ _eString seqText(const _eString& s) {
     return _eString(L"seq{") + join(units, L",") + L"}";
 }
 
-bool textIs(const _eString& text, std::wstring_view word) {
-    if (text.size() != int(word.size())) return false;
-    if (text.rootNode()->isLeaf()) return word == std::wstring_view(text.rootNode()->asLeaf()->data(), word.size());
+bool textIsSpread(const _eString& text, std::wstring_view word) {
     _eSeqReader<wchar_t> reader(text);
     for (wchar_t unit : word)
         if (reader.next() != unit) return false;

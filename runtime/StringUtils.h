@@ -23,7 +23,18 @@ bool isInteger(const _eString& s);
 // `text` without the characters of code 32 at both ends; tabs and line ends stay.
 _eString trimSpaces(const _eString& text);
 // `text` holds exactly the units of `word`; compared in place, without making a string of it.
-bool textIs(const _eString& text, std::wstring_view word);
+// Asked of every attribute and tag name a reader looks for: a string in one leaf is compared
+// here, unit by unit, and only one of several leaves, as long as `word`, goes to `textIsSpread`.
+bool textIsSpread(const _eString& text, std::wstring_view word);
+inline bool textIs(const _eString& text, std::wstring_view word) {
+    const _eBaseNode<wchar_t>* root = text.rootNode();
+    if (root->count() != int(word.size())) return false;
+    if (!root->isLeaf()) return textIsSpread(text, word);
+    const wchar_t* units = root->asLeaf()->data();
+    for (std::size_t i = 0; i < word.size(); ++i)
+        if (units[i] != word[i]) return false;
+    return true;
+}
 // The units of a string as one view: in place where the string lies in one leaf (the view then
 // lives as long as the string is unchanged), else copied into `scratch`.
 std::wstring_view unitsOf(const _eString& text, std::wstring& scratch);

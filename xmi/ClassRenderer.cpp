@@ -37,19 +37,8 @@ public:
     bool isEmpty() const { return tokens.empty(); }
 
     // These tokens and declarations, then `other`'s, joined as `TarvaneOutput::concat` joins them.
-    Output& operator+=(const Output& other) {
-        if (other.isEmpty()) return *this;
-        if (isEmpty()) return *this = other;
-        if (!runs.empty() || !other.runs.empty()) {
-            if (runs.empty()) runs.push_back(undeclared(tokens.size()));
-            if (other.runs.empty())
-                runs.push_back(undeclared(other.tokens.size()));
-            else
-                runs.insert(runs.end(), other.runs.begin(), other.runs.end());
-        }
-        tokens.insert(tokens.end(), other.tokens.begin(), other.tokens.end());
-        return *this;
-    }
+    Output& operator+=(const Output& other) { return append(other); }
+    Output& operator+=(Output&& other) { return append(std::move(other)); }
 
     // The same tokens as one declaration of the element `id`, in place of any within them.
     Output declared(const _eString& id, DeclarationPart part) && {
@@ -72,11 +61,36 @@ public:
 private:
     static DeclarationRun undeclared(std::size_t count) { return {{}, {}, false, std::int32_t(count)}; }
 
+    // `other` an `Output` or an `Output&&`: the tokens and runs of a stretch that goes are moved.
+    template <class Other>
+    Output& append(Other&& other) {
+        if (other.isEmpty()) return *this;
+        if (isEmpty()) return *this = std::forward<Other>(other);
+        if (!runs.empty() || !other.runs.empty()) {
+            if (runs.empty()) runs.push_back(undeclared(tokens.size()));
+            if (other.runs.empty())
+                runs.push_back(undeclared(other.tokens.size()));
+            else
+                appendAll(std::forward<Other>(other).runs, runs);
+        }
+        appendAll(std::forward<Other>(other).tokens, tokens);
+        return *this;
+    }
+
+    template <class From, class T>
+    static void appendAll(From&& from, std::vector<T>& into) {
+        if constexpr (!std::is_lvalue_reference_v<From>)
+            into.insert(into.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
+        else
+            into.insert(into.end(), from.begin(), from.end());
+    }
+
     std::vector<OutputToken> tokens;
     std::vector<DeclarationRun> runs;
 };
 
 Output operator+(Output a, const Output& b) { return std::move(a += b); }
+Output operator+(Output a, Output&& b) { return std::move(a += std::move(b)); }
 
 // A run of tokens, built at once.
 Output tokens(std::initializer_list<Piece> run) { return Output(run); }
