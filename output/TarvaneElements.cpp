@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <string>
-#include <unordered_map>
+#include <vector>
 
 #include "environment/PlatformText.h"
 #include "runtime/StringUtils.h"
@@ -101,7 +101,7 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         OutputToken token = reader.next();
         const _eString& current = token.text;
         TokenKind kind = token.kind;
-        if (current == newLine) {
+        if (textIs(current, L"\n")) {
             breakPending = true;
             if (lines != nullptr) lines->push_back({line, line});
             continue;
@@ -216,10 +216,19 @@ _eString TarvaneElements::separatorBetween(const _eString& previous, bool previo
     return L" ";
 }
 
+// The words of the sets are few and short: each stands in one of 64 slots by its length and
+// its first and last units, and a token is compared only with the words of its slot.
 unsigned TarvaneElements::wordSets(const _eString& token) {
+    struct Word {
+        std::wstring text;
+        unsigned bits;
+    };
     struct Table {
-        std::unordered_map<std::wstring, unsigned, UnitsHash, std::equal_to<>> bits;
+        std::vector<Word> slots[64];
         int longest = 0;
+        static std::size_t slotOf(std::wstring_view units) {
+            return (units.size() * 7 + std::size_t(units.front()) * 3 + std::size_t(units.back())) & 63;
+        }
     };
     static const Table table = [] {
         Table t;
@@ -229,16 +238,21 @@ unsigned TarvaneElements::wordSets(const _eString& token) {
             {&noBlankBefore(), blankNotBefore}};
         for (const auto& [set, bit] : sets)
             for (int i = 0, n = set->size(); i < n; ++i) {
-                const _eString& word = set->elements().get(i);
-                t.bits[toWString(word)] |= bit;
-                t.longest = std::max(t.longest, word.size());
+                std::wstring word = toWString(set->elements().get(i));
+                std::vector<Word>& slot = t.slots[Table::slotOf(word)];
+                auto at = std::find_if(slot.begin(), slot.end(), [&](const Word& each) { return each.text == word; });
+                if (at == slot.end()) at = slot.insert(slot.end(), {word, 0});
+                at->bits |= bit;
+                t.longest = std::max(t.longest, int(word.size()));
             }
         return t;
     }();
-    if (token.size() > table.longest) return 0;
+    if (token.isEmpty() || token.size() > table.longest) return 0;
     std::wstring scratch;
-    auto found = table.bits.find(unitsOf(token, scratch));
-    return found == table.bits.end() ? 0 : found->second;
+    std::wstring_view units = unitsOf(token, scratch);
+    for (const Word& word : table.slots[Table::slotOf(units)])
+        if (word.text == units) return word.bits;
+    return 0;
 }
 
 const _eSet<_eString>& TarvaneElements::blockOpeners() {
