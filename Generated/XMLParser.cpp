@@ -138,11 +138,11 @@ void XMLParser::appendRun(std::int32_t semanticAction, StackValue& value, const 
 namespace {
 
 // The character of a predefined entity; 0 for any other name.
-std::int32_t predefinedEntity(const _eString& name) {
+std::int32_t predefinedEntity(std::wstring_view name) {
     static const std::pair<const wchar_t*, std::int32_t> entities[] = {
         {L"amp", '&'}, {L"lt", '<'}, {L"gt", '>'}, {L"quot", '"'}, {L"apos", '\''}};
     for (const auto& [entity, code] : entities)
-        if (textIs(name, entity)) return code;
+        if (name == entity) return code;
     return 0;
 }
 
@@ -150,7 +150,7 @@ std::int32_t predefinedEntity(const _eString& name) {
 
 _eFrom<NonTerminal> XMLParser::entityReference(const Position& at, const _eHndl<XMLString>& name) const {
     if (extensions.decodeReferences)
-        if (std::int32_t code = predefinedEntity(name->getText())) return new XMLCharReference(at, code);
+        if (std::int32_t code = predefinedEntity(name->units())) return new XMLCharReference(at, code);
     return new XMLEntityReference(at, name);
 }
 
@@ -166,5 +166,5 @@ _eFrom<XMLContentItem> XMLParser::contentItem(const _eFrom<XMLContentItem>& item
 void XMLParser::noteTag(const _eHndl<XMLString>& name) {
     if (!extensions.anywhere || rootSeen) return;
     rootSeen = true;
-    if (textIs(name->getText(), L"XMI")) naming = TagNaming::unprefixedUml;
+    if (name->units() == L"XMI") naming = TagNaming::unprefixedUml;
 }

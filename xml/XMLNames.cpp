@@ -4,23 +4,11 @@
 
 namespace {
 
-// The string kept in `table` for the text of `name`, or the one `make` gives, kept if there is
-// room.
+// The string kept in `table` for `text`, or the one `make` gives, kept if there is room.
 template <class Table, class Make>
-_eString lookUpText(Table& table, const _eString& name, Make make) {
-    int size = name.size();
-    if (size > XMLNames::longest || size == 0) return make();
-    // A name within one leaf is read in place; a longer one is copied out first.
-    wchar_t units[XMLNames::longest];
-    const wchar_t* start = units;
-    if (name.rootNode()->level() == 0) {
-        start = name.rootNode()->asLeaf()->data();
-    } else {
-        _eSeqReader<wchar_t> reader(name);
-        for (int i = 0; i < size; ++i) units[i] = reader.next();
-    }
-    std::wstring_view text(start, std::size_t(size));
-    std::size_t slot = (std::size_t(size) * 31 + std::size_t(text[0]) * 7 + std::size_t(text[text.size() / 2]) * 131 +
+_eString lookUpUnits(Table& table, std::wstring_view text, Make make) {
+    if (text.size() > std::size_t(XMLNames::longest) || text.empty()) return make();
+    std::size_t slot = (text.size() * 31 + std::size_t(text[0]) * 7 + std::size_t(text[text.size() / 2]) * 131 +
                         std::size_t(text.back()) * 17) & 255;
     auto& found = table.found[slot];
     if (found.text == text) return found.answer;
@@ -37,6 +25,23 @@ _eString lookUpText(Table& table, const _eString& name, Make make) {
     return answer;
 }
 
+// The same for the text of `name`: a name within one leaf is read in place; a longer one is
+// copied out first.
+template <class Table, class Make>
+_eString lookUpText(Table& table, const _eString& name, Make make) {
+    int size = name.size();
+    if (size > XMLNames::longest || size == 0) return make();
+    wchar_t units[XMLNames::longest];
+    const wchar_t* start = units;
+    if (name.rootNode()->isLeaf()) {
+        start = name.rootNode()->asLeaf()->data();
+    } else {
+        _eSeqReader<wchar_t> reader(name);
+        for (int i = 0; i < size; ++i) units[i] = reader.next();
+    }
+    return lookUpUnits(table, std::wstring_view(start, std::size_t(size)), make);
+}
+
 // The same, through the table's recent strings.
 template <class Table, class Make>
 _eString lookUp(Table& table, const _eString& name, Make make) {
@@ -50,9 +55,17 @@ _eString lookUp(Table& table, const _eString& name, Make make) {
 
 }  // namespace
 
-_eString XMLNames::shared(const _eString& name) {
+XMLNames::Table& XMLNames::names() {
     static Table kept;
-    return lookUp(kept, name, [&] { return name; });
+    return kept;
+}
+
+_eString XMLNames::shared(const _eString& name) {
+    return lookUp(names(), name, [&] { return name; });
+}
+
+_eString XMLNames::shared(std::wstring_view name) {
+    return lookUpUnits(names(), name, [&] { return _eString(name); });
 }
 
 _eString XMLNames::sharedText(const _eString& text) {

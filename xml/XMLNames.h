@@ -21,6 +21,8 @@ public:
     // A string equal to `name`: the one kept for that text if there is one, else `name` itself,
     // which is then kept if there is room.
     static _eString shared(const _eString& name);
+    // The same for a name whose units are not yet a string: one is made only where none is kept.
+    static _eString shared(std::wstring_view name);
     // The same for short texts that repeat, such as the white space between elements: a table
     // of their own, so that they never crowd out the names.
     static _eString sharedText(const _eString& text);
@@ -57,4 +59,6 @@ private:
     };
 
     static _eString derivedIn(Table& table, const _eString& name, Derivation derive);
+    // The table of `shared`, whichever form the name comes in.
+    static Table& names();
 };

@@ -13,7 +13,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 11};
 
     XMLAttribute(const _eHndl<XMLString>& name, const _eHndl<XMLAttributeValue>& value)
-        : _eClass(name->getPosition()), name(XMLNames::shared(name->getText())), value(value) {}
+        : _eClass(name->getPosition()), name(XMLNames::shared(name->units())), value(value) {}
 
     bool equalFields(const XMLAttribute& other) const {
         return NonTerminal::equalFields(other) && name == other.name && value == other.value;
@@ -70,7 +70,7 @@ template <class Self>
 class _aTag : public _eClass<Self, NonTerminal> {
 public:
     _aTag(const Position& position, const _eHndl<XMLString>& name, const _eHndl<XMLAttributeList>& attributes)
-        : _eClass<Self, NonTerminal>(position), name(XMLNames::shared(name->getText())), attributes(attributes) {}
+        : _eClass<Self, NonTerminal>(position), name(XMLNames::shared(name->units())), attributes(attributes) {}
 
     bool equalFields(const _aTag& other) const {
         return NonTerminal::equalFields(other) && name == other.name && attributes == other.attributes;

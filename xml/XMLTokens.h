@@ -1,7 +1,10 @@
 // Values that live for a reduction or two: the characters of a name, the digits of a number.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "Generated/StackValue.h"
 
@@ -34,25 +37,50 @@ private:
     std::int32_t value;
 };
 
+// The characters of a name while it is read. A name is looked up among the names kept as soon
+// as it is whole, and mostly found there: its units are gathered in the object itself, and a
+// string is made of them only where one is asked for.
 class XMLString : public _eClass<XMLString, NonTerminal> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 5};
 
-    explicit XMLString(const _eHndl<Terminal>& first) : _eClass(first->getPosition()), text(first->getCharacter()) {}
+    explicit XMLString(const _eHndl<Terminal>& first) : _eClass(first->getPosition()) {
+        wchar_t unit = first->getCharacter();
+        append(&unit, 1);
+    }
 
-    bool equalFields(const XMLString& other) const { return NonTerminal::equalFields(other) && text == other.text; }
+    bool equalFields(const XMLString& other) const { return NonTerminal::equalFields(other) && units() == other.units(); }
 
     void appendCharacter(const _eHndl<Terminal>& next) {
         _eFreeze freeze(this);
-        text.pushBack(next->getCharacter());
+        wchar_t unit = next->getCharacter();
+        append(&unit, 1);
     }
     void appendCharacters(const wchar_t* units, std::int32_t count) {
         _eFreeze freeze(this);
-        text.appendRange(count, units);
+        append(units, count);
     }
 
-    const _eString& getText() const { return text; }
+    // Valid while this value is neither changed nor destroyed.
+    std::wstring_view units() const {
+        return spilled.empty() ? std::wstring_view(held, std::size_t(length)) : std::wstring_view(spilled);
+    }
+    _eString getText() const { return _eString(units()); }
 
 private:
-    _eString text;
+    // Up to `heldUnits` units stay in `held`; a longer name moves them all to `spilled`.
+    void append(const wchar_t* units, std::int32_t count) {
+        if (spilled.empty() && length + count <= heldUnits) {
+            std::copy(units, units + count, held + length);
+            length += count;
+            return;
+        }
+        if (spilled.empty()) spilled.assign(held, std::size_t(length));
+        spilled.append(units, std::size_t(count));
+    }
+
+    static constexpr std::int32_t heldUnits = 32;  // the names of XMI tags and attributes fit
+    wchar_t held[heldUnits];
+    std::int32_t length = 0;
+    std::wstring spilled;
 };

@@ -39,11 +39,16 @@ TEST(XMLNames, EveryNameComesBackAsItsOwnText) {
     for (std::size_t k = names.size(); k-- > 0;) {
         _eString again = XMLNames::shared(fresh(names[k]));
         ASSERT_EQ(toWString(again), names[k]);
+        // Units that are not yet a string find the same string.
+        _eString byUnits = XMLNames::shared(std::wstring_view(names[k]));
+        EXPECT_EQ(toWString(byUnits), names[k]);
         if (names[k].size() <= std::size_t(XMLNames::longest)) {
             EXPECT_EQ(XMLNames::shared(fresh(names[k])).rootNode(), again.rootNode()) << k;
+            EXPECT_EQ(byUnits.rootNode(), again.rootNode()) << k;
         }
     }
     EXPECT_TRUE(XMLNames::shared(_eString()).isEmpty());
+    EXPECT_TRUE(XMLNames::shared(std::wstring_view()).isEmpty());
 }
 
 TEST(XMLNames, ADerivedNameIsWorkedOutOnceForEachText) {

@@ -72,3 +72,36 @@ TEST(XMLNodes, ReferencesDecodedOnlyWhenAskedFor) {
         EXPECT_EQ(toWString(root.getContent()->text()), row.content) << row.decode;
     }
 }
+
+// A name is gathered unit by unit and run by run; whatever its length, the element, its
+// attributes and its references come back with the whole of it.
+TEST(XMLNodes, NamesOfEveryLengthComeBackWhole) {
+    auto name = [](std::size_t length, char first) {
+        std::string text(1, first);
+        for (std::size_t i = 1; i < length; ++i) text.push_back(char('a' + i % 26));
+        return text;
+    };
+    for (std::size_t length : {1, 2, 31, 32, 33, 64, 128, 129, 300}) {
+        std::string tag = name(length, 'T');
+        std::string text = "<" + tag;
+        std::vector<std::string> attributes;
+        for (std::size_t each : {std::size_t(1), length, length + 1}) {
+            attributes.push_back(name(each, 'a'));
+            text += " " + attributes.back() + "='v" + std::to_string(each) + "'";
+        }
+        std::string entity = name(length, 'e');
+        text += " r='&" + entity + ";'></" + tag + ">";
+        ParseOutcome o = parseText(text);
+        ASSERT_TRUE(o.accepted) << length;
+        const XMLElement& root = *static_cast<XMLDocument*>(o.result.get())->getRoot();
+        EXPECT_EQ(toWString(root.getName()), toWString(fromPlatformText(tag))) << length;
+        for (std::size_t i = 0; i < attributes.size(); ++i) {
+            const XMLAttributeValue* value = root.attributeValue(fromPlatformText(attributes[i]));
+            ASSERT_NE(value, nullptr) << length << " " << i;
+            EXPECT_EQ(toWString(value->text(Context::shared())), L"v" + std::to_wstring(i == 0 ? 1 : length + i - 1));
+        }
+        EXPECT_EQ(toWString(root.attributeText(L"r", Context::shared())),
+                  L"[[EntityRef'" + toWString(fromPlatformText(entity)) + L"']]")
+            << length;
+    }
+}
