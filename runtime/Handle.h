@@ -84,6 +84,9 @@ public:
 
 protected:
     Derived& assign(T* object) {
+        // The object held already: taking a count and giving one back would change nothing. A
+        // frozen one is still taken, so that the holder gets its snapshot.
+        if (object == ptr && (object == nullptr || !object->isFrozen())) return static_cast<Derived&>(*this);
         T* fresh = _aHandle::take(object);
         T* old = ptr;
         ptr = fresh;

@@ -68,6 +68,7 @@ void XMLLex::openFile(const _eHndl<FileName>& fileName, bool& succeeded) {
     bytesLeft = size;
     file = ref;
     here = Location(fileName);
+    tokenAt = Position(here);
     succeeded = true;
 }
 
@@ -179,12 +180,14 @@ void XMLLex::nextToken(_eHndl<Terminal>& token) {
     advance();
     std::int32_t code = bytesLeft <= 0 && currentChar == 10 ? Token::endOfFile
                                                             : tokenCode(static_cast<unsigned char>(currentChar));
-    Position at(here);
+    // Line and column move on; the file stays, and so does the count on it.
+    tokenAt.line = here.getLine();
+    tokenAt.column = here.getColumn();
     // A token that nothing else holds is remade for the next byte: most tokens are folded into
     // a node and dropped before the next one is read.
-    if (!token.isNull() && token->countWord() == 1 && token->retake(at, code, currentChar)) return;
+    if (!token.isNull() && token->countWord() == 1 && token->retake(tokenAt, code, currentChar)) return;
     if (SimpleTerminal::holds(code))
-        token = new SimpleTerminal(at, code);
+        token = new SimpleTerminal(tokenAt, code);
     else
-        token = new ComplexTerminal(at, code, currentChar);
+        token = new ComplexTerminal(tokenAt, code, currentChar);
 }

@@ -58,7 +58,8 @@ private:
     _eHndl<FileRef> file;              // the open input; null before opening and after closing
     wchar_t currentChar = 10;          // the last byte read; 10 also for nothing yet and nothing more
     std::int32_t bytesLeft = 0;        // bytes of the file not yet read
-    Location here;                     // the position of `currentChar`, copied into each token
+    Location here;                     // the position of `currentChar`
+    Position tokenAt;                  // `here` as each token keeps it: the file set once per file
     XMLErrors errors;                  // what went wrong, each error once
     _eString path;                     // the file's name, for messages
     _eHndl<const Environment> environment;

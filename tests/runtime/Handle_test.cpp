@@ -33,6 +33,19 @@ TEST(Handle, FreezeBracketNestsAndThawsOnUnwind) {
         EXPECT_FALSE(p->dropCount());
     }
     EXPECT_EQ(p->countWord(), 1);
+    // Given the object it holds, a handle keeps it and its count; while the object is frozen it
+    // gets a snapshot all the same, as any handle taken then does.
+    _eHndl<Probe> same(p);
+    same = p;
+    EXPECT_EQ(same.get(), p.get());
+    EXPECT_EQ(p->countWord(), 2);
+    {
+        _eFreeze frozen(p.get());
+        same = p;
+        EXPECT_NE(same.get(), p.get());
+        EXPECT_EQ(same->getValue(), 1);
+    }
+    EXPECT_EQ(p->countWord(), 1);
     try {
         _eFreeze guard(p.get());
         throw 1;
