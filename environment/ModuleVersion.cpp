@@ -2,8 +2,12 @@
 #include <dlfcn.h>
 #include <link.h>
 
+#include <array>
 #include <cstdint>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "environment/Environment.h"
 #include "environment/PlatformText.h"
@@ -53,23 +57,56 @@ const std::string& ownModuleFile() {
     return file;
 }
 
-}  // namespace
+using Version = std::array<int, 4>;
 
-_eSeq<int> Environment::moduleVersion(const _eString& moduleName) const {
-    _eSeq<int> zeros{0, 0, 0, 0};
-    Search search{toPlatformText(moduleName), {}};
-    if (search.module.empty()) return zeros;
+// How many times modules were loaded and unloaded so far: while neither count moves, the same
+// modules are loaded.
+std::pair<unsigned long long, unsigned long long> loadCounts() {
+    std::pair<unsigned long long, unsigned long long> counts{0, 0};
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, std::size_t, void* data) {
+            *static_cast<std::pair<unsigned long long, unsigned long long>*>(data) = {info->dlpi_adds, info->dlpi_subs};
+            return 1;
+        },
+        &counts);
+    return counts;
+}
+
+// The version record of the module of that name among those loaded; zeros where none is.
+Version searchLoaded(const std::string& name) {
+    Version version{0, 0, 0, 0};
+    Search search{name, {}};
     // Asked for the library itself, as every generated header does: its own record answers.
     if (!ownModuleFile().empty() && designates(ownModuleFile(), search.module)) {
         const std::uint16_t* record = ModelBridgeVersionRecord;
-        return _eSeq<int>{record[0], record[1], record[2], record[3]};
+        return {record[0], record[1], record[2], record[3]};
     }
-    if (dl_iterate_phdr(visit, &search) == 0) return zeros;
+    if (dl_iterate_phdr(visit, &search) == 0) return version;
     void* module = dlopen(search.path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
-    if (module == nullptr) return zeros;
+    if (module == nullptr) return version;
     const auto* record = static_cast<const std::uint16_t*>(dlsym(module, "ModelBridgeVersionRecord"));
-    _eSeq<int> version = zeros;
-    if (record != nullptr) version = _eSeq<int>{record[0], record[1], record[2], record[3]};
+    if (record != nullptr) version = {record[0], record[1], record[2], record[3]};
     dlclose(module);
     return version;
+}
+
+}  // namespace
+
+// Every generated file asks, always for the same module: the last answer stands while no
+// module has been loaded or unloaded since.
+_eSeq<int> Environment::moduleVersion(const _eString& moduleName) const {
+    struct Answer {
+        std::string module;
+        std::pair<unsigned long long, unsigned long long> counts;
+        Version version;
+    };
+    static std::mutex guard;
+    static std::optional<Answer> last;
+    std::string name = toPlatformText(moduleName);
+    if (name.empty()) return _eSeq<int>{0, 0, 0, 0};
+    std::lock_guard<std::mutex> lock(guard);
+    std::pair<unsigned long long, unsigned long long> counts = loadCounts();
+    if (!last || last->module != name || last->counts != counts) last = Answer{name, counts, searchLoaded(name)};
+    const Version& v = last->version;
+    return _eSeq<int>{v[0], v[1], v[2], v[3]};
 }
