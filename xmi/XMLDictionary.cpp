@@ -1,6 +1,10 @@
 #include "xmi/XMLDictionary.h"
 
 #include <algorithm>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <typeinfo>
 
 const _eHndl<XMLDictionary>& XMLDictionary::empty() {
     static const _eHndl<XMLDictionary> none(new XMLDictionary());
@@ -91,10 +95,12 @@ void DictionaryFold::add(_eString id, const XMLElement& element) {
         if (duplicates.count(id) != 0) pending.push_back(id);
         entries.emplace(std::move(id), &element);
     }
-    if (auto* association = dynamic_cast<const FCAssociationElement*>(&element))
-        associations.add(const_cast<FCAssociationElement*>(association));
-    if (auto* generalization = dynamic_cast<const FCGeneralizationElement*>(&element))
-        generalizations.add(const_cast<FCGeneralizationElement*>(generalization));
+    // Both classes are final: the class of the element tells, without a search of its bases.
+    const std::type_info& type = typeid(element);
+    if (type == typeid(FCAssociationElement))
+        associations.add(const_cast<FCAssociationElement*>(static_cast<const FCAssociationElement*>(&element)));
+    else if (type == typeid(FCGeneralizationElement))
+        generalizations.add(const_cast<FCGeneralizationElement*>(static_cast<const FCGeneralizationElement*>(&element)));
 }
 
 void DictionaryFold::merge(DictionaryFold&& next) {
@@ -105,8 +111,7 @@ void DictionaryFold::merge(DictionaryFold&& next) {
     if (entries.size() + duplicates.size() < next.entries.size() + next.duplicates.size()) std::swap(*this, next);
     DictionaryFold& large = *this;
     DictionaryFold& small = next;
-    for (const _eString& id : large.pending) large.entries.erase(id);
-    large.pending.clear();
+    large.settle();
     for (const _eString& id : small.duplicates) {
         large.entries.erase(id);
         large.duplicates.insert(id);
@@ -123,12 +128,34 @@ void DictionaryFold::merge(DictionaryFold&& next) {
     generalizations = std::move(generalized);
 }
 
+void DictionaryFold::settle() {
+    for (const _eString& id : pending) entries.erase(id);
+    pending.clear();
+}
+
 _eHndl<XMLDictionary> DictionaryFold::dictionary() const {
     auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
+    // The entries in the order of their ids, each id read once as units in place (an id of
+    // several leaves from a copy): the sort then compares units alone.
+    struct Keyed {
+        std::wstring_view units;
+        const std::pair<const _eString, const XMLElement*>* entry;
+    };
+    std::vector<Keyed> keyed;
+    keyed.reserve(entries.size());
+    std::deque<std::wstring> copies;
+    for (const auto& entry : entries) {
+        std::wstring scratch;
+        std::wstring_view units = unitsOf(entry.first, scratch);
+        if (!scratch.empty()) units = copies.emplace_back(std::move(scratch));
+        keyed.push_back({units, &entry});
+    }
+    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
+        return rankUnits(a.units.data(), int(a.units.size()), b.units.data(), int(b.units.size())) == rankBelow;
+    });
     std::vector<ClassMap::Entry> ordered;
-    ordered.reserve(entries.size());
-    for (const auto& [id, element] : entries) ordered.push_back({id, const_cast<XMLElement*>(element)});
-    std::sort(ordered.begin(), ordered.end(), [&](const auto& a, const auto& b) { return byRank(a.first, b.first); });
+    ordered.reserve(keyed.size());
+    for (const Keyed& each : keyed) ordered.push_back({each.entry->first, const_cast<XMLElement*>(each.entry->second)});
     std::vector<_eString> marked(duplicates.begin(), duplicates.end());
     std::sort(marked.begin(), marked.end(), byRank);
     return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),

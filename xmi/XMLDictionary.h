@@ -157,6 +157,8 @@ public:
     // This (the children folded so far) merged with the next child's: the smaller table goes
     // into the larger, and the result is left here.
     void merge(DictionaryFold&& next);
+    // What a merge with an empty fold does: the ids marked since the last merge leave the entries.
+    void settle();
     // As a dictionary, its entries and marks in the order of their ids.
     _eHndl<XMLDictionary> dictionary() const;
 

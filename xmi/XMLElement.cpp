@@ -125,7 +125,14 @@ bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedEl
 // The dictionary of the subtree, folded bottom-up with a stack of its own rather than by
 // recursion: each element's children left to right, then its own id.
 _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool extensions) const {
-    std::vector<std::optional<DictionaryFold>> folded;  // of the children done so far, per element entered
+    // The children done so far, per element entered: none yet, or their fold, where an empty
+    // fold is made only once something is added to it or merged into it. Most elements have
+    // no id and nothing below with one.
+    struct Slot {
+        bool done = false;  // a child is done
+        std::optional<DictionaryFold> fold;
+    };
+    std::vector<Slot> folded;
     _eHndl<XMLDictionary> result;
     walkTree(
         *this,
@@ -135,16 +142,26 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
             return WalkChildren(*element.content);
         },
         [&](const XMLElement& element) {
-            DictionaryFold done = folded.back() ? std::move(*folded.back()) : DictionaryFold();
+            std::optional<DictionaryFold> done = std::move(folded.back().fold);
             folded.pop_back();
-            if (const XMLAttributeValue* id = element.attributeValue(idAttribute))
-                done.add(id->text(Context::shared()), element);
-            if (folded.empty())
-                result = done.dictionary();
-            else if (!folded.back())
-                folded.back() = std::move(done);
-            else
-                folded.back()->merge(std::move(done));
+            if (const XMLAttributeValue* id = element.attributeValue(idAttribute)) {
+                if (!done) done.emplace();
+                done->add(id->text(Context::shared()), element);
+            }
+            if (folded.empty()) {
+                result = done ? done->dictionary() : DictionaryFold().dictionary();
+                return;
+            }
+            Slot& parent = folded.back();
+            if (!parent.done) {
+                parent.done = true;
+                parent.fold = std::move(done);
+            } else if (!done) {
+                if (parent.fold) parent.fold->settle();
+            } else {
+                if (!parent.fold) parent.fold.emplace();
+                parent.fold->merge(std::move(*done));
+            }
         });
     return result;
 }

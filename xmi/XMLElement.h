@@ -197,7 +197,7 @@ public:
 };
 
 // "UML:Association": known through the dictionary, wherever it stands.
-class FCAssociationElement : public _eClass<FCAssociationElement, XMLElement> {
+class FCAssociationElement final : public _eClass<FCAssociationElement, XMLElement> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule20, 12};
     using _eClass::_eClass;
@@ -229,7 +229,7 @@ private:
 };
 
 // "UML:Generalization": known through the dictionary, wherever it stands.
-class FCGeneralizationElement : public _eClass<FCGeneralizationElement, XMLElement> {
+class FCGeneralizationElement final : public _eClass<FCGeneralizationElement, XMLElement> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule20, 13};
     using _eClass::_eClass;
