@@ -27,6 +27,36 @@ _eSet<_eString> setOf(std::initializer_list<const wchar_t*> words) {
     return set;
 }
 
+// The leads of a layout, each made once for a layout and then shared: a line end (or two) and
+// the indentation of a level. A layout has few levels.
+class Leads {
+public:
+    explicit Leads(const _eString& indentText) : indentText(indentText) {}
+
+    const _eString& indentation(std::int32_t levels) { return at(levels).indentation; }
+    const _eString& lineAt(std::int32_t levels, bool blankLine) {
+        Level& level = at(levels);
+        _eString& lead = blankLine ? level.afterBlankLine : level.afterLineEnd;
+        if (lead.isEmpty()) lead = _eString(blankLine ? L"\n\n" : L"\n") + level.indentation;
+        return lead;
+    }
+
+private:
+    struct Level {
+        _eString indentation;
+        _eString afterLineEnd;    // empty until asked for
+        _eString afterBlankLine;  // empty until asked for
+    };
+    Level& at(std::int32_t levels) {
+        std::size_t index = std::size_t(std::max(levels, 0));
+        while (made.size() <= index) made.push_back({repeated(indentText, std::int32_t(made.size())), {}, {}});
+        return made[index];
+    }
+
+    _eString indentText;
+    std::vector<Level> made;
+};
+
 // The number of units after the last line end of `lead`; none when it has no line end.
 std::int32_t trailingIndentation(const _eString& lead) {
     for (std::int32_t i = lead.size() - 1; i >= 0; --i)
@@ -95,6 +125,7 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
     std::int32_t line = 1;
     std::int32_t byteColumn = 0;  // kept only for a caller that asks where its tokens stand
     const bool byKind = options.getCommentsByKind();
+    Leads leads(options.getIndentText());
     _eSeqReader<OutputToken> reader(tokens);
     if (lines != nullptr) lines->reserve(std::size_t(tokens.size()));
     for (int i = 0, n = tokens.size(); i < n && status == FileError::success; ++i) {
@@ -117,16 +148,14 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         bool closes = closesBlock(previous, current);
         if (closes && indent > 0) indent -= 1;
         _eString lead;
-        if (separator == newLine) {
+        if (textIs(separator, L"\n")) {
             std::int32_t levels = indent > 0 && isSectionHead(current) ? indent - 1 : indent;
-            _eString indentation = repeated(options.getIndentText(), levels);
-            column = indentation.size();
-            lead = (blankLinePending ? _eString(L"\n\n") : newLine) + indentation;
+            column = leads.indentation(levels).size();
+            lead = leads.lineAt(levels, blankLinePending);
             blankLinePending = false;
         } else if (!first && !comment && column + separator.size() + current.size() > options.getLineWidth()) {
-            _eString indentation = repeated(options.getIndentText(), indent + 1);
-            column = indentation.size();
-            lead = newLine + indentation;
+            column = leads.indentation(indent + 1).size();
+            lead = leads.lineAt(indent + 1, false);
         } else {
             lead = separator;
             column += separator.size();
@@ -205,15 +234,19 @@ std::int32_t ElementBase::breakPosition(const _eString& text, std::int32_t room,
 
 _eString TarvaneElements::separatorBetween(const _eString& previous, bool previousIsComment, const _eString& current,
                                            bool currentIsComment, std::int32_t, const ImportOptions&) const {
+    // Asked between every two tokens: the three answers are made once.
+    static const _eString lineEnd = L"\n";
+    static const _eString nothing;
+    static const _eString blank = L" ";
     unsigned before = wordSets(previous);
     unsigned after = wordSets(current);
-    if (before & lineEnder) return L"\n";
-    if ((before & closer) && !textIs(current, L";")) return L"\n";
-    if (after & lineStarter) return L"\n";
-    if (currentIsComment || previousIsComment) return L"\n";
-    if (before & blankNotAfter) return L"";
-    if (after & blankNotBefore) return L"";
-    return L" ";
+    if (before & lineEnder) return lineEnd;
+    if ((before & closer) && !textIs(current, L";")) return lineEnd;
+    if (after & lineStarter) return lineEnd;
+    if (currentIsComment || previousIsComment) return lineEnd;
+    if (before & blankNotAfter) return nothing;
+    if (after & blankNotBefore) return nothing;
+    return blank;
 }
 
 // The words of the sets are few and short: each stands in one of 64 slots by its length and
