@@ -1,10 +1,12 @@
 // Plain values as text, and the small string helpers of generated classes.
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "runtime/Seq.h"
 
@@ -71,7 +73,16 @@ struct StringHash {
 // so that asking costs no new string. Lives as long as the call it is handed to.
 class TextView {
 public:
-    TextView(const wchar_t* text) : view(text) {}
+    // A word written in the code: its length is known without a count of its units. (A text in
+    // a const array is taken to fill it, as a literal does.)
+    template <class Unit, std::size_t N>
+        requires std::is_same_v<Unit, const wchar_t>
+    TextView(Unit (&text)[N]) : view(text, N - 1) {
+        assert(std::char_traits<wchar_t>::length(text) == N - 1);
+    }
+    template <class Pointer>
+        requires std::is_same_v<Pointer, const wchar_t*> || std::is_same_v<Pointer, wchar_t*>
+    TextView(Pointer text) : view(text) {}
     TextView(std::wstring_view text) : view(text) {}
     TextView(const _eString& text) : view(unitsOf(text, copy)) {}
     TextView(const TextView&) = delete;

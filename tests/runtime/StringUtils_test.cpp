@@ -30,3 +30,22 @@ TEST(StringUtils, DigitsAndIntegers) {
     EXPECT_FALSE(containsUnit(L"abc", L'd'));
     EXPECT_FALSE(containsUnit(L"", L'a'));
 }
+
+// A word reaches a lookup whole in every form it is written in: a literal, a pointer, a buffer
+// that holds a shorter text than it has room for, a string of one leaf or of several.
+TEST(StringUtils, TextViewsHoldTheWholeWord) {
+    auto units = [](const TextView& view) { return std::wstring(view.text()); };
+    const wchar_t* pointer = L"xmi.idref";
+    wchar_t buffer[16] = L"name";
+    static const wchar_t constant[] = L"UML:Class";
+    std::wstring longWord(70, L'w');
+    EXPECT_EQ(units(L"xmi.id"), L"xmi.id");
+    EXPECT_EQ(units(L""), L"");
+    EXPECT_EQ(units(pointer), L"xmi.idref");
+    EXPECT_EQ(units(buffer), L"name");
+    EXPECT_EQ(units(constant), L"UML:Class");
+    EXPECT_EQ(units(_eString(L"visibility")), L"visibility");
+    EXPECT_EQ(units(_eString(std::wstring_view(longWord))), longWord);
+    EXPECT_TRUE(TextView(L"UML:Class").isIn(_eString(L"UML:Class")));
+    EXPECT_FALSE(TextView(L"UML:Class").isIn(_eString(L"UML:Classifier")));
+}
