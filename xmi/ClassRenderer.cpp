@@ -1,11 +1,13 @@
 #include "xmi/ClassRenderer.h"
 
 #include <algorithm>
-#include <cassert>
 #include <climits>
 #include <cstdint>
 #include <initializer_list>
+#include <iterator>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 #include "output/ReservedWords.h"
 #include "runtime/StringUtils.h"
@@ -113,10 +115,10 @@ struct Sections {
     Output interfacePart;  // under "interface"
 
     // Part by part: these tokens, then `other`'s.
-    Sections merge(const Sections& other) && {
-        abstractPart += other.abstractPart;
-        confinedPart += other.confinedPart;
-        interfacePart += other.interfacePart;
+    Sections merge(Sections&& other) && {
+        abstractPart += std::move(other.abstractPart);
+        confinedPart += std::move(other.confinedPart);
+        interfacePart += std::move(other.interfacePart);
         return std::move(*this);
     }
 
