@@ -1,9 +1,6 @@
 #include "xmi/XMLDictionary.h"
 
 #include <algorithm>
-#include <deque>
-#include <string>
-#include <string_view>
 #include <typeinfo>
 
 const _eHndl<XMLDictionary>& XMLDictionary::empty() {
@@ -135,23 +132,22 @@ void DictionaryFold::settle() {
 
 _eHndl<XMLDictionary> DictionaryFold::dictionary() const {
     auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
-    // The entries in the order of their ids, each id read once as units in place (an id of
-    // several leaves from a copy): the sort then compares units alone.
+    // The entries in the order of their ids: an id within one leaf is read in place once, and
+    // two of them are compared by their units alone; any other pair through the strings.
     struct Keyed {
-        std::wstring_view units;
+        const wchar_t* units;  // null for an id of several leaves
+        int size;
         const std::pair<const _eString, const XMLElement*>* entry;
     };
     std::vector<Keyed> keyed;
     keyed.reserve(entries.size());
-    std::deque<std::wstring> copies;
     for (const auto& entry : entries) {
-        std::wstring scratch;
-        std::wstring_view units = unitsOf(entry.first, scratch);
-        if (!scratch.empty()) units = copies.emplace_back(std::move(scratch));
-        keyed.push_back({units, &entry});
+        const _eBaseNode<wchar_t>* root = entry.first.rootNode();
+        keyed.push_back({root->isLeaf() ? root->asLeaf()->data() : nullptr, entry.first.size(), &entry});
     }
     std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
-        return rankUnits(a.units.data(), int(a.units.size()), b.units.data(), int(b.units.size())) == rankBelow;
+        if (a.units != nullptr && b.units != nullptr) return rankUnits(a.units, a.size, b.units, b.size) == rankBelow;
+        return rankStrings(a.entry->first, b.entry->first) == rankBelow;
     });
     std::vector<ClassMap::Entry> ordered;
     ordered.reserve(keyed.size());
