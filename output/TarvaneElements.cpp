@@ -154,8 +154,9 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             lead = leads.lineAt(levels, blankLinePending);
             blankLinePending = false;
         } else if (!first && !comment && column + separator.size() + current.size() > options.getLineWidth()) {
-            column = leads.indentation(indent + 1).size();
-            lead = leads.lineAt(indent + 1, false);
+            std::int32_t continued = indent + 1;
+            column = leads.indentation(continued).size();
+            lead = leads.lineAt(continued, false);
         } else {
             lead = separator;
             column += separator.size();

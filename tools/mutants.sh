@@ -83,14 +83,14 @@ mutations() {
 - else if (closes && indent < 2)
 + else if (closes)
 @ output/TarvaneElements.cpp | blank lines: never written
-- lead = (blankLinePending ? _eString(L"\n\n") : newLine) + indentation;
-+ lead = newLine + indentation;
+- lead = leads.lineAt(levels, blankLinePending);
++ lead = leads.lineAt(levels, false);
 @ output/TarvaneElements.cpp | layout breaks: a line exactly as wide as allowed is broken
 - column + separator.size() + current.size() > options.getLineWidth()
 + column + separator.size() + current.size() >= options.getLineWidth()
 @ output/TarvaneElements.cpp | layout breaks: a continued line is indented one level too deep
-- _eString indentation = repeated(options.getIndentText(), indent + 1);
-+ _eString indentation = repeated(options.getIndentText(), indent + 2);
+- std::int32_t continued = indent + 1;
++ std::int32_t continued = indent + 2;
 @ output/TarvaneElements.cpp | layout breaks: section heads aren't outdented
 - isSectionHead(current) ? indent - 1 : indent;
 + isSectionHead(current) ? indent : indent;
@@ -98,8 +98,8 @@ mutations() {
 - return lastBlank > 0 ? lastBlank : room;
 + return room;
 @ output/TarvaneElements.cpp | layout breaks: "end ;" goes on two lines
-- if ((before & closer) && !textIs(current, L";")) return L"\n";
-+ if (before & closer) return L"\n";
+- if ((before & closer) && !textIs(current, L";")) return lineEnd;
++ if (before & closer) return lineEnd;
 @ output/TarvaneElements.cpp | layout: a blank after "("
 - setOf({L"!", L"(", L".", L"[", L"{"});
 + setOf({L"!", L".", L"[", L"{"});
