@@ -132,26 +132,15 @@ void DictionaryFold::settle() {
 
 _eHndl<XMLDictionary> DictionaryFold::dictionary() const {
     auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
-    // The entries in the order of their ids: an id within one leaf is read in place once, and
-    // two of them are compared by their units alone; any other pair through the strings.
-    struct Keyed {
-        const wchar_t* units;  // null for an id of several leaves
-        int size;
-        const std::pair<const _eString, const XMLElement*>* entry;
-    };
-    std::vector<Keyed> keyed;
+    // The entries in the order of their ids, sorted as pointers to them: moving an entry whole
+    // would move its handles.
+    std::vector<const std::pair<const _eString, const XMLElement*>*> keyed;
     keyed.reserve(entries.size());
-    for (const auto& entry : entries) {
-        const _eBaseNode<wchar_t>* root = entry.first.rootNode();
-        keyed.push_back({root->isLeaf() ? root->asLeaf()->data() : nullptr, entry.first.size(), &entry});
-    }
-    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
-        if (a.units != nullptr && b.units != nullptr) return rankUnits(a.units, a.size, b.units, b.size) == rankBelow;
-        return rankStrings(a.entry->first, b.entry->first) == rankBelow;
-    });
+    for (const auto& entry : entries) keyed.push_back(&entry);
+    std::sort(keyed.begin(), keyed.end(), [&](const auto* a, const auto* b) { return byRank(a->first, b->first); });
     std::vector<ClassMap::Entry> ordered;
     ordered.reserve(keyed.size());
-    for (const Keyed& each : keyed) ordered.push_back({each.entry->first, const_cast<XMLElement*>(each.entry->second)});
+    for (const auto* entry : keyed) ordered.push_back({entry->first, const_cast<XMLElement*>(entry->second)});
     std::vector<_eString> marked(duplicates.begin(), duplicates.end());
     std::sort(marked.begin(), marked.end(), byRank);
     return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
