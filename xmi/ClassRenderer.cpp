@@ -249,7 +249,7 @@ Sections endSections(const AssociationEndRecord& own, const AssociationEndRecord
                                                       : _eString(ClassRenderer::rolePrefix) + referenceName(far.roleType);
     Output declaration = tokens({L"var", modelName(name), L":"}) +
                          multiplicityRun(far.multiplicity, far.type, isRef) + tokens({L";"});
-    return stateWithAccessor(far.visibility, far.id, declaration, tokens({L"selector", modelName(name), L";"}));
+    return stateWithAccessor(far.visibility, far.id, std::move(declaration), tokens({L"selector", modelName(name), L";"}));
 }
 
 // The lines of a model's text: broken at every kind of line end, each line without the blanks
