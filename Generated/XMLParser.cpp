@@ -160,6 +160,7 @@ _eFrom<XMLContentItem> XMLParser::contentItem(const _eFrom<XMLContentItem>& item
     _eHndl<XMLCharData> data(new XMLCharData(reference->getPosition()));
     _eString text = reference->referenceText(Context::shared());
     data->appendCharacters(&text.elementRef(0), 1);
+    data->shareText();
     return data;
 }
 

@@ -42,6 +42,7 @@ set(MODELBRIDGE_SOURCES
   output/ReservedWords.cpp
   output/TarvaneElements.cpp
   output/TarvaneOutput.cpp
+  xml/CompactText.cpp
   xml/XMLLex.cpp
   xml/TextEncodings.cpp
   xml/XMLcontent.cpp

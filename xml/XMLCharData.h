@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "xml/CompactText.h"
 #include "xml/XMLNames.h"
 #include "xml/XMLNode.h"
 
@@ -10,30 +11,41 @@ class XMLCharData : public _eClass<XMLCharData, XMLContentItem> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 18};
 
-    explicit XMLCharData(const _eHndl<Terminal>& first) : _eClass(first->getPosition()), text(first->getCharacter()) {}
+    explicit XMLCharData(const _eHndl<Terminal>& first) : _eClass(first->getPosition()) {
+        wchar_t unit = first->getCharacter();
+        text.append(&unit, 1);
+    }
     explicit XMLCharData(const Position& position) : _eClass(position) {}
 
     bool equalFields(const XMLCharData& other) const { return XMLContentItem::equalFields(other) && text == other.text; }
 
     virtual void appendCharacter(const _eHndl<Terminal>& next) {
-        _eFreeze freeze(this);
-        text.pushBack(next->getCharacter());
+        wchar_t unit = next->getCharacter();
+        appendCharacters(&unit, 1);
     }
     void appendCharacters(const wchar_t* units, std::int32_t count) {
         _eFreeze freeze(this);
-        text.appendRange(count, units);
+        text.append(units, count);
     }
 
-    // Holds the text that other character data of the same text hold, when it is short.
+    // Once the text is whole: holds the string that other character data of the same text
+    // hold, when it is short, and gives back the room gathered beyond a longer one.
     void shareText() {
         _eFreeze freeze(this);
-        text = XMLNames::sharedText(text);
+        std::int32_t size = text.size();
+        if (size == 0 || size > XMLNames::longest) {
+            text.fit();
+            return;
+        }
+        wchar_t units[XMLNames::longest];
+        text.copyTo(units);
+        text.replace(XMLNames::sharedText(std::wstring_view(units, std::size_t(size))));
     }
 
-    const _eString& getText() const { return text; }
+    _eString getText() const { return text.text(); }
 
 private:
-    _eString text;
+    CompactText text;
 };
 
 class XMLCDSect : public _eClass<XMLCDSect, XMLContentItem> {

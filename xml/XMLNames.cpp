@@ -68,9 +68,9 @@ _eString XMLNames::shared(std::wstring_view name) {
     return lookUpUnits(names(), name, [&] { return _eString(name); });
 }
 
-_eString XMLNames::sharedText(const _eString& text) {
+_eString XMLNames::sharedText(std::wstring_view text) {
     static Table kept;
-    return lookUp(kept, text, [&] { return text; });
+    return lookUpUnits(kept, text, [&] { return _eString(text); });
 }
 
 _eString XMLNames::sharedValue(const _eString& text) {

@@ -25,7 +25,7 @@ public:
     static _eString shared(std::wstring_view name);
     // The same for short texts that repeat, such as the white space between elements: a table
     // of their own, so that they never crowd out the names.
-    static _eString sharedText(const _eString& text);
+    static _eString sharedText(std::wstring_view text);
     // The same for short attribute values ("public", "false", the ids of common types).
     static _eString sharedValue(const _eString& text);
     // The string that `Derive` makes of `name`, made on the first request and kept: a name that

@@ -105,3 +105,30 @@ TEST(XMLNodes, NamesOfEveryLengthComeBackWhole) {
             << length;
     }
 }
+
+TEST(XMLNodes, ShortCharacterDataSharesItsTextAndLongDataKeepsItWhole) {
+    auto data = [](const std::wstring& text) {
+        _eHndl<XMLCharData> made(new XMLCharData(ch(text[0])));
+        made->appendCharacters(text.data() + 1, std::int32_t(text.size() - 1));
+        made->shareText();
+        return made;
+    };
+    const std::wstring indent = L"\n      ";
+    EXPECT_EQ(data(indent)->getText().rootNode(), data(indent)->getText().rootNode());
+    EXPECT_EQ(toWString(data(indent)->getText()), indent);
+    const std::wstring accented = L"\u00e9t\u00e9 \u2192 hiver";
+    EXPECT_EQ(data(accented)->getText().rootNode(), data(accented)->getText().rootNode());
+    EXPECT_EQ(toWString(data(accented)->getText()), accented);
+
+    // Longer than any kept text: each is its own, whole, and equal to the other.
+    std::wstring prose;
+    while (prose.size() < 3 * std::size_t(XMLNames::longest)) prose += L"the account balance moves; ";
+    _eHndl<XMLCharData> first = data(prose), second = data(prose + L"\u0100");
+    EXPECT_EQ(toWString(first->getText()), prose);
+    EXPECT_EQ(toWString(second->getText()), prose + L"\u0100");
+    EXPECT_TRUE(first->isEqual(data(prose).get()));
+    EXPECT_FALSE(first->isEqual(second.get()));
+    // A section of character data drops the two units of its end.
+    XMLCDSect section(first->getPosition(), data(L"<kept>]]"));
+    EXPECT_EQ(toWString(section.getText()), L"<kept>");
+}
