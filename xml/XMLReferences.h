@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "xml/XMLNames.h"
 #include "xml/XMLNode.h"
 #include "xml/XMLTokens.h"
 
@@ -23,7 +24,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 15};
 
     XMLEntityReference(const Position& position, const _eHndl<XMLString>& name)
-        : _eClass(position), name(name->getText()) {}
+        : _eClass(position), name(XMLNames::shared(name->units())) {}
 
     bool equalFields(const XMLEntityReference& other) const {
         return XMLReference::equalFields(other) && name == other.name;
@@ -68,7 +69,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 7};
 
     XMLPEReference(const Position& position, const _eHndl<XMLString>& name)
-        : _eClass(position), name(name->getText()) {}
+        : _eClass(position), name(XMLNames::shared(name->units())) {}
 
     bool equalFields(const XMLPEReference& other) const { return NonTerminal::equalFields(other) && name == other.name; }
 
