@@ -108,11 +108,22 @@ void Environment::writeText(const _eHndl<FileRef>& file, const _eString& text, F
         return;
     }
     if (!ref->isLastWrite()) ref->turnTo(true);
-    std::string bytes;
-    bytes.reserve(std::size_t(text.size()));
-    appendOutputText(bytes, text);
-    std::size_t written = std::fwrite(bytes.data(), 1, bytes.size(), ref->getStream());
-    error = written == bytes.size() ? FileError::success : FileError::writeError;
+    // The bytes go out through a buffer on the stack, a piece at a time.
+    char bytes[1024];
+    std::size_t used = 0;
+    bool whole = true;
+    auto flush = [&] {
+        whole = std::fwrite(bytes, 1, used, ref->getStream()) == used && whole;
+        used = 0;
+    };
+    forEachRun(text, [&](const wchar_t* units, int length) {
+        for (int i = 0; i < length; ++i) {
+            if (used > sizeof bytes - 4) flush();
+            used += putOutputUnit(bytes + used, std::uint32_t(units[i]));
+        }
+    });
+    if (used > 0) flush();
+    error = whole ? FileError::success : FileError::writeError;
 }
 
 _eUnion Environment::stats(const _eString& path) const {

@@ -2,24 +2,6 @@
 
 #include <vector>
 
-void appendUtf8(std::string& out, std::uint32_t unit) {
-    if (unit < 0x80) {
-        out.push_back(char(unit));
-    } else if (unit < 0x800) {
-        out.push_back(char(0xC0 | (unit >> 6)));
-        out.push_back(char(0x80 | (unit & 0x3F)));
-    } else if (unit < 0x10000) {
-        out.push_back(char(0xE0 | (unit >> 12)));
-        out.push_back(char(0x80 | ((unit >> 6) & 0x3F)));
-        out.push_back(char(0x80 | (unit & 0x3F)));
-    } else {
-        out.push_back(char(0xF0 | ((unit >> 18) & 0x07)));
-        out.push_back(char(0x80 | ((unit >> 12) & 0x3F)));
-        out.push_back(char(0x80 | ((unit >> 6) & 0x3F)));
-        out.push_back(char(0x80 | (unit & 0x3F)));
-    }
-}
-
 namespace {
 
 // The length of the valid UTF-8 sequence at `at`, or 0 if there is none.

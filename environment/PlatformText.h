@@ -2,6 +2,8 @@
 // goes out so that bytes stay bytes and every other character becomes UTF-8.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -13,18 +15,51 @@
 MB_API std::string toPlatformText(const _eString& text);
 // Each byte becomes the unit of its value.
 MB_API _eString fromPlatformText(std::string_view bytes);
+// Puts the UTF-8 sequence of one unit at `out`; gives its length, at most 4.
+inline std::size_t putUtf8(char* out, std::uint32_t unit) {
+    if (unit < 0x80) {
+        out[0] = char(unit);
+        return 1;
+    }
+    if (unit < 0x800) {
+        out[0] = char(0xC0 | (unit >> 6));
+        out[1] = char(0x80 | (unit & 0x3F));
+        return 2;
+    }
+    if (unit < 0x10000) {
+        out[0] = char(0xE0 | (unit >> 12));
+        out[1] = char(0x80 | ((unit >> 6) & 0x3F));
+        out[2] = char(0x80 | (unit & 0x3F));
+        return 3;
+    }
+    out[0] = char(0xF0 | ((unit >> 18) & 0x07));
+    out[1] = char(0x80 | ((unit >> 12) & 0x3F));
+    out[2] = char(0x80 | ((unit >> 6) & 0x3F));
+    out[3] = char(0x80 | (unit & 0x3F));
+    return 4;
+}
 // Appends the UTF-8 sequence of one unit.
-void appendUtf8(std::string& out, std::uint32_t unit);
-// Appends a unit of written text: up to 255 the byte of its value, above that its UTF-8 sequence.
+inline void appendUtf8(std::string& out, std::uint32_t unit) {
+    char bytes[4];
+    out.append(bytes, putUtf8(bytes, unit));
+}
+// Puts the bytes of a unit of written text at `out`: up to 255 the byte of its value, above
+// that its UTF-8 sequence. Gives their number, at most 4.
+inline std::size_t putOutputUnit(char* out, std::uint32_t unit) {
+    if (unit < 256) {
+        out[0] = char(unit);
+        return 1;
+    }
+    return putUtf8(out, unit);
+}
+// The number of bytes `putOutputUnit` puts for `unit`.
+inline std::int32_t outputUnitBytes(std::uint32_t unit) {
+    return unit < 256 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 3 : 4;
+}
+// Appends a unit of written text as `putOutputUnit` puts it.
 inline void appendOutputUnit(std::string& out, std::uint32_t unit) {
     if (unit < 256)
         out.push_back(char(unit));
     else
         appendUtf8(out, unit);
-}
-// Appends every unit of `text` as `appendOutputUnit` does.
-inline void appendOutputText(std::string& out, const _eString& text) {
-    forEachRun(text, [&](const wchar_t* units, int length) {
-        for (int i = 0; i < length; ++i) appendOutputUnit(out, std::uint32_t(units[i]));
-    });
 }

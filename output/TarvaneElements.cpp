@@ -101,10 +101,19 @@ namespace {
 
 // The bytes before the end of `text` on its last line, where the line had `column` before it.
 std::int32_t columnAfter(const _eString& text, std::int32_t column) {
-    std::string bytes;
-    appendOutputText(bytes, text);
-    std::size_t lineEnd = bytes.rfind('\n');
-    return lineEnd == std::string::npos ? column + std::int32_t(bytes.size()) : std::int32_t(bytes.size() - lineEnd - 1);
+    std::int32_t after = 0;  // bytes since the last line end
+    bool lineEnd = false;
+    forEachRun(text, [&](const wchar_t* units, int length) {
+        for (int i = 0; i < length; ++i) {
+            if (units[i] == L'\n') {
+                after = 0;
+                lineEnd = true;
+            } else {
+                after += outputUnitBytes(std::uint32_t(units[i]));
+            }
+        }
+    });
+    return lineEnd ? after : column + after;
 }
 
 }  // namespace

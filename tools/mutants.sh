@@ -253,6 +253,9 @@ mutations() {
 @ xml/CompactText.cpp | a unit above a byte is kept in one byte all the same
 - if (static_cast<std::uint32_t>(all) < 256) {
 + if (static_cast<std::uint32_t>(all) < 65536) {
+@ environment/PlatformText.h | a unit of three bytes is counted as two where a line's bytes are counted
+- return unit < 256 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 3 : 4;
++ return unit < 256 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 2 : 4;
 EOF
 }
 

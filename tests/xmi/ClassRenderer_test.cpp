@@ -162,7 +162,7 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-ClassRecord ledger(const wchar_t* attributeName) {
+ClassRecord ledger(const wchar_t* attributeName, const wchar_t* parameterName = L"amount") {
     ClassRecord record;
     record.id = L"L";
     record.name = NameRecord::plain(L"Ledger");
@@ -170,7 +170,7 @@ ClassRecord ledger(const wchar_t* attributeName) {
     record.features.emplace_back(AttributeRecord{L"a", NameRecord::plain(attributeName), Visibility::public_,
                                                  Changeability::changeable, std::nullopt, TypeRecord(), {}, {}});
     record.features.emplace_back(OperationRecord{L"o", NameRecord::plain(L"post"), Visibility::protected_, false, false,
-                                                 Scope::instance, {{L"p", NameRecord::plain(L"amount"), Direction::in,
+                                                 Scope::instance, {{L"p", NameRecord::plain(parameterName), Direction::in,
                                                                     named(L"int"), false}}, {}});
     return record;
 }
@@ -214,6 +214,28 @@ TEST(ClassRenderer, DeclarationsKnowTheirElementsAndLines) {
     EXPECT_EQ(out->render(ImportOptions::defaults(), FileName(L"/out/", L"Ledger", L"tv", env.get()),
                           FileName(L"/m.xmi", env.get()), *env),
               layout.bytes);
+}
+
+// A body to complete is placed at its byte in its line, whatever units come before it on the
+// line: one byte each up to 255, two to four above.
+TEST(ClassRenderer, BodiesAreAtTheirByteWhateverTheUnitsBefore) {
+    _eHndl<Environment> env(new Environment());
+    for (const wchar_t* parameter : {L"amount", L"caf\u00e9", L"\u00ff\u0100\u07ff\u0800", L"pri\u20acx\U0001F600y"}) {
+        TarvaneOutput::Layout layout = ClassRenderer::classDeclaration(ledger(L"balance", parameter))
+                                           ->layOut(ImportOptions::defaults(), FileName(L"/out/", L"Ledger", L"tv", env.get()),
+                                                    FileName(L"/m.xmi", env.get()), *env);
+        std::vector<std::string> lines = linesOf(layout.bytes);
+        int bodies = 0;
+        for (const DeclarationLines& d : layout.declarations)
+            for (const BodyPosition& body : d.bodies) {
+                const std::string& line = lines.at(std::size_t(body.line - 1));
+                ASSERT_LT(std::size_t(body.column), line.size()) << line;
+                EXPECT_EQ(line.substr(std::size_t(body.column)), "?;") << line;
+                EXPECT_NE(line.find("post ?"), std::string::npos) << line;
+                ++bodies;
+            }
+        EXPECT_EQ(bodies, 1) << layout.bytes;
+    }
 }
 
 // "?" to complete a body, "?" for what the model lacks and model names are told apart; a
