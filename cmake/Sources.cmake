@@ -47,7 +47,6 @@ set(MODELBRIDGE_SOURCES
   xml/TextEncodings.cpp
   xml/XMLcontent.cpp
   xml/XMLDocument.cpp
-  xml/XMLValues.cpp
   xml/XMLNames.cpp
   xmi/ClassRenderer.cpp
   xmi/Context.cpp

@@ -88,6 +88,15 @@ void CompactText::copyTo(wchar_t* out) const {
 _eString CompactText::text() const {
     if (bytes == nullptr) return wide;
     _eString out;
+    appendTo(out);
+    return out;
+}
+
+void CompactText::appendTo(_eString& out) const {
+    if (bytes == nullptr) {
+        out.appendAll(wide);
+        return;
+    }
     wchar_t units[stretch];
     const unsigned char* from = bytes->units();
     for (std::uint32_t start = 0; start < bytes->size; start += stretch) {
@@ -95,7 +104,6 @@ _eString CompactText::text() const {
         for (std::uint32_t i = 0; i < n; ++i) units[i] = from[start + i];
         out.appendRange(std::int32_t(n), units);
     }
-    return out;
 }
 
 bool CompactText::operator==(const CompactText& other) const {

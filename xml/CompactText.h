@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "runtime/Seq.h"
 
@@ -12,6 +13,10 @@ class CompactText {
 public:
     CompactText() = default;
     CompactText(const CompactText& other);
+    CompactText(CompactText&& other) noexcept : bytes(other.bytes), wide(std::move(other.wide)) {
+        other.bytes = nullptr;
+        other.wide = _eString();
+    }
     CompactText& operator=(const CompactText&) = delete;
     ~CompactText();
 
@@ -26,6 +31,8 @@ public:
     _eString text() const;
     // Widens the text into `out`, which holds at least `size()` units.
     void copyTo(wchar_t* out) const;
+    // Appends the text to `out`.
+    void appendTo(_eString& out) const;
 
     bool operator==(const CompactText& other) const;
 

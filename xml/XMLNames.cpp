@@ -73,9 +73,9 @@ _eString XMLNames::sharedText(std::wstring_view text) {
     return lookUpUnits(kept, text, [&] { return _eString(text); });
 }
 
-_eString XMLNames::sharedValue(const _eString& text) {
+_eString XMLNames::sharedValue(std::wstring_view text) {
     static Table kept;
-    return lookUp(kept, text, [&] { return text; });
+    return lookUpUnits(kept, text, [&] { return _eString(text); });
 }
 
 _eString XMLNames::derivedIn(Table& table, const _eString& name, Derivation derive) {

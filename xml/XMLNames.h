@@ -27,7 +27,7 @@ public:
     // of their own, so that they never crowd out the names.
     static _eString sharedText(std::wstring_view text);
     // The same for short attribute values ("public", "false", the ids of common types).
-    static _eString sharedValue(const _eString& text);
+    static _eString sharedValue(std::wstring_view text);
     // The string that `Derive` makes of `name`, made on the first request and kept: a name that
     // stands for another, such as a long tag for its canonical form, is worked out once. Each
     // derivation keeps a table of its own.

@@ -2,6 +2,8 @@
 // on demand.
 #pragma once
 
+#include "xml/CompactText.h"
+#include "xml/XMLNames.h"
 #include "xml/XMLReferences.h"
 
 class XMLCharValue;
@@ -21,15 +23,15 @@ class XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 1};
 
-    // A run of characters, held as one string.
-    explicit XMLCharValue(const _eString& characters) : characters(characters) {}
+    // A run of characters.
+    explicit XMLCharValue(CompactText&& characters) : characters(std::move(characters)) {}
 
     bool equalFields(const XMLCharValue& other) const { return characters == other.characters; }
-    _eString text(const _eHndl<Context>&) const override { return characters; }
-    void appendText(_eString& out, const _eHndl<Context>&) const override { out.appendAll(characters); }
+    _eString text(const _eHndl<Context>&) const override { return characters.text(); }
+    void appendText(_eString& out, const _eHndl<Context>&) const override { characters.appendTo(out); }
 
 private:
-    _eString characters;
+    CompactText characters;
 };
 
 class XMLReferenceValue : public _eClass<XMLReferenceValue, XMLEntityValueElement> {
@@ -59,8 +61,8 @@ private:
 };
 
 // Entity and attribute values share their shape: characters and references. The characters
-// since the last reference are held as one string, so that a value without references is its
-// text, and a reference closes the run before it into an element of the list.
+// since the last reference are held together, so that a value without references is its text,
+// and a reference closes the run before it into an element of the list.
 template <class Self>
 class _aValueList : public _eClass<Self, NonTerminal> {
 public:
@@ -77,36 +79,49 @@ public:
     }
     void addCharacters(const wchar_t* units, std::int32_t count) {
         _eFreeze freeze(this);
-        characters.appendRange(count, units);
+        characters.append(units, count);
     }
 
     // The texts of the elements and of the characters after them, in order.
     virtual _eString text(const _eHndl<Context>& context) const {
-        if (elements.isEmpty()) return characters;
+        if (elements.isEmpty()) return characters.text();
         _eString out;
         _eSeqReader<_eFrom<XMLEntityValueElement>> reader(elements);
         for (int i = 0, n = elements.size(); i < n; ++i) reader.next()->appendText(out, context);
-        out.appendAll(characters);
+        characters.appendTo(out);
         return out;
     }
 
 protected:
     void append(const _eFrom<XMLEntityValueElement>& element) {
         _eFreeze freeze(this);
-        if (!characters.isEmpty()) elements.pushBack(new XMLCharValue(characters));
-        characters = _eString();
+        if (characters.size() > 0) {
+            characters.fit();
+            elements.pushBack(new XMLCharValue(std::move(characters)));
+        }
         elements.pushBack(element);
     }
     bool hasOnlyCharacters() const { return elements.isEmpty(); }
-    const _eString& getCharacters() const { return characters; }
-    void replaceCharacters(const _eString& equal) {
+    // Once the value is whole: holds characters up to a name's length as a string, for they
+    // are read again and again, the string kept for them where they are short enough and
+    // `share` holds; gives back the room gathered beyond longer ones.
+    void settleCharacters(bool share) {
         _eFreeze freeze(this);
-        characters = equal;
+        constexpr int longestShared = 32;
+        int size = characters.size();
+        if (size == 0 || size > XMLNames::longest) {
+            characters.fit();
+            return;
+        }
+        wchar_t units[XMLNames::longest];
+        characters.copyTo(units);
+        std::wstring_view text(units, std::size_t(size));
+        characters.replace(share && size <= longestShared ? XMLNames::sharedValue(text) : _eString(text));
     }
 
 private:
     _eSeq<_eFrom<XMLEntityValueElement>> elements;  // up to the last reference
-    _eString characters;                            // after it
+    CompactText characters;                         // after it
 };
 
 class XMLEntityValue : public _aValueList<XMLEntityValue> {
@@ -122,7 +137,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 17};
     using _aValueList::_aValueList;
 
-    // Holds the string that other values of the same characters hold, when the value is short
-    // and has no reference: short values repeat all through a document.
-    void shareElements();
+    // Once the value is whole: holds the string that other values of the same characters hold,
+    // when the value is short and has no reference: short values repeat all through a document.
+    void shareElements() { settleCharacters(hasOnlyCharacters()); }
 };

@@ -132,3 +132,38 @@ TEST(XMLNodes, ShortCharacterDataSharesItsTextAndLongDataKeepsItWhole) {
     XMLCDSect section(first->getPosition(), data(L"<kept>]]"));
     EXPECT_EQ(toWString(section.getText()), L"<kept>");
 }
+
+// An attribute value gives its characters and references in order, whatever their length and
+// units; a short one without references shares its string with the values of the same text.
+TEST(XMLNodes, AttributeValuesKeepCharactersAroundReferencesWhole) {
+    auto value = [](const std::vector<std::wstring>& runs, bool withReference) {
+        _eHndl<XMLAttributeValue> made(new XMLAttributeValue(at(1)));
+        for (std::size_t i = 0; i < runs.size(); ++i) {
+            if (i > 0 && withReference) {
+                _eHndl<XMLString> name(new XMLString(ch(L'a')));
+                name->appendCharacters(L"mp", 2);
+                made->addReference(new XMLEntityReference(at(1), name));
+            }
+            made->addCharacters(runs[i].data(), std::int32_t(runs[i].size()));
+        }
+        made->shareElements();
+        return made;
+    };
+    std::wstring prose;
+    while (prose.size() < 2 * std::size_t(XMLNames::longest)) prose += L"caf\u00e9 balance ";
+    const std::wstring middle(std::size_t(XMLNames::longest) - 5, L'm');
+    for (bool withReference : {false, true}) {
+        std::wstring join = withReference ? L"[[EntityRef'amp']]" : L"";
+        for (const std::vector<std::wstring>& runs :
+             {std::vector<std::wstring>{L"public"}, {prose, L"\u20ac " + prose}, {middle, L"\u2026"}, {L"x", prose, L""}}) {
+            std::wstring expected;
+            for (std::size_t i = 0; i < runs.size(); ++i) expected += (i > 0 ? join : L"") + runs[i];
+            _eHndl<XMLAttributeValue> first = value(runs, withReference), second = value(runs, withReference);
+            EXPECT_EQ(toWString(first->text(noContext())), expected);
+            EXPECT_TRUE(first->isEqual(second.get()));
+        }
+    }
+    EXPECT_EQ(value({L"pub", L"lic"}, false)->text(noContext()).rootNode(),
+              value({L"public"}, false)->text(noContext()).rootNode());
+    EXPECT_FALSE(value({prose}, false)->isEqual(value({prose + L"."}, false).get()));
+}
