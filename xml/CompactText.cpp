@@ -1,9 +1,9 @@
 #include "xml/CompactText.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <new>
+
+#include "runtime/Pool.h"
 
 namespace {
 
@@ -19,17 +19,28 @@ CompactText::CompactText(const CompactText& other) : wide(other.wide) {
     bytes->size = other.bytes->size;
 }
 
-CompactText::~CompactText() { std::free(bytes); }
+CompactText::~CompactText() { release(); }
+
+void CompactText::release() {
+    if (bytes != nullptr) _ePool::shared.release(bytes, sizeof(Bytes) + bytes->capacity);
+    bytes = nullptr;
+}
+
+void CompactText::moveTo(std::uint32_t capacity) {
+    auto* moved = static_cast<Bytes*>(_ePool::shared.allocate(sizeof(Bytes) + capacity));
+    moved->capacity = capacity;
+    if (bytes != nullptr) {
+        moved->size = bytes->size;
+        std::memcpy(moved->units(), bytes->units(), bytes->size);
+        release();
+    }
+    bytes = moved;
+}
 
 void CompactText::reserve(std::uint32_t size) {
     if (bytes != nullptr && size <= bytes->capacity) return;
-    std::uint32_t capacity = bytes == nullptr ? std::max<std::uint32_t>(size, 16) : std::max(size, bytes->capacity * 2);
-    void* grown = std::realloc(static_cast<void*>(bytes), sizeof(Bytes) + capacity);
-    if (grown == nullptr) throw std::bad_alloc();
-    bool fresh = bytes == nullptr;
-    bytes = static_cast<Bytes*>(grown);
-    if (fresh) bytes->size = 0;
-    bytes->capacity = capacity;
+    // The first block fills a pooled block of 32 bytes; each growth at least doubles.
+    moveTo(bytes == nullptr ? std::max<std::uint32_t>(size, 32 - sizeof(Bytes)) : std::max(size, bytes->capacity * 2));
 }
 
 void CompactText::append(const wchar_t* units, std::int32_t count) {
@@ -57,22 +68,18 @@ void CompactText::append(const wchar_t* units, std::int32_t count) {
 
 void CompactText::widen() {
     wide = text();
-    std::free(bytes);
-    bytes = nullptr;
+    release();
 }
 
 void CompactText::replace(const _eString& text) {
-    std::free(bytes);
-    bytes = nullptr;
+    release();
     wide = text;
 }
 
 void CompactText::fit() {
-    if (bytes == nullptr || bytes->capacity == bytes->size) return;
-    if (void* fitted = std::realloc(static_cast<void*>(bytes), sizeof(Bytes) + bytes->size)) {
-        bytes = static_cast<Bytes*>(fitted);
-        bytes->capacity = bytes->size;
-    }
+    // Pooled blocks come in steps of 16 bytes: a block is moved only when a smaller one holds it.
+    if (bytes == nullptr || (sizeof(Bytes) + bytes->capacity + 15) / 16 == (sizeof(Bytes) + bytes->size + 15) / 16) return;
+    moveTo(bytes->size);
 }
 
 void CompactText::copyTo(wchar_t* out) const {

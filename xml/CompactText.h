@@ -46,6 +46,9 @@ private:
     };
 
     void reserve(std::uint32_t size);
+    // Moves the bytes into a block of `capacity`, or makes an empty one.
+    void moveTo(std::uint32_t capacity);
+    void release();
     void widen();
 
     Bytes* bytes = nullptr;  // the text while every unit fits a byte; null once widened or replaced
