@@ -4,19 +4,17 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
+#include <new>
 #include <string_view>
-#include <utility>
 
 #include "runtime/Seq.h"
 
 class CompactText {
 public:
-    CompactText() = default;
+    CompactText() { new (storage) _eString(); }
     CompactText(const CompactText& other);
-    CompactText(CompactText&& other) noexcept : bytes(other.bytes), wide(std::move(other.wide)) {
-        other.bytes = nullptr;
-        other.wide = _eString();
-    }
+    CompactText(CompactText&& other) noexcept;
     CompactText& operator=(const CompactText&) = delete;
     ~CompactText();
 
@@ -26,7 +24,10 @@ public:
     // Gives back the room gathered beyond the units.
     void fit();
 
-    std::int32_t size() const { return bytes != nullptr ? bytes->size : wide.size(); }
+    std::int32_t size() const {
+        const Bytes* held = bytes();
+        return held != nullptr ? std::int32_t(held->size) : wide().size();
+    }
     // The whole text, made a string for the asking when it is held in bytes.
     _eString text() const;
     // Widens the text into `out`, which holds at least `size()` units.
@@ -37,7 +38,7 @@ public:
     bool operator==(const CompactText& other) const;
 
 private:
-    // The bytes, behind a head that counts them.
+    // The bytes, behind a head that counts them; a pooled block.
     struct Bytes {
         std::uint32_t size;
         std::uint32_t capacity;
@@ -45,12 +46,31 @@ private:
         const unsigned char* units() const { return reinterpret_cast<const unsigned char*>(this + 1); }
     };
 
-    void reserve(std::uint32_t size);
-    // Moves the bytes into a block of `capacity`, or makes an empty one.
-    void moveTo(std::uint32_t capacity);
-    void release();
-    void widen();
+    // One word holds either a string or the address of the bytes with its lowest bit set: a
+    // string's word is the address of its node, and nodes and blocks both start at even
+    // addresses.
+    static_assert(sizeof(_eString) == sizeof(std::uintptr_t));
+    std::uintptr_t word() const {
+        std::uintptr_t held;
+        std::memcpy(&held, storage, sizeof held);
+        return held;
+    }
+    Bytes* bytes() const {
+        std::uintptr_t held = word();
+        return (held & 1) != 0 ? reinterpret_cast<Bytes*>(held - 1) : nullptr;
+    }
+    _eString& wide() { return *std::launder(reinterpret_cast<_eString*>(storage)); }
+    const _eString& wide() const { return *std::launder(reinterpret_cast<const _eString*>(storage)); }
+    // Holds `held` from now on, in place of the string or of the bytes before.
+    void holdBytes(Bytes* held);
+    // Holds `text` from now on, in place of the string or of the bytes before.
+    void holdString(const _eString& text);
 
-    Bytes* bytes = nullptr;  // the text while every unit fits a byte; null once widened or replaced
-    _eString wide;           // the text otherwise
+    // Room for `size` bytes, the bytes kept.
+    void reserve(std::uint32_t size);
+    // A block of `capacity` with the bytes held, if any, moved in.
+    Bytes* movedTo(std::uint32_t capacity) const;
+    static void release(Bytes* held);
+
+    alignas(_eString) unsigned char storage[sizeof(_eString)];
 };
