@@ -58,8 +58,6 @@ inline std::int32_t outputUnitBytes(std::uint32_t unit) {
 }
 // Appends a unit of written text as `putOutputUnit` puts it.
 inline void appendOutputUnit(std::string& out, std::uint32_t unit) {
-    if (unit < 256)
-        out.push_back(char(unit));
-    else
-        appendUtf8(out, unit);
+    char bytes[4];
+    out.append(bytes, putOutputUnit(bytes, unit));
 }

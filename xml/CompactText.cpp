@@ -12,9 +12,9 @@ constexpr std::int32_t stretch = 512;
 }  // namespace
 
 CompactText::CompactText(const CompactText& other) {
-    if (const Bytes* held = other.bytes()) {
+    if (other.bytes() != nullptr) {
         new (storage) _eString();
-        holdBytes(other.movedTo(std::max<std::uint32_t>(held->size, 1)));
+        holdBytes(other.movedTo(other.bytes()->size));
     } else {
         new (storage) _eString(other.wide());
     }
@@ -83,7 +83,8 @@ void CompactText::append(const wchar_t* units, std::int32_t count) {
     }
     // Copies first and checks after: a unit above a byte is rare, and then the whole text
     // goes over to the string, this run from its own units.
-    reserve(bytes() == nullptr ? std::uint32_t(count) : bytes()->size + std::uint32_t(count));
+    const Bytes* before = bytes();
+    reserve((before != nullptr ? before->size : 0) + std::uint32_t(count));
     Bytes* held = bytes();
     unsigned char* out = held->units() + held->size;
     wchar_t all = 0;

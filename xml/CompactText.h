@@ -23,6 +23,19 @@ public:
     void replace(const _eString& text);
     // Gives back the room gathered beyond the units.
     void fit();
+    // Once the text is whole: a text of up to `longest` units is held as the string `make`
+    // gives for its units; the room gathered beyond a longer one is given back.
+    template <std::int32_t longest, class Make>
+    void settle(Make make) {
+        std::int32_t count = size();
+        if (count == 0 || count > longest) {
+            fit();
+            return;
+        }
+        wchar_t units[longest];
+        copyTo(units);
+        holdString(make(std::wstring_view(units, std::size_t(count))));
+    }
 
     std::int32_t size() const {
         const Bytes* held = bytes();

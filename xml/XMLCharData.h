@@ -32,14 +32,7 @@ public:
     // hold, when it is short, and gives back the room gathered beyond a longer one.
     void shareText() {
         _eFreeze freeze(this);
-        std::int32_t size = text.size();
-        if (size == 0 || size > XMLNames::longest) {
-            text.fit();
-            return;
-        }
-        wchar_t units[XMLNames::longest];
-        text.copyTo(units);
-        text.replace(XMLNames::sharedText(std::wstring_view(units, std::size_t(size))));
+        text.settle<XMLNames::longest>(XMLNames::sharedText);
     }
 
     _eString getText() const { return text.text(); }

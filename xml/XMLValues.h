@@ -107,16 +107,10 @@ protected:
     // `share` holds; gives back the room gathered beyond longer ones.
     void settleCharacters(bool share) {
         _eFreeze freeze(this);
-        constexpr int longestShared = 32;
-        int size = characters.size();
-        if (size == 0 || size > XMLNames::longest) {
-            characters.fit();
-            return;
-        }
-        wchar_t units[XMLNames::longest];
-        characters.copyTo(units);
-        std::wstring_view text(units, std::size_t(size));
-        characters.replace(share && size <= longestShared ? XMLNames::sharedValue(text) : _eString(text));
+        constexpr std::size_t longestShared = 32;
+        characters.settle<XMLNames::longest>([share](std::wstring_view text) {
+            return share && text.size() <= longestShared ? XMLNames::sharedValue(text) : _eString(text);
+        });
     }
 
 private:
