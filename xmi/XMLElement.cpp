@@ -67,12 +67,13 @@ const TypeRecord unresolvedType = TypeRecord::unresolvedReference();
 
 }  // namespace
 
-TypeRecord XMLElement::readType(const _eString& elementName, const _eHndl<Context>& context) const {
+TypeRecord XMLElement::readType(std::wstring_view elementName, const _eHndl<Context>& context) const {
     if (hasAttribute(L"type")) return typeOfAttribute(attributeText(L"type", context), context);
-    ElementSeq children = content->childrenNamed(elementName);
-    if (children.isEmpty()) return {};
-    if (children.size() != 1) return unresolvedType;
-    return children.get(0)->referencedType(context);
+    const XMLElement* child = nullptr;
+    int count = content->countNamed(elementName, child);
+    if (count == 0) return {};
+    if (count != 1) return unresolvedType;
+    return child->referencedType(context);
 }
 
 // Where features name their types (straight under their class), a text that no element bears as
@@ -102,7 +103,7 @@ TypeRecord XMLElement::typeOfTarget(const XMLElement& target, const _eHndl<Conte
 }
 
 // In every form, "multiplicity" as an XML attribute: "0..*", "1..n", "1", or "*" for 0..*.
-MultiplicityRecord XMLElement::readMultiplicity(const _eString& multiplicityElement,
+MultiplicityRecord XMLElement::readMultiplicity(std::wstring_view multiplicityElement,
                                                 const _eHndl<Context>& context) const {
     if (std::optional<_eString> written = olderAttribute(L"multiplicity", context)) {
         _eString text = trimSpaces(*written);

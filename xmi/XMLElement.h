@@ -47,7 +47,7 @@ public:
     // The name from the attribute "name", else from the one "UML:ModelElement.name" child.
     NameRecord readName() const;
     // The type of the feature, given by the attribute "type" or the one child `elementName`.
-    TypeRecord readType(const _eString& elementName, const _eHndl<Context>& context) const;
+    TypeRecord readType(std::wstring_view elementName, const _eHndl<Context>& context) const;
     // What the id in an XML attribute leads to (or, for features that name their types, the
     // type of that name).
     static TypeRecord typeOfAttribute(const _eString& text, const _eHndl<Context>& context);
@@ -55,7 +55,7 @@ public:
     TypeRecord referencedType(const _eHndl<Context>& context) const;
     // The one range at `multiplicityElement`, "UML:Multiplicity", "UML:Multiplicity.range",
     // "UML:MultiplicityRange", if there is exactly one.
-    MultiplicityRecord readMultiplicity(const _eString& multiplicityElement, const _eHndl<Context>& context) const;
+    MultiplicityRecord readMultiplicity(std::wstring_view multiplicityElement, const _eHndl<Context>& context) const;
     _eString visibility(const _eHndl<Context>& context) const;
     _eString parameterKind(const _eHndl<Context>& context) const;
     // The pairs of a class: "isLeaf" and "isAbstract".

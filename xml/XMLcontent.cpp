@@ -138,14 +138,6 @@ _eString XMLcontent::text() const {
     return trimSpaces(all);
 }
 
-ElementSeq XMLcontent::elementsAtPath(const _eSeq<_eString>& path) const {
-    ElementSeq children = childrenNamed(path.get(0));
-    if (path.size() == 1 || children.isEmpty()) return children;
-    ElementSeq out;
-    for (int i = 0, n = children.size(); i < n; ++i) out.appendAll(children.get(i)->getContent()->elementsAtPath(path.drop(1)));
-    return out;
-}
-
 ElementSeq XMLcontent::elementsAtPath(std::initializer_list<std::wstring_view> path) const {
     return elementsAlong(*this, path.begin(), path.end());
 }

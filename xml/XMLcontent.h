@@ -46,7 +46,6 @@ public:
     // The character data, spaces trimmed at both ends.
     _eString text() const;
     // Every element at the path, all matches at every level, in document order.
-    ElementSeq elementsAtPath(const _eSeq<_eString>& path) const;
     ElementSeq elementsAtPath(std::initializer_list<std::wstring_view> path) const;
     ElementSeq childrenInSet(const Names& names) const;
     ElementSeq childrenNamed(const TextView& name) const;

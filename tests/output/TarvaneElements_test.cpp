@@ -98,4 +98,15 @@ TEST(ReservedWords, ExactWordsGetOneUnderscore) {
     EXPECT_EQ(toWString(escapeReservedWord(L"balance")), L"balance");
     for (const wchar_t* w : {L"abstract", L"within", L"fi", L"those", L"nonmember", L"storable"})
         EXPECT_TRUE(reservedWords().contains(w)) << w;
+    // Every word of the set is escaped, however the name's text was put together; a word with
+    // more behind it or a unit changed is not.
+    const _eSeq<_eString>& words = reservedWords().elements();
+    for (int i = 0; i < words.size(); ++i) {
+        const _eString& word = words.get(i);
+        EXPECT_EQ(toWString(escapeReservedWord(word)), toWString(word) + L"_");
+        EXPECT_EQ(toWString(escapeReservedWord(word.take(1) + word.drop(1))), toWString(word) + L"_");
+        EXPECT_EQ(toWString(escapeReservedWord(word + L"s")), toWString(word) + L"s");
+        _eString capital = _eString(std::wstring(1, wchar_t(word.get(0) - L'a' + L'A')).c_str()) + word.drop(1);
+        EXPECT_EQ(toWString(escapeReservedWord(capital)), toWString(capital));
+    }
 }
