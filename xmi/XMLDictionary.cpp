@@ -84,66 +84,73 @@ Generalizations XMLDictionary::generalizationsOf(const _eString& classId, const 
                                          [&](const FCGeneralizationElement& g) { return Names(g.childId(context)); });
 }
 
-void DictionaryFold::add(_eString id, const XMLElement& element) {
-    if (entries.count(id) != 0) {
-        duplicates.insert(id);
-        pending.push_back(std::move(id));
-    } else {
-        if (duplicates.count(id) != 0) pending.push_back(id);
-        entries.emplace(std::move(id), &element);
+void DictionaryGathering::enter() { open.emplace_back(); }
+
+void DictionaryGathering::leaveCounting(const _eString* id, const XMLElement& element) {
+    if (id != nullptr) {
+        auto [at, entered] = ids.try_emplace(*id, Slot{&element, false});
+        if (!entered) at->second = {nullptr, true};
     }
-    // Both classes are final: the class of the element tells, without a search of its bases.
-    const std::type_info& type = typeid(element);
-    if (type == typeid(FCAssociationElement))
-        associations.add(const_cast<FCAssociationElement*>(static_cast<const FCAssociationElement*>(&element)));
-    else if (type == typeid(FCGeneralizationElement))
-        generalizations.add(const_cast<FCGeneralizationElement*>(static_cast<const FCGeneralizationElement*>(&element)));
+    leave(element, id != nullptr);
 }
 
-void DictionaryFold::merge(DictionaryFold&& next) {
-    Associations associated = associations;
-    associated.addAll(next.associations);
-    Generalizations generalized = generalizations;
-    generalized.addAll(next.generalizations);
-    if (entries.size() + duplicates.size() < next.entries.size() + next.duplicates.size()) std::swap(*this, next);
-    DictionaryFold& large = *this;
-    DictionaryFold& small = next;
-    large.settle();
-    for (const _eString& id : small.duplicates) {
-        large.entries.erase(id);
-        large.duplicates.insert(id);
+void DictionaryGathering::leaveAdding(const _eString* id, const XMLElement& element) {
+    if (id != nullptr) {
+        auto [at, entered] = ids.try_emplace(*id, Slot{&element, false});
+        // Entered below: marked, and the entry stays. Dropped below: entered again.
+        if (!entered && at->second.element != nullptr)
+            at->second.duplicate = true;
+        else if (!entered)
+            at->second.element = &element;
     }
-    for (auto& [id, element] : small.entries) {
-        if (large.duplicates.count(id) != 0) continue;
-        auto [at, entered] = large.entries.emplace(id, element);
-        if (!entered) {
-            large.entries.erase(at);
-            large.duplicates.insert(id);
+    leave(element, id != nullptr);
+}
+
+void DictionaryGathering::leave(const XMLElement& element, bool related) {
+    std::optional<Relations> own = std::move(open.back());
+    open.pop_back();
+    if (related) {
+        // Both classes are final: the class of the element tells, without a search of its bases.
+        const std::type_info& type = typeid(element);
+        if (type == typeid(FCAssociationElement)) {
+            if (!own) own.emplace();
+            own->associations.add(const_cast<FCAssociationElement*>(static_cast<const FCAssociationElement*>(&element)));
+        } else if (type == typeid(FCGeneralizationElement)) {
+            if (!own) own.emplace();
+            own->generalizations.add(
+                const_cast<FCGeneralizationElement*>(static_cast<const FCGeneralizationElement*>(&element)));
         }
     }
-    associations = std::move(associated);
-    generalizations = std::move(generalized);
+    if (!own) return;
+    if (open.empty()) {
+        all = std::move(*own);
+        return;
+    }
+    std::optional<Relations>& into = open.back();
+    if (!into) {
+        into = std::move(own);
+        return;
+    }
+    into->associations.addAll(own->associations);
+    into->generalizations.addAll(own->generalizations);
 }
 
-void DictionaryFold::settle() {
-    for (const _eString& id : pending) entries.erase(id);
-    pending.clear();
-}
-
-_eHndl<XMLDictionary> DictionaryFold::dictionary() const {
+_eHndl<XMLDictionary> DictionaryGathering::dictionary() const {
     auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
     // The entries in the order of their ids, sorted as pointers to them: moving an entry whole
     // would move its handles.
-    std::vector<const std::pair<const _eString, const XMLElement*>*> keyed;
-    keyed.reserve(entries.size());
-    for (const auto& entry : entries) keyed.push_back(&entry);
+    std::vector<const std::pair<const _eString, Slot>*> keyed;
+    std::vector<_eString> marked;
+    for (const auto& entry : ids) {
+        if (entry.second.element != nullptr) keyed.push_back(&entry);
+        if (entry.second.duplicate) marked.push_back(entry.first);
+    }
     std::sort(keyed.begin(), keyed.end(), [&](const auto* a, const auto* b) { return byRank(a->first, b->first); });
     std::vector<ClassMap::Entry> ordered;
     ordered.reserve(keyed.size());
-    for (const auto* entry : keyed) ordered.push_back({entry->first, const_cast<XMLElement*>(entry->second)});
-    std::vector<_eString> marked(duplicates.begin(), duplicates.end());
+    for (const auto* entry : keyed) ordered.push_back({entry->first, const_cast<XMLElement*>(entry->second.element)});
     std::sort(marked.begin(), marked.end(), byRank);
     return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
-                             Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())), associations,
-                             generalizations);
+                             Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())),
+                             all.associations, all.generalizations);
 }

@@ -2,10 +2,9 @@
 // generalizations. A value: every operation gives a new dictionary.
 #pragma once
 
+#include <optional>
 #include <string>
-#include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "runtime/StringUtils.h"
@@ -146,26 +145,39 @@ private:
     mutable EntryIndex entryIndex;
 };
 
-// The dictionary of one subtree while it is folded, in tables that change in place: what
-// `add` and `merge` above do to values, done without a new map per element. A merge marks the
-// ids that both sides define, keeps the marks of either side, and drops every marked id from the
-// entries; an element's own id already entered below it is marked but stays entered until the
-// next merge.
-class DictionaryFold {
+// The ids of a tree gathered in one pass, in the order its elements are left (children before
+// their parent), to the same dictionary that folding the children's dictionaries with `merge`
+// and then `add`ing each element's own id gives. An id found twice is dropped for good. Only
+// one thing of the fold is not a count: when an element's own id is already entered below it,
+// the id is marked but stays entered until the next merge, and the fold merges again above an
+// element unless it is its parent's only child. So the root and the line of only children below
+// it (`addOwn`, deepest first, after everything else) add as the fold does; every other element
+// only counts (`count`).
+class DictionaryGathering {
 public:
-    void add(_eString id, const XMLElement& element);
-    // This (the children folded so far) merged with the next child's: the smaller table goes
-    // into the larger, and the result is left here.
-    void merge(DictionaryFold&& next);
-    // What a merge with an empty fold does: the ids marked since the last merge leave the entries.
-    void settle();
+    // Entering an element, and leaving it with its own id, if any, counted or added.
+    void enter();
+    void leaveCounting(const _eString* id, const XMLElement& element);
+    void leaveAdding(const _eString* id, const XMLElement& element);
     // As a dictionary, its entries and marks in the order of their ids.
     _eHndl<XMLDictionary> dictionary() const;
 
 private:
-    std::unordered_map<_eString, const XMLElement*, StringHash> entries;
-    std::unordered_set<_eString, StringHash> duplicates;
-    std::vector<_eString> pending;  // marked while entered, since the last merge
-    Associations associations;
-    Generalizations generalizations;
+    struct Slot {
+        const XMLElement* element;  // null once dropped
+        bool duplicate;
+    };
+    // The associations and generalizations of an element's subtree. They are joined as the fold
+    // joins them, each child's into those of the children before it: the order of a set's
+    // elements of equal rank follows the order of its unions.
+    struct Relations {
+        Associations associations;
+        Generalizations generalizations;
+    };
+    void leave(const XMLElement& element, bool related);
+
+    std::unordered_map<_eString, Slot, StringHash> ids;
+    // Of the elements entered and not yet left; none yet for most.
+    std::vector<std::optional<Relations>> open;
+    Relations all;  // of the element left last
 };

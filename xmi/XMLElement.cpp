@@ -123,48 +123,37 @@ MultiplicityRecord XMLElement::readMultiplicity(std::wstring_view multiplicityEl
 
 bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedElement*>(this) == nullptr; }
 
-// The dictionary of the subtree, folded bottom-up with a stack of its own rather than by
-// recursion: each element's children left to right, then its own id.
+// The dictionary of the subtree, gathered with a stack of its own rather than by recursion.
 _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool extensions) const {
-    // The children done so far, per element entered: none yet, or their fold, where an empty
-    // fold is made only once something is added to it or merged into it. Most elements have
-    // no id and nothing below with one.
-    struct Slot {
-        bool done = false;  // a child is done
-        std::optional<DictionaryFold> fold;
+    auto childrenOf = [&](const XMLElement& element) {
+        if (!extensions && textIs(element.name, L"XMI.extension")) return WalkChildren();
+        return WalkChildren(*element.content);
     };
-    std::vector<Slot> folded;
-    _eHndl<XMLDictionary> result;
-    walkTree(
-        *this,
-        [&](const XMLElement& element) {
-            folded.emplace_back();
-            if (!extensions && textIs(element.name, L"XMI.extension")) return WalkChildren();
-            return WalkChildren(*element.content);
-        },
-        [&](const XMLElement& element) {
-            std::optional<DictionaryFold> done = std::move(folded.back().fold);
-            folded.pop_back();
-            if (const XMLAttributeValue* id = element.attributeValue(idAttribute)) {
-                if (!done) done.emplace();
-                done->add(id->text(Context::shared()), element);
-            }
-            if (folded.empty()) {
-                result = done ? done->dictionary() : DictionaryFold().dictionary();
-                return;
-            }
-            Slot& parent = folded.back();
-            if (!parent.done) {
-                parent.done = true;
-                parent.fold = std::move(done);
-            } else if (!done) {
-                if (parent.fold) parent.fold->settle();
-            } else {
-                if (!parent.fold) parent.fold.emplace();
-                parent.fold->merge(std::move(*done));
-            }
-        });
-    return result;
+    // This element and the line of only children below it: they are left last, deepest first.
+    std::vector<const XMLElement*> line{this};
+    for (;;) {
+        WalkChildren children = childrenOf(*line.back());
+        const XMLElement* only = children.next();
+        if (only == nullptr || children.next() != nullptr) break;
+        line.push_back(only);
+    }
+    DictionaryGathering gathered;
+    auto enter = [&](const XMLElement& element) {
+        gathered.enter();
+        return childrenOf(element);
+    };
+    walkTree(*this, enter, [&](const XMLElement& element) {
+        const XMLAttributeValue* value = element.attributeValue(idAttribute);
+        std::optional<_eString> id;
+        if (value != nullptr) id = value->text(Context::shared());
+        if (&element != line.back()) {
+            gathered.leaveCounting(id ? &*id : nullptr, element);
+            return;
+        }
+        if (line.size() > 1) line.pop_back();
+        gathered.leaveAdding(id ? &*id : nullptr, element);
+    });
+    return gathered.dictionary();
 }
 
 const XMLAttributeValue* XMLElement::attributeValue(const TextView& attribute) const {
