@@ -1,7 +1,11 @@
 #include "xmi/XMLDictionary.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 #include <typeinfo>
+#include <utility>
+#include <vector>
 
 const _eHndl<XMLDictionary>& XMLDictionary::empty() {
     static const _eHndl<XMLDictionary> none(new XMLDictionary());
@@ -135,21 +139,36 @@ void DictionaryGathering::leave(const XMLElement& element, bool related) {
     into->generalizations.addAll(own->generalizations);
 }
 
+namespace {
+
+// The ids in the order of their units, each compared where it lies (an id is mostly one leaf
+// of its string) rather than through its tree at every step of the sort.
+template <class Item, class IdOf>
+void sortById(std::vector<Item>& items, IdOf idOf) {
+    std::vector<std::wstring> copies(items.size());  // of ids of more than one leaf
+    std::vector<std::pair<std::wstring_view, std::size_t>> keyed;
+    keyed.reserve(items.size());
+    for (std::size_t i = 0; i < items.size(); ++i) keyed.push_back({unitsOf(idOf(items[i]), copies[i]), i});
+    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
+        return rankUnits(a.first.data(), int(a.first.size()), b.first.data(), int(b.first.size())) == rankBelow;
+    });
+    std::vector<Item> sorted;
+    sorted.reserve(items.size());
+    for (const auto& [units, at] : keyed) sorted.push_back(std::move(items[at]));
+    items = std::move(sorted);
+}
+
+}  // namespace
+
 _eHndl<XMLDictionary> DictionaryGathering::dictionary() const {
-    auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
-    // The entries in the order of their ids, sorted as pointers to them: moving an entry whole
-    // would move its handles.
-    std::vector<const std::pair<const _eString, Slot>*> keyed;
-    std::vector<_eString> marked;
-    for (const auto& entry : ids) {
-        if (entry.second.element != nullptr) keyed.push_back(&entry);
-        if (entry.second.duplicate) marked.push_back(entry.first);
-    }
-    std::sort(keyed.begin(), keyed.end(), [&](const auto* a, const auto* b) { return byRank(a->first, b->first); });
     std::vector<ClassMap::Entry> ordered;
-    ordered.reserve(keyed.size());
-    for (const auto* entry : keyed) ordered.push_back({entry->first, const_cast<XMLElement*>(entry->second.element)});
-    std::sort(marked.begin(), marked.end(), byRank);
+    std::vector<_eString> marked;
+    for (const auto& [id, slot] : ids) {
+        if (slot.element != nullptr) ordered.push_back({id, const_cast<XMLElement*>(slot.element)});
+        if (slot.duplicate) marked.push_back(id);
+    }
+    sortById(ordered, [](const ClassMap::Entry& entry) -> const _eString& { return entry.first; });
+    sortById(marked, [](const _eString& id) -> const _eString& { return id; });
     return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
                              Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())),
                              all.associations, all.generalizations);
