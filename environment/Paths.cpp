@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <string>
@@ -39,6 +40,13 @@ std::size_t existingPrefix(const std::string& text) {
         if (lstat(text.substr(0, end).c_str(), &status) == 0) return end;
     }
     return 0;
+}
+
+// `result` as a string: `path` itself when nothing in it changed and it is ASCII (`text` is its
+// bytes), for then its bytes made a string again give it back unit for unit.
+_eString unlessSame(const std::string& result, const std::string& text, const _eString& path) {
+    bool ascii = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return ascii && result == text ? path : fromPlatformText(result);
 }
 
 }  // namespace
@@ -92,13 +100,13 @@ _eString correctCase(const _eString& path) {
         missing = false;
         if (spelled.empty()) {
             result += text.substr(start - 1);
-            return fromPlatformText(result);
+            return unlessSame(result, text, path);
         }
         result += "/" + spelled;
         start = end + 1;
     }
     if (text.back() == '/') result += "/";
-    return fromPlatformText(result);
+    return unlessSame(result, text, path);
 }
 
 int lastComponentStart(const _eString& path) {

@@ -123,3 +123,22 @@ TEST_F(FileNames, TakeTheFileSystemsSpellingWhereItIsClear) {
     EXPECT_EQ(text(correctCase(base + L"/Models/Bank.XMI/")), full("/Models/Bank.XMI/"));
     EXPECT_EQ(text(correctCase(base + L"/models/bank.xmi/x")), full("/Models/Bank.XMI/x"));
 }
+
+// A full path is the path resolved, spelled as the file system spells it, and resolved again,
+// whatever units the name holds: ASCII, units that make sequences of their own (é, ÿ, a lone
+// byte's unit), units past 255, a surrogate, and past the last code point.
+TEST_F(FileNames, AFullPathIsResolvedSpelledAndResolvedAgain) {
+    mkdir((dir / "Models").c_str(), 0755);
+    dir.write("Models/Bank.XMI", "x");
+    _eString base = fromPlatformText(dir.path() + "/");
+    const std::wstring names[] = {L"models/bank.xmi", L"Models/New.tv", L"caf\u00e9.tv", L"models/\u00ff\u00c3\u00a9",
+                                  L"x\u0080y", L"\u0100\u20ac.tv", std::wstring(1, wchar_t(0xD800)) + L"s.tv",
+                                  std::wstring(1, wchar_t(0x110000)) + L"t.tv", L"./models/../models/bank.xmi"};
+    for (const std::wstring& name : names) {
+        _eString given(std::wstring_view{name});
+        _eString expected = resolvePath(correctCase(resolvePath(base + given)));
+        _eHndl<FilePath> actual = env->fullPath(base, given);
+        ASSERT_FALSE(actual.isNull()) << text(given);
+        EXPECT_EQ(text(actual->getDirectory() + actual->getFile()), text(expected)) << text(given);
+    }
+}
