@@ -104,7 +104,7 @@ mutations() {
 - setOf({L"!", L"(", L".", L"[", L"{"});
 + setOf({L"!", L".", L"[", L"{"});
 @ output/ReservedWords.cpp | reserved words: never escaped
-- return reservedWords().contains(name) ? name + L"_" : name;
+- return table.contains(name) ? name + L"_" : name;
 + return name;
 @ output/ReservedWords.cpp | reserved words: "result" isn't one
 - L"redefine", L"ref", L"repeated", L"require", L"result",
@@ -124,30 +124,30 @@ mutations() {
 @ xmi/XMLDictionary.cpp | dictionary merge: the other side's duplicates don't remove an entry
 - if (large.entries.containsKey(smallDuplicates.get(i))) gone.add(smallDuplicates.get(i));
 + if (false) gone.add(smallDuplicates.get(i));
-@ xmi/XMLDictionary.cpp | dictionary fold: an id on both sides isn't dropped
-- large.entries.erase(at);
-+ (void)at;
-@ xmi/XMLDictionary.cpp | dictionary fold: an id seen twice in one subtree stays
-- if (entries.count(id) != 0) {
-+ if (false) {
-@ xmi/XMLDictionary.cpp | dictionary fold: a dropped id entered again by an ancestor stays
-- if (duplicates.count(id) != 0) pending.push_back(id);
-+ if (false) pending.push_back(id);
-@ xmi/XMLDictionary.cpp | dictionary fold: the other side's duplicates are forgotten
-- for (const _eString& id : small.duplicates) {
-+ for (const _eString& id : std::vector<_eString>()) {
+@ xmi/XMLDictionary.cpp | dictionary: an id counted twice isn't dropped
+- if (!entered) at->second = {nullptr, true};
++ if (!entered) at->second.duplicate = true;
+@ xmi/XMLDictionary.cpp | dictionary: an id of the root's line entered below isn't marked
+- if (!entered && at->second.element != nullptr)
++ if (false)
+@ xmi/XMLDictionary.cpp | dictionary: a dropped id isn't entered again by the root's line
+- at->second.element = &element;
++ (void)element;
+@ xmi/XMLDictionary.cpp | dictionary: a child's relationships join those before it in the other order
+- into->associations.addAll(own->associations);
++ own->associations.addAll(into->associations), into->associations = own->associations;
 @ xml/XMLcontent.cpp | id path: two name elements read as one
 - if (int found = countNamed(first, child); found != 1) return missingOrDuplicate(first, found);
 + if (int found = countNamed(first, child); found == 0) return missingOrDuplicate(first, found);
 @ xml/XMLcontent.cpp | id path: a path stops one step early
-- if (path.size() == 1 || children.isEmpty()) return children;
-+ if (path.size() <= 2 || children.isEmpty()) return children;
+- if (children.isEmpty() || step + 1 == end) return children;
++ if (children.isEmpty() || step + 2 >= end) return children;
 @ xml/XMLcontent.cpp | id path: a reference by xmi.idref isn't followed
 - if (candidate->hasAttribute(L"xmi.idref")) return
 + if (false) return
 @ xmi/XMLElement.cpp | id path: a type among several type elements is read
-- if (children.size() != 1) return unresolvedType;
-+ if (children.size() != 1) return children.get(0)->referencedType(context);
+- if (count != 1) return unresolvedType;
++ if (count != 1) return child->referencedType(context);
 @ runtime/Btree_2.h | B-tree split: a full leaf spills the wrong element
 - overflow = new _eLeafNode(elements.data[n - 1]);
 + overflow = new _eLeafNode(elements.data[n - 2]);
@@ -256,6 +256,12 @@ mutations() {
 @ environment/PlatformText.h | a unit of three bytes is counted as two where a line's bytes are counted
 - return unit < 256 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 3 : 4;
 + return unit < 256 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 2 : 4;
+@ environment/Environment.cpp | a full path of other units than ASCII skips its second resolution
+- if (!(corrected == answer) || !isAscii(answer)) answer = resolvePath(corrected);
++ if (!(corrected == answer)) answer = resolvePath(corrected);
+@ xmi/XMLElement.cpp | every element of the dictionary only counts its id, the root's line too
+- if (&element != line.back()) {
++ if (true) {
 EOF
 }
 
