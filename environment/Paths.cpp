@@ -110,7 +110,13 @@ _eString correctCase(const _eString& path) {
 }
 
 int lastComponentStart(const _eString& path) {
-    for (int i = path.size(); i > 0; --i)
-        if (path.at(i - 1) == pathSeparator) return i;
-    return 0;
+    // Run by run from the front: a unit asked by its place is a walk down the string's tree.
+    int start = 0;
+    int at = 0;
+    forEachRun(path, [&](const wchar_t* units, int length) {
+        for (int k = 0; k < length; ++k)
+            if (units[k] == pathSeparator) start = at + k + 1;
+        at += length;
+    });
+    return start;
 }

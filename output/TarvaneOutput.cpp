@@ -11,8 +11,22 @@ namespace {
 
 // `number` in decimal, zeros in front up to `length` units. Texts are joined as standard strings
 // and made a string once: joining strings piece by piece makes a new one for every piece.
+// `number` in decimal, a minus in front when it is negative.
+std::wstring decimal(int number) {
+    wchar_t digits[12];  // a sign and ten digits hold every int
+    wchar_t* end = digits + 12;
+    wchar_t* at = end;
+    unsigned magnitude = number < 0 ? 0u - unsigned(number) : unsigned(number);
+    do {
+        *--at = wchar_t(L'0' + magnitude % 10);
+        magnitude /= 10;
+    } while (magnitude != 0);
+    if (number < 0) *--at = L'-';
+    return std::wstring(at, end);
+}
+
 std::wstring padded(int number, std::size_t length) {
-    std::wstring text = std::to_wstring(number);
+    std::wstring text = decimal(number);
     if (text.size() < length) text.insert(0, length - text.size(), L'0');
     return text;
 }
@@ -28,7 +42,7 @@ _eString TarvaneOutput::versionText(const _eSeq<int>& version) {
     int keep = 2;
     for (int i = 0; i < version.size(); ++i)
         if (version.at(i) != 0) keep = std::max(keep, i + 1);
-    std::wstring text = std::to_wstring(version.size() > 0 ? version.at(0) : 0);
+    std::wstring text = decimal(version.size() > 0 ? version.at(0) : 0);
     for (int i = 1; i < keep; ++i) text += L"." + padded(i < version.size() ? version.at(i) : 0, 2);
     return _eString(std::wstring_view(text));
 }
@@ -53,8 +67,8 @@ _eString TarvaneOutput::timeText(const Time& time) {
     int month = std::clamp(time.getMonth(), 1, 12);
     std::wstring text = padded(time.getHour(), 2) + L":" + padded(time.getMinute(), 2) + L":" +
                         padded(time.getSecond(), 2) + L" on " + weekdays[weekday] + L" " + months[month - 1] + L" " +
-                        std::to_wstring(time.getDate()) + toWString(ordinalSuffix(time.getDate())) + L" " +
-                        std::to_wstring(time.getYear()) + L" UTC";
+                        decimal(time.getDate()) + toWString(ordinalSuffix(time.getDate())) + L" " +
+                        decimal(time.getYear()) + L" UTC";
     return _eString(std::wstring_view(text));
 }
 

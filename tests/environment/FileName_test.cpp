@@ -133,12 +133,16 @@ TEST_F(FileNames, AFullPathIsResolvedSpelledAndResolvedAgain) {
     _eString base = fromPlatformText(dir.path() + "/");
     const std::wstring names[] = {L"models/bank.xmi", L"Models/New.tv", L"caf\u00e9.tv", L"models/\u00ff\u00c3\u00a9",
                                   L"x\u0080y", L"\u0100\u20ac.tv", std::wstring(1, wchar_t(0xD800)) + L"s.tv",
-                                  std::wstring(1, wchar_t(0x110000)) + L"t.tv", L"./models/../models/bank.xmi"};
+                                  std::wstring(1, wchar_t(0x110000)) + L"t.tv", L"./models/../models/bank.xmi",
+                                  std::wstring(300, L'd') + L"/" + std::wstring(200, L'f') + L".tv"};
     for (const std::wstring& name : names) {
         _eString given(std::wstring_view{name});
         _eString expected = resolvePath(correctCase(resolvePath(base + given)));
         _eHndl<FilePath> actual = env->fullPath(base, given);
         ASSERT_FALSE(actual.isNull()) << text(given);
         EXPECT_EQ(text(actual->getDirectory() + actual->getFile()), text(expected)) << text(given);
+        // The file is what follows the last separator.
+        std::wstring whole = text(expected);
+        EXPECT_EQ(text(actual->getFile()), whole.substr(whole.rfind(L'/') + 1)) << text(given);
     }
 }

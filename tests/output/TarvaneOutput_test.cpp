@@ -43,6 +43,15 @@ TEST(TarvaneOutputValue, VersionAndTimeTexts) {
     EXPECT_EQ(toWString(TarvaneOutput::timeText(Time(9, 5, 13, 3, 18, 11, 2026))),
               L"13:05:09 on Wednesday November 18th 2026 UTC");
     EXPECT_EQ(toWString(TarvaneOutput::timeText(Time(0, 0, 0, 0, 1, 1, 2012))), L"00:00:00 on Sunday January 1st 2012 UTC");
+    // Numbers of every size and sign come out as the standard library writes them.
+    for (int number : {-2147483647 - 1, -100, -5, 0, 7, 99, 10000, 2147483647}) {
+        std::wstring expected = std::to_wstring(number);
+        EXPECT_EQ(toWString(TarvaneOutput::versionText({number, 0, 0, 0})), expected + L".00");
+        EXPECT_EQ(toWString(TarvaneOutput::timeText(Time(number, 0, 0, 0, 1, 1, number))),
+                  L"00:00:" + std::wstring(number >= 0 && number < 10 ? L"0" : L"") + expected +
+                      L" on Sunday January 1st " + expected + L" UTC")
+            << number;
+    }
     std::wstring suffixes;
     for (int day : {1, 2, 3, 4, 11, 12, 13, 20, 21, 22, 23, 30, 31}) suffixes += toWString(TarvaneOutput::ordinalSuffix(day)) + L" ";
     EXPECT_EQ(suffixes, L"st nd rd th th th th th st nd rd th st ");
