@@ -179,7 +179,11 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         std::int32_t firstColumn = byteColumn;
         if (!comment) {
             _eString text = tokenText(current);
-            environment.writeText(file, lead + text, status);
+            // The lead and the token go out one after the other, with no string made of both.
+            FileError::_eEnum written;
+            environment.writeText(file, lead, status);
+            environment.writeText(file, text, written);
+            if (status == FileError::success) status = written;
             column += text.size();
             if (lines != nullptr) byteColumn = columnAfter(text, byteColumn);
         } else {
@@ -291,11 +295,20 @@ unsigned TarvaneElements::wordSets(const _eString& token) {
         return t;
     }();
     if (token.isEmpty() || token.size() > table.longest) return 0;
+    // A token is asked about four or five times in a row (before and after a separator, as a
+    // block's opener or closer): the last answer is kept with the token's text. Held here, the
+    // text's node can't be freed or changed, so the same node is the same text.
+    static _eString lastToken;
+    static unsigned lastBits = 0;
+    if (token.rootNode() == lastToken.rootNode()) return lastBits;
     std::wstring scratch;
     std::wstring_view units = unitsOf(token, scratch);
+    unsigned bits = 0;
     for (const Word& word : table.slots[Table::slotOf(units)])
-        if (word.text == units) return word.bits;
-    return 0;
+        if (word.text == units) bits = word.bits;
+    lastToken = token;
+    lastBits = bits;
+    return bits;
 }
 
 const _eSet<_eString>& TarvaneElements::blockOpeners() {
