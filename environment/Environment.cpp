@@ -29,14 +29,6 @@ FileError::_eEnum openFailure(int number) {
     }
 }
 
-bool isAscii(const _eString& text) {
-    bool ascii = true;
-    forEachRun(text, [&](const wchar_t* units, int length) {
-        for (int k = 0; ascii && k < length; ++k) ascii = std::uint32_t(units[k]) < 0x80;
-    });
-    return ascii;
-}
-
 }  // namespace
 
 _eHndl<Time> utcTime(std::time_t moment, bool& ok) {
@@ -161,10 +153,10 @@ _eHndl<FilePath> Environment::fullPath(const _eString& directory, const _eString
     bool absolute = !name.isEmpty() && name.first() == pathSeparator;
     _eString answer = resolvePath(absolute ? name : directory + name);
     if (answer.isEmpty()) return {};
-    // A path of ASCII resolved once stays as it is when resolved again; one with other units
-    // may not, for its bytes are made anew.
+    // Resolved again only when the spelling changed it: the spelling gives the path back
+    // unchanged only where its units are its bytes, and such a path resolves to itself.
     _eString corrected = correctCase(answer);
-    if (!(corrected == answer) || !isAscii(answer)) answer = resolvePath(corrected);
+    if (!(corrected == answer)) answer = resolvePath(corrected);
     if (answer.isEmpty()) return {};
     int cut = lastComponentStart(answer);
     return _eHndl<FilePath>(new FilePath(answer.take(cut), answer.drop(cut)));

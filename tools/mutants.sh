@@ -256,9 +256,9 @@ mutations() {
 @ environment/PlatformText.h | a unit of three bytes is counted as two where a line's bytes are counted
 - return unit < 256 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 3 : 4;
 + return unit < 256 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 2 : 4;
-@ environment/Environment.cpp | a full path of other units than ASCII skips its second resolution
-- if (!(corrected == answer) || !isAscii(answer)) answer = resolvePath(corrected);
-+ if (!(corrected == answer)) answer = resolvePath(corrected);
+@ environment/Paths.cpp | a path the spelling left unchanged is given back as it came, whatever its units
+- return ascii && result == text ? path : fromPlatformText(result);
++ return result == text ? path : fromPlatformText(result);
 @ xmi/XMLElement.cpp | every element of the dictionary only counts its id, the root's line too
 - if (&element != line.back()) {
 + if (true) {
@@ -359,5 +359,7 @@ try_one() {
 }
 each_mutation try_one
 
-echo "== $killed of $total mutants killed; ${#survivors[@]} survived${survivors:+ (${survivors[*]})}; $broken not applied or not built"
+listed=""
+if [ "${#survivors[@]}" -gt 0 ]; then listed=" (${survivors[*]})"; fi
+echo "== $killed of $total mutants killed; ${#survivors[@]} survived$listed; $broken not applied or not built"
 [ "$broken" -eq 0 ]
