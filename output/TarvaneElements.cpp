@@ -180,10 +180,10 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         if (!comment) {
             _eString text = tokenText(current);
             // The lead and the token go out one after the other, with no string made of both.
-            FileError::_eEnum written;
-            environment.writeText(file, lead, status);
-            environment.writeText(file, text, written);
-            if (status == FileError::success) status = written;
+            FileError::_eEnum written = FileError::success;
+            if (!lead.isEmpty()) environment.writeText(file, lead, written);
+            environment.writeText(file, text, status);
+            if (written != FileError::success) status = written;
             column += text.size();
             if (lines != nullptr) byteColumn = columnAfter(text, byteColumn);
         } else {
