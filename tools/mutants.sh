@@ -262,6 +262,9 @@ mutations() {
 @ xmi/XMLElement.cpp | every element of the dictionary only counts its id, the root's line too
 - if (&element != line.back()) {
 + if (true) {
+@ xml/XMLcontent.cpp | counting at a path keeps the first of the last subtree with matches
+- if (first == nullptr) first = below;
++ if (below != nullptr) first = below;
 EOF
 }
 

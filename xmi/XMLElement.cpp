@@ -113,10 +113,12 @@ MultiplicityRecord XMLElement::readMultiplicity(std::wstring_view multiplicityEl
         if (textIs(text, L"*")) return {true, _eString(L"0"), text};
         return {true, text, text};
     }
-    ElementSeq ranges = content->elementsAtPath(
-        {multiplicityElement, L"UML:Multiplicity", L"UML:Multiplicity.range", L"UML:MultiplicityRange"});
-    if (ranges.size() != 1) return {};
-    const XMLElement& range = *ranges.get(0);
+    const XMLElement* only = nullptr;
+    if (content->countAtPath({multiplicityElement, L"UML:Multiplicity", L"UML:Multiplicity.range",
+                              L"UML:MultiplicityRange"},
+                             only) != 1)
+        return {};
+    const XMLElement& range = *only;
     return {true, range.propertyText(L"lower", L"UML:MultiplicityRange.lower", context),
             range.propertyText(L"upper", L"UML:MultiplicityRange.upper", context)};
 }

@@ -406,10 +406,11 @@ AttributeRecord FCAttributeElement::read(const _eHndl<Context>& context) const {
     record.visibility = XmiWords::visibility(visibility(context));
     record.changeability = XmiWords::changeability(
         attributeOrSubElement(L"changeability", L"UML:StructuralFeature.changeability", context));
-    ElementSeq expressions = getContent()->elementsAtPath({L"UML:Attribute.initialValue", L"UML:Expression"});
-    if (expressions.size() == 1)
-        record.initialValue = expressions.get(0)->propertyText(L"body", L"UML:Expression.body", context);
-    else if (expressions.isEmpty())
+    const XMLElement* expression = nullptr;
+    int expressions = getContent()->countAtPath({L"UML:Attribute.initialValue", L"UML:Expression"}, expression);
+    if (expressions == 1)
+        record.initialValue = expression->propertyText(L"body", L"UML:Expression.body", context);
+    else if (expressions == 0)
         record.initialValue = olderInitialValue(*this, context);
     record.type = readType(L"UML:StructuralFeature.type", context);
     record.multiplicity = readMultiplicity(L"UML:StructuralFeature.multiplicity", context);

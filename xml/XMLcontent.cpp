@@ -41,6 +41,26 @@ ElementSeq elementsAlong(const XMLcontent& content, const std::wstring_view* ste
     return out;
 }
 
+// How many elements lie at the steps from `step` to `end` below `content`, counted until there
+// are `enough`; the first of them in document order in `first`, which starts null.
+int countAlong(const XMLcontent& content, const std::wstring_view* step, const std::wstring_view* end, int enough,
+               const XMLElement*& first) {
+    int count = 0;
+    const auto& items = content.getItems();
+    for (int i = 0, n = items.size(); i < n && count < enough; ++i) {
+        const XMLElement* element = items.get(i)->asElement();
+        if (element == nullptr || !textIs(element->getName(), *step)) continue;
+        if (step + 1 == end) {
+            if (count++ == 0) first = element;
+            continue;
+        }
+        const XMLElement* below = nullptr;
+        count += countAlong(*element->getContent(), step + 1, end, enough - count, below);
+        if (first == nullptr) first = below;
+    }
+    return count;
+}
+
 const Names& classifierNames() {
     static const Names names(_eString(L"UML:AssociationClass"), _eString(L"UML:Class"), _eString(L"UML:Classifier"),
                              _eString(L"UML:DataType"), _eString(L"UML:Data_Types.Enumeration"),
@@ -140,6 +160,11 @@ _eString XMLcontent::text() const {
 
 ElementSeq XMLcontent::elementsAtPath(std::initializer_list<std::wstring_view> path) const {
     return elementsAlong(*this, path.begin(), path.end());
+}
+
+int XMLcontent::countAtPath(std::initializer_list<std::wstring_view> path, const XMLElement*& first) const {
+    first = nullptr;
+    return countAlong(*this, path.begin(), path.end(), 2, first);
 }
 
 ElementSeq XMLcontent::childrenInSet(const Names& names) const {

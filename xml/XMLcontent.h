@@ -47,6 +47,9 @@ public:
     _eString text() const;
     // Every element at the path, all matches at every level, in document order.
     ElementSeq elementsAtPath(std::initializer_list<std::wstring_view> path) const;
+    // How many elements `elementsAtPath` gives, where 2 stands for two or more; the first of them
+    // in `first`.
+    int countAtPath(std::initializer_list<std::wstring_view> path, const XMLElement*& first) const;
     ElementSeq childrenInSet(const Names& names) const;
     ElementSeq childrenNamed(const TextView& name) const;
     // How many children have the name (or one of the names), the first of them in `first`

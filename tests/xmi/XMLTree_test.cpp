@@ -1,6 +1,9 @@
 // XMI text parsed into a tree, and the queries that elements ask of their content.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <random>
+
 #include "support/CorpusScan.h"
 #include "support/ParseRun.h"
 #include "xmi/ClassRenderer.h"
@@ -131,4 +134,41 @@ TEST(XMLTree, ValuesReferencesAndErrorsOfElements) {
     EXPECT_NE(dynamic_cast<const XMLEntityReference*>(items.get(1).get()), nullptr);
     EXPECT_EQ(w(dynamic_cast<const XMLCDSect*>(items.get(2).get())->getText()), L"a]]b");
     EXPECT_EQ(w(e->getContent()->text()), L"t");
+}
+
+// Counting the elements at a path agrees with gathering them: none, one (and which), or more,
+// whichever levels the matches spread over and whatever other elements and text lie between.
+TEST(XMLTree, CountingAtAPathAgreesWithGathering) {
+    std::mt19937 random(20261126);
+    std::function<void(int, std::string&)> element = [&](int depth, std::string& out) {
+        const char* name = random() % 2 == 0 ? "a" : "b";
+        out += std::string("<") + name + " n='" + std::to_string(out.size()) + "'>";
+        int children = depth >= 4 ? 0 : int(random() % 4);
+        for (int i = 0; i < children; ++i) {
+            if (random() % 3 == 0) out += " text ";
+            element(depth + 1, out);
+        }
+        out += std::string("</") + name + ">";
+    };
+    for (int round = 0; round < 200; ++round) {
+        std::string text = "<root>";
+        for (int i = 0, n = int(random() % 4); i < n; ++i) element(1, text);
+        text += "</root>";
+        _eFrom<XMLElement> root = rootOf(text);
+        const XMLcontent& content = *root->getContent();
+        auto check = [&](std::initializer_list<std::wstring_view> path) {
+            ElementSeq gathered = content.elementsAtPath(path);
+            const XMLElement* first = nullptr;
+            int counted = content.countAtPath(path, first);
+            ASSERT_EQ(counted, std::min(gathered.size(), 2)) << text;
+            EXPECT_EQ(first, gathered.isEmpty() ? nullptr : gathered.get(0).get()) << text;
+        };
+        check({L"a"});
+        check({L"b"});
+        check({L"a", L"a"});
+        check({L"a", L"b"});
+        check({L"b", L"a", L"b"});
+        check({L"a", L"a", L"a"});
+        check({L"a", L"b", L"a", L"b"});
+    }
 }
