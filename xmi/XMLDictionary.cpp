@@ -1,6 +1,8 @@
 #include "xmi/XMLDictionary.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -142,19 +144,33 @@ void DictionaryGathering::leave(const XMLElement& element, bool related) {
 namespace {
 
 // The ids in the order of their units, each compared where it lies (an id is mostly one leaf
-// of its string) rather than through its tree at every step of the sort.
+// of its string) rather than through its tree at every step of the sort. Only an id of more
+// than one leaf is copied.
 template <class Item, class IdOf>
 void sortById(std::vector<Item>& items, IdOf idOf) {
-    std::vector<std::wstring> copies(items.size());  // of ids of more than one leaf
-    std::vector<std::pair<std::wstring_view, std::size_t>> keyed;
+    struct Keyed {
+        const wchar_t* units;
+        std::uint32_t size;
+        std::uint32_t at;
+    };
+    std::deque<std::wstring> copies;
+    std::wstring scratch;
+    std::vector<Keyed> keyed;
     keyed.reserve(items.size());
-    for (std::size_t i = 0; i < items.size(); ++i) keyed.push_back({unitsOf(idOf(items[i]), copies[i]), i});
-    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
-        return rankUnits(a.first.data(), int(a.first.size()), b.first.data(), int(b.first.size())) == rankBelow;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        std::wstring_view units = unitsOf(idOf(items[i]), scratch);
+        if (!scratch.empty()) {
+            units = copies.emplace_back(std::move(scratch));
+            scratch.clear();
+        }
+        keyed.push_back({units.data(), std::uint32_t(units.size()), std::uint32_t(i)});
+    }
+    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
+        return rankUnits(a.units, int(a.size), b.units, int(b.size)) == rankBelow;
     });
     std::vector<Item> sorted;
     sorted.reserve(items.size());
-    for (const auto& [units, at] : keyed) sorted.push_back(std::move(items[at]));
+    for (const Keyed& each : keyed) sorted.push_back(std::move(items[each.at]));
     items = std::move(sorted);
 }
 

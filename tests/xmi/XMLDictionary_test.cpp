@@ -54,12 +54,12 @@ struct PlainDictionary {
 
 // Nested elements whose ids come from a small pool, so that siblings, cousins and ancestors
 // share ids in every combination.
-void randomElement(std::mt19937& random, int depth, std::string& out) {
+void randomElement(std::mt19937& random, int depth, std::string& out, const std::string& prefix) {
     out += "<e";
-    if (random() % 4 != 0) out += " xmi.id='i" + std::to_string(random() % 7) + "'";
+    if (random() % 4 != 0) out += " xmi.id='" + prefix + std::to_string(random() % 7) + "'";
     out += ">";
     int children = depth >= 4 ? 0 : int(random() % 4);
-    for (int i = 0; i < children; ++i) randomElement(random, depth + 1, out);
+    for (int i = 0; i < children; ++i) randomElement(random, depth + 1, out, prefix);
     out += "</e>";
 }
 
@@ -85,7 +85,8 @@ TEST(XMLDictionary, RandomTreesFollowTheRulesOfMerge) {
     std::mt19937 random(20261123);
     for (int round = 0; round < 300; ++round) {
         std::string text;
-        randomElement(random, 0, text);
+        // Later rounds give ids long enough to lie in several leaves of their strings.
+        randomElement(random, 0, text, round < 200 ? "i" : std::string(300, 'x'));
         ParseOutcome parsed = parseText(text);
         ASSERT_TRUE(parsed.accepted) << text;
         auto* document = dynamic_cast<XMLDocument*>(parsed.result.get());
@@ -98,6 +99,12 @@ TEST(XMLDictionary, RandomTreesFollowTheRulesOfMerge) {
                 ASSERT_FALSE(found.isNull()) << text;
                 EXPECT_EQ(found.get(), element) << text;
             }
+            // Entries and marks stand in the order of their ids.
+            const auto& entries = actual->getEntries().elements();
+            for (int i = 1; i < entries.size(); ++i)
+                EXPECT_EQ(rankStrings(entries.get(i - 1).first, entries.get(i).first), rankBelow) << text;
+            const auto& marks = actual->getDuplicateIds().elements();
+            for (int i = 1; i < marks.size(); ++i) EXPECT_EQ(rankStrings(marks.get(i - 1), marks.get(i)), rankBelow) << text;
             ASSERT_EQ(actual->getDuplicateIds().size(), int(expected.duplicates.size())) << text;
             for (const std::wstring& id : expected.duplicates)
                 EXPECT_TRUE(actual->getDuplicateIds().contains(_eString(std::wstring_view(id)))) << text;
