@@ -1,10 +1,7 @@
 #include "xmi/XMLDictionary.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <deque>
 #include <string>
-#include <string_view>
 #include <typeinfo>
 #include <utility>
 #include <vector>
@@ -141,50 +138,21 @@ void DictionaryGathering::leave(const XMLElement& element, bool related) {
     into->generalizations.addAll(own->generalizations);
 }
 
-namespace {
-
-// The ids in the order of their units, each compared where it lies (an id is mostly one leaf
-// of its string) rather than through its tree at every step of the sort. Only an id of more
-// than one leaf is copied.
-template <class Item, class IdOf>
-void sortById(std::vector<Item>& items, IdOf idOf) {
-    struct Keyed {
-        const wchar_t* units;
-        std::uint32_t size;
-        std::uint32_t at;
-    };
-    std::deque<std::wstring> copies;
-    std::wstring scratch;
-    std::vector<Keyed> keyed;
-    keyed.reserve(items.size());
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        std::wstring_view units = unitsOf(idOf(items[i]), scratch);
-        if (!scratch.empty()) {
-            units = copies.emplace_back(std::move(scratch));
-            scratch.clear();
-        }
-        keyed.push_back({units.data(), std::uint32_t(units.size()), std::uint32_t(i)});
-    }
-    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
-        return rankUnits(a.units, int(a.size), b.units, int(b.size)) == rankBelow;
-    });
-    std::vector<Item> sorted;
-    sorted.reserve(items.size());
-    for (const Keyed& each : keyed) sorted.push_back(std::move(items[each.at]));
-    items = std::move(sorted);
-}
-
-}  // namespace
-
 _eHndl<XMLDictionary> DictionaryGathering::dictionary() const {
-    std::vector<ClassMap::Entry> ordered;
+    auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
+    // The entries in the order of their ids, sorted as pointers to them: moving an entry whole
+    // would move its handles.
+    std::vector<const std::pair<const _eString, Slot>*> keyed;
     std::vector<_eString> marked;
-    for (const auto& [id, slot] : ids) {
-        if (slot.element != nullptr) ordered.push_back({id, const_cast<XMLElement*>(slot.element)});
-        if (slot.duplicate) marked.push_back(id);
+    for (const auto& entry : ids) {
+        if (entry.second.element != nullptr) keyed.push_back(&entry);
+        if (entry.second.duplicate) marked.push_back(entry.first);
     }
-    sortById(ordered, [](const ClassMap::Entry& entry) -> const _eString& { return entry.first; });
-    sortById(marked, [](const _eString& id) -> const _eString& { return id; });
+    std::sort(keyed.begin(), keyed.end(), [&](const auto* a, const auto* b) { return byRank(a->first, b->first); });
+    std::vector<ClassMap::Entry> ordered;
+    ordered.reserve(keyed.size());
+    for (const auto* entry : keyed) ordered.push_back({entry->first, const_cast<XMLElement*>(entry->second.element)});
+    std::sort(marked.begin(), marked.end(), byRank);
     return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
                              Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())),
                              all.associations, all.generalizations);
