@@ -9,8 +9,6 @@
 
 namespace {
 
-// `number` in decimal, zeros in front up to `length` units. Texts are joined as standard strings
-// and made a string once: joining strings piece by piece makes a new one for every piece.
 // `number` in decimal, a minus in front when it is negative.
 std::wstring decimal(int number) {
     wchar_t digits[12];  // a sign and ten digits hold every int
@@ -25,6 +23,8 @@ std::wstring decimal(int number) {
     return std::wstring(at, end);
 }
 
+// `number` in decimal, zeros in front up to `length` units. Texts are joined as standard strings
+// and made a string once: joining strings piece by piece makes a new one for every piece.
 std::wstring padded(int number, std::size_t length) {
     std::wstring text = decimal(number);
     if (text.size() < length) text.insert(0, length - text.size(), L'0');

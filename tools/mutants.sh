@@ -260,8 +260,8 @@ mutations() {
 - return ascii && result == text ? path : fromPlatformText(result);
 + return result == text ? path : fromPlatformText(result);
 @ xmi/XMLElement.cpp | every element of the dictionary only counts its id, the root's line too
-- if (&element != line.back()) {
-+ if (true) {
+- bool onLine = &element == line.back();
++ bool onLine = false;
 @ xml/XMLcontent.cpp | counting at a path keeps the first of the last subtree with matches
 - if (first == nullptr) first = below;
 + if (below != nullptr) first = below;

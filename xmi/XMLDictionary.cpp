@@ -89,27 +89,22 @@ Generalizations XMLDictionary::generalizationsOf(const _eString& classId, const 
 
 void DictionaryGathering::enter() { open.emplace_back(); }
 
-void DictionaryGathering::leaveCounting(const _eString* id, const XMLElement& element) {
+void DictionaryGathering::leave(const XMLElement& element, const _eString* id, bool adds) {
     if (id != nullptr) {
         auto [at, entered] = ids.try_emplace(*id, Slot{&element, false});
-        if (!entered) at->second = {nullptr, true};
-    }
-    leave(element, id != nullptr);
-}
-
-void DictionaryGathering::leaveAdding(const _eString* id, const XMLElement& element) {
-    if (id != nullptr) {
-        auto [at, entered] = ids.try_emplace(*id, Slot{&element, false});
-        // Entered below: marked, and the entry stays. Dropped below: entered again.
-        if (!entered && at->second.element != nullptr)
+        if (!adds) {
+            if (!entered) at->second = {nullptr, true};
+        } else if (!entered && at->second.element != nullptr) {
+            // Entered below: marked, and the entry stays. Dropped below: entered again.
             at->second.duplicate = true;
-        else if (!entered)
+        } else if (!entered) {
             at->second.element = &element;
+        }
     }
-    leave(element, id != nullptr);
+    relate(element, id != nullptr);
 }
 
-void DictionaryGathering::leave(const XMLElement& element, bool related) {
+void DictionaryGathering::relate(const XMLElement& element, bool related) {
     std::optional<Relations> own = std::move(open.back());
     open.pop_back();
     if (related) {

@@ -151,14 +151,13 @@ private:
 // one thing of the fold is not a count: when an element's own id is already entered below it,
 // the id is marked but stays entered until the next merge, and the fold merges again above an
 // element unless it is its parent's only child. So the root and the line of only children below
-// it (`addOwn`, deepest first, after everything else) add as the fold does; every other element
-// only counts (`count`).
+// it (left last, deepest first) add their ids as the fold does; every other element only counts.
 class DictionaryGathering {
 public:
-    // Entering an element, and leaving it with its own id, if any, counted or added.
+    // Entering an element, and leaving it with its own id, if any: added as the fold adds where
+    // `adds`, else counted.
     void enter();
-    void leaveCounting(const _eString* id, const XMLElement& element);
-    void leaveAdding(const _eString* id, const XMLElement& element);
+    void leave(const XMLElement& element, const _eString* id, bool adds);
     // As a dictionary, its entries and marks in the order of their ids.
     _eHndl<XMLDictionary> dictionary() const;
 
@@ -174,7 +173,9 @@ private:
         Associations associations;
         Generalizations generalizations;
     };
-    void leave(const XMLElement& element, bool related);
+    // Joins the relations of the element's subtree, the element's own among them where it has an
+    // id, into those of its parent.
+    void relate(const XMLElement& element, bool related);
 
     std::unordered_map<_eString, Slot, StringHash> ids;
     // Of the elements entered and not yet left; none yet for most.

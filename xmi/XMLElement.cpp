@@ -148,12 +148,9 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
         const XMLAttributeValue* value = element.attributeValue(idAttribute);
         std::optional<_eString> id;
         if (value != nullptr) id = value->text(Context::shared());
-        if (&element != line.back()) {
-            gathered.leaveCounting(id ? &*id : nullptr, element);
-            return;
-        }
-        if (line.size() > 1) line.pop_back();
-        gathered.leaveAdding(id ? &*id : nullptr, element);
+        bool onLine = &element == line.back();
+        if (onLine && line.size() > 1) line.pop_back();
+        gathered.leave(element, id ? &*id : nullptr, onLine);
     });
     return gathered.dictionary();
 }
