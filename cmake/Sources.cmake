@@ -42,6 +42,7 @@ set(MODELBRIDGE_SOURCES
   output/ReservedWords.cpp
   output/TarvaneElements.cpp
   output/TarvaneOutput.cpp
+  output/TextBatch.cpp
   xml/CompactText.cpp
   xml/XMLLex.cpp
   xml/TextEncodings.cpp

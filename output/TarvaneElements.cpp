@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "environment/PlatformText.h"
+#include "output/TextBatch.h"
 #include "runtime/StringUtils.h"
 
 namespace {
@@ -136,9 +137,10 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
     const bool byKind = options.getCommentsByKind();
     Leads leads(options.getIndentText());
     _eSeqReader<OutputToken> reader(tokens);
+    TextBatch batch(environment, file, status);
     if (lines != nullptr) lines->reserve(std::size_t(tokens.size()));
     for (int i = 0, n = tokens.size(); i < n && status == FileError::success; ++i) {
-        OutputToken token = reader.next();
+        const OutputToken& token = reader.next();
         const _eString& current = token.text;
         TokenKind kind = token.kind;
         if (textIs(current, L"\n")) {
@@ -179,18 +181,15 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         std::int32_t firstColumn = byteColumn;
         if (!comment) {
             _eString text = tokenText(current);
-            // The lead and the token go out one after the other, with no string made of both.
-            FileError::_eEnum written = FileError::success;
-            if (!lead.isEmpty()) environment.writeText(file, lead, written);
-            environment.writeText(file, text, status);
-            if (written != FileError::success) status = written;
+            batch.put(lead);
+            batch.put(text);
             column += text.size();
             if (lines != nullptr) byteColumn = columnAfter(text, byteColumn);
         } else {
             // A note continues under its own indentation; any other comment under blanks.
             bool note = kind == TokenKind::note;
             _eString indentation = note ? lead.drop(lead.size() - trailingIndentation(lead)) : _eString();
-            line += writeWrapped(environment, file, lead, current, column, options, status, note ? &indentation : nullptr);
+            line += writeWrapped(batch, lead, current, column, options, note ? &indentation : nullptr);
         }
         if (lines != nullptr) lines->push_back({firstLine, line, firstColumn});
         if (opensBlock(previous, current))
@@ -212,27 +211,27 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         previousComment = comment;
         first = false;
     }
-    if (status == FileError::success) environment.writeText(file, newLine, status);
+    batch.put(newLine);
+    batch.flush();
 }
 
-std::int32_t ElementBase::writeWrapped(const Environment& environment, const _eHndl<FileRef>& file,
-                                       const _eString& lead, const _eString& text, std::int32_t column,
-                                       const ImportOptions& options, FileError::_eEnum& status,
-                                       const _eString* indentation) const {
+std::int32_t ElementBase::writeWrapped(TextBatch& out, const _eString& lead, const _eString& text, std::int32_t column,
+                                       const ImportOptions& options, const _eString* indentation) const {
     _eString pieceLead = lead;
     _eString rest = text;
     const _eString& prefix = options.getCommentPrefix();
     std::int32_t breaks = 0;
     while (true) {
         if (column + rest.size() <= options.getLineWidth()) {
-            environment.writeText(file, pieceLead + rest, status);
+            out.put(pieceLead);
+            out.put(rest);
             return breaks;
         }
         std::int32_t room = options.getLineWidth() - column;
         // Every piece carries at least one character behind its prefix, so the comment shrinks.
         std::int32_t cut = std::max(breakPosition(rest, room, options), prefix.size() + 1);
-        environment.writeText(file, pieceLead + rest.take(cut), status);
-        if (status != FileError::success) return breaks;
+        out.put(pieceLead);
+        out.put(rest.take(cut));
         rest = prefix + rest.drop(cut);
         pieceLead = indentation != nullptr ? _eString(L"\n") + *indentation : newLineAndBlanks(column);
         ++breaks;

@@ -11,6 +11,8 @@
 #include "output/Declaration.h"
 #include "runtime/Set.h"
 
+class TextBatch;
+
 using Tokens = _eSeq<_eString>;
 
 // The lines, counted from 1, on which a laid-out token starts and ends (a long comment is
@@ -51,9 +53,8 @@ public:
     // Writes a comment, cut into pieces that line up under the first where it is too long; gives
     // the number of line breaks it put between the pieces. The pieces after the first start on
     // a line of `column` blanks, or, where `indentation` is given, of that text.
-    virtual std::int32_t writeWrapped(const Environment& environment, const _eHndl<FileRef>& file, const _eString& lead,
-                              const _eString& text, std::int32_t column, const ImportOptions& options,
-                              FileError::_eEnum& status, const _eString* indentation = nullptr) const;
+    virtual std::int32_t writeWrapped(TextBatch& out, const _eString& lead, const _eString& text, std::int32_t column,
+                                      const ImportOptions& options, const _eString* indentation = nullptr) const;
     // Where a comment that doesn't fit in `room` is cut: at its last blank before `room`, else at `room`.
     virtual std::int32_t breakPosition(const _eString& text, std::int32_t room, const ImportOptions& options) const;
 

@@ -153,6 +153,8 @@ public:
 
 private:
     explicit _eSeq(_eNodeHndl<T> node) : root(std::move(node)) {}
+    // Whether the first `n` elements of both are equal; both have at least `n`.
+    bool equalPrefix(const _eSeq& other, int n) const;
 
     static _eNodeHndl<T> build(int length, const T* from) {
         if (length < leafCapacity + 1) {
@@ -251,19 +253,18 @@ private:
 template <class T>
 bool _eSeq<T>::startsWith(const _eSeq& other) const {
     int n = other.size();
-    if (n > size()) return false;
-    _eSeqReader<T> mine(*this);
-    _eSeqReader<T> theirs(other);
-    for (int i = 0; i < n; ++i)
-        if (!(mine.next() == theirs.next())) return false;
-    return true;
+    return n <= size() && equalPrefix(other, n);
 }
 
 template <class T>
 bool _eSeq<T>::operator==(const _eSeq& other) const {
     if (root.get() == other.root.get()) return true;
     int n = size();
-    if (n != other.size()) return false;
+    return n == other.size() && equalPrefix(other, n);
+}
+
+template <class T>
+bool _eSeq<T>::equalPrefix(const _eSeq& other, int n) const {
     if (root->isLeaf() && other.root->isLeaf()) {
         const T* a = root->asLeaf()->data();
         const T* b = other.root->asLeaf()->data();
@@ -281,8 +282,15 @@ bool _eSeq<T>::operator==(const _eSeq& other) const {
 using _eString = _eSeq<wchar_t>;
 
 // Hands `take` the elements of `seq` in order, a leaf's run at a time: `take(elements, length)`.
+// `take` must leave `seq` as it is.
 template <class T, class Take>
 void forEachRun(const _eSeq<T>& seq, Take take) {
+    // Most strings are one leaf, read in place: the caller's sequence holds it meanwhile.
+    const _eBaseNode<T>* root = seq.rootNode();
+    if (root->isLeaf()) {
+        if (int length = root->count(); length > 0) take(root->asLeaf()->data(), length);
+        return;
+    }
     _eSeqReader<T> reader(seq);
     for (int left = seq.size(), length = 0; left > 0; left -= length) {
         const T* elements = reader.run(length);
@@ -339,10 +347,15 @@ inline _eRank rankStrings(const _eString& a, const _eString& b) {
 
 inline _eString operator+(const _eString& a, const _eString& b) { return a.concat(b); }
 
+// Appends the text of a string to a standard wide string.
+inline void appendUnits(std::wstring& out, const _eString& s) {
+    forEachRun(s, [&](const wchar_t* units, int length) { out.append(units, std::size_t(length)); });
+}
+
 // The text of a string as a standard wide string, for hosts and tests.
 inline std::wstring toWString(const _eString& s) {
     std::wstring out;
     out.reserve(std::size_t(s.size()));
-    forEachRun(s, [&](const wchar_t* units, int length) { out.append(units, std::size_t(length)); });
+    appendUnits(out, s);
     return out;
 }
