@@ -1,9 +1,12 @@
 #include "environment/DirectoryListings.h"
 
 #include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstring>
 #include <ctime>
 #include <map>
 #include <unordered_map>
@@ -29,10 +32,12 @@ struct Stamp {
     }
 };
 
+Stamp stampOf(const struct stat& status) { return {status.st_dev, status.st_ino, status.st_mtim, status.st_ctim}; }
+
 bool stampOf(const std::string& directory, Stamp& stamp) {
     struct stat status;
     if (stat(directory.c_str(), &status) != 0) return false;
-    stamp = {status.st_dev, status.st_ino, status.st_mtim, status.st_ctim};
+    stamp = stampOf(status);
     return true;
 }
 
@@ -74,9 +79,12 @@ bool settled(const Stamp& stamp) {
 }
 
 // The listing of `directory` as it is now, read again unless the kept one can be trusted.
-const Listing* currentListing(const std::string& directory) {
+const Listing* currentListing(const std::string& directory, const struct stat* status) {
     Stamp now;
-    if (!stampOf(directory, now)) return nullptr;
+    if (status != nullptr)
+        now = stampOf(*status);
+    else if (!stampOf(directory, now))
+        return nullptr;
     auto& kept = listings();
     auto found = kept.find(directory);
     if (found != kept.end() && found->second.stamp == now && found->second.trusted) return &found->second;
@@ -94,10 +102,19 @@ const Listing* currentListing(const std::string& directory) {
     return &(kept[directory] = std::move(listing));
 }
 
+// A descriptor of `path` made new for a mode that creates ("w..."), where nothing by that name
+// exists yet: one call both asks and creates. -1 otherwise, and for every other mode.
+int createdNew(const std::string& path, const char* mode) {
+    if (mode[0] != 'w') return -1;
+    int access = std::strchr(mode, '+') != nullptr ? O_RDWR : O_WRONLY;
+    return ::open(path.c_str(), access | O_CREAT | O_EXCL, 0666);
+}
+
 }  // namespace
 
-std::string DirectoryListings::uniqueMatch(const std::string& directory, const std::string& component) {
-    const Listing* listing = currentListing(directory.empty() ? "/" : directory);
+std::string DirectoryListings::uniqueMatch(const std::string& directory, const std::string& component,
+                                           const struct stat* status) {
+    const Listing* listing = currentListing(directory.empty() ? "/" : directory, status);
     if (listing == nullptr) return {};
     auto entry = listing->byFolded.find(folded(component));
     if (entry == listing->byFolded.end() || entry->second.count != 1) return {};
@@ -111,10 +128,18 @@ std::FILE* DirectoryListings::openCreating(const std::string& path, const char* 
     auto found = kept.find(directory);
     if (found == kept.end()) return std::fopen(path.c_str(), mode);
     Stamp before;
-    struct stat status;
     bool known = stampOf(directory, before) && before == found->second.stamp;
-    bool existed = lstat(path.c_str(), &status) == 0;
-    std::FILE* stream = std::fopen(path.c_str(), mode);
+    bool existed = false;
+    std::FILE* stream = nullptr;
+    if (int descriptor = createdNew(path, mode); descriptor >= 0) {
+        stream = fdopen(descriptor, mode);
+        // Created but not opened: the listing no longer knows the directory.
+        if (stream == nullptr) known = false, ::close(descriptor);
+    } else {
+        struct stat status;
+        existed = lstat(path.c_str(), &status) == 0;
+        stream = std::fopen(path.c_str(), mode);
+    }
     int error = errno;
     Stamp after;
     if (stream != nullptr && !existed && known && stampOf(directory, after)) {

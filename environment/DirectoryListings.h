@@ -15,14 +15,18 @@
 // clock tick as one of the library's own creations there.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <string>
 
 class DirectoryListings {
 public:
     // The one entry of `directory` that equals `component` ignoring ASCII case, or empty when
-    // there are none or several, or the directory can't be read.
-    static std::string uniqueMatch(const std::string& directory, const std::string& component);
+    // there are none or several, or the directory can't be read. `status`, when given, is the
+    // directory's status as the caller has just read it.
+    static std::string uniqueMatch(const std::string& directory, const std::string& component,
+                                   const struct stat* status = nullptr);
     // `std::fopen(path, mode)`, keeping the listing of the file's directory up to date.
     static std::FILE* openCreating(const std::string& path, const char* mode);
     // Forgets every listing.

@@ -33,9 +33,8 @@ std::string spelledEntry(const std::string& directory, const std::string& compon
 }
 
 // The length of the longest prefix of the absolute `text` that exists as given, ending at a
-// separator or at the end of `text`; 0 when no component exists.
-std::size_t existingPrefix(const std::string& text) {
-    struct stat status;
+// separator or at the end of `text`, and its status; 0 when no component exists.
+std::size_t existingPrefix(const std::string& text, struct stat& status) {
     for (std::size_t end = text.size(); end > 0; end = text.rfind('/', end - 1)) {
         if (lstat(text.substr(0, end).c_str(), &status) == 0) return end;
     }
@@ -87,8 +86,11 @@ _eString correctCase(const _eString& path) {
     if (text.size() < 2 || text[0] != '/') return path;
     // Where a prefix of the path exists as given, so does every component in it: those stay
     // without a look each, and the one after it is known not to exist as given.
-    std::size_t known = existingPrefix(text);
+    struct stat status;
+    std::size_t known = existingPrefix(text, status);
     if (known == text.size()) return path;
+    // What the prefix's look found holds for the folder that is read next, unless it is a link.
+    const struct stat* folder = known > 0 && S_ISDIR(status.st_mode) ? &status : nullptr;
     std::string result = text.substr(0, known);
     std::size_t start = known + 1;
     bool missing = true;
@@ -96,7 +98,8 @@ _eString correctCase(const _eString& path) {
         std::size_t end = text.find('/', start);
         if (end == std::string::npos) end = text.size();
         std::string component = text.substr(start, end - start);
-        std::string spelled = missing ? DirectoryListings::uniqueMatch(result, component) : spelledEntry(result, component);
+        std::string spelled =
+            missing ? DirectoryListings::uniqueMatch(result, component, folder) : spelledEntry(result, component);
         missing = false;
         if (spelled.empty()) {
             result += text.substr(start - 1);

@@ -79,19 +79,38 @@ TEST(DirectoryListings, FilesTheLibraryCreatesJoinTheListing) {
     TempDir dir;
     age(dir.path());
     EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "class1.tv"), "");
+    std::size_t reads = DirectoryListings::reads();
     for (const char* name : {"Class1.tv", "Class2.tv", "class2.TV"}) {
         std::FILE* file = DirectoryListings::openCreating(dir / name, "w");
         ASSERT_NE(file, nullptr);
+        std::fputs(name, file);
         std::fclose(file);
     }
     EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "CLASS1.TV"), "Class1.tv");
     EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "class2.tv"), "");
-    // Opening an existing file again, or failing to open one, leaves the entries as they are.
+    EXPECT_EQ(DirectoryListings::reads(), reads);
+    // Opening an existing file again empties it; failing to open one, or opening one only to
+    // read, leaves the entries as they are.
     std::FILE* again = DirectoryListings::openCreating(dir / "Class1.tv", "w");
     ASSERT_NE(again, nullptr);
     std::fclose(again);
+    EXPECT_EQ(dir.read("Class1.tv"), "");
+    EXPECT_EQ(dir.read("Class2.tv"), "Class2.tv");
     EXPECT_EQ(DirectoryListings::openCreating(dir / "no/such.tv", "w"), nullptr);
+    EXPECT_EQ(DirectoryListings::openCreating(dir / "Missing.tv", "r"), nullptr);
+    EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "missing.tv"), "");
     EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "class1.TV"), "Class1.tv");
+    EXPECT_EQ(DirectoryListings::reads(), reads);
+    // A file made to write and read back.
+    std::FILE* both = DirectoryListings::openCreating(dir / "Both.tv", "w+");
+    ASSERT_NE(both, nullptr);
+    std::fputs("both", both);
+    std::rewind(both);
+    char back[8] = {};
+    EXPECT_NE(std::fgets(back, sizeof back, both), nullptr);
+    std::fclose(both);
+    EXPECT_STREQ(back, "both");
+    EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "BOTH.TV"), "Both.tv");
     // A file created behind the library's back is seen too.
     touch(dir / "CLASS3.tv");
     EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "class3.tv"), "CLASS3.tv");
