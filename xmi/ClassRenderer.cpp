@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <initializer_list>
 #include <iterator>
+#include <string>
+#include <string_view>
 #include <type_traits>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -17,11 +20,21 @@ namespace {
 // One token of a run: a fixed word of the language, of the kind its text looks like (a keyword
 // or punctuation), or a text with the kind the renderer gives it.
 struct Piece {
-    Piece(const wchar_t* word) : text(word), kind(ElementBase::kindOf(text)) {}
+    Piece(const wchar_t* word) : Piece(fixedWord(word)) {}
     Piece(const _eString& word) : text(word), kind(ElementBase::kindOf(text)) {}
     Piece(const _eString& text, TokenKind kind) : text(text), kind(kind) {}
     _eString text;
     TokenKind kind;
+
+private:
+    // The fixed words recur in every declaration: each is made a string, and its kind found, once.
+    static const Piece& fixedWord(const wchar_t* word) {
+        static std::unordered_map<std::wstring, Piece, UnitsHash, std::equal_to<>> made;
+        std::wstring_view units(word);
+        auto found = made.find(units);
+        if (found == made.end()) found = made.emplace(std::wstring(units), Piece(_eString(units))).first;
+        return found->second;
+    }
 };
 
 // A stretch of output while it is built: its tokens, and its runs of declarations as
