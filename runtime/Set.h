@@ -1,6 +1,7 @@
 // `_eSet<T>`: unique elements in one ascending sequence, in the order of T's comparator.
 #pragma once
 
+#include <type_traits>
 #include <utility>
 
 #include "runtime/Comparator.h"
@@ -60,8 +61,24 @@ public:
 
     // (index, end): `x` is at `index` if `index != end`; `end` is where it would go.
     std::pair<int, int> lookup(const T& x) const {
-        auto [lo, hi] = _aEqualRange(items, x, [](const T& e) -> const T& { return e; });
-        return {items.find(x, lo, hi), hi};
+        if constexpr (std::is_same_v<T, _eSeq<wchar_t>>) {
+            // Strings rank the same only when they are equal, and a set holds each once: the
+            // first that ranks the same is the one, with nothing of its rank beside it.
+            int lo = 0;
+            int hi = items.size();
+            while (lo != hi) {
+                int mid = (lo + hi) / 2;
+                switch (_n1_SimpleComparator<T>::order(x, items.get(mid))) {
+                    case rankAbove: lo = mid + 1; break;
+                    case rankBelow: hi = mid; break;
+                    case rankSame: return {mid, mid + 1};
+                }
+            }
+            return {lo, lo};
+        } else {
+            auto [lo, hi] = _aEqualRange(items, x, [](const T& e) -> const T& { return e; });
+            return {items.find(x, lo, hi), hi};
+        }
     }
 
     bool contains(const T& x) const {

@@ -1,6 +1,10 @@
 // Comparators, sets and maps: the order of elements and what lookups find.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <string>
 #include <vector>
 
 #include "runtime/Map.h"
@@ -102,4 +106,42 @@ TEST(Set, EqualityIgnoresTheOrderOfBuilding) {
 
     // Rank ties apart, different arrival orders still make equal sets.
     EXPECT_TRUE(setOf({101, 102}) == setOf({102, 101}));
+}
+
+// A set of strings finds where each string is, or where it would go, as a sorted list of the
+// same strings does: units compared as unsigned numbers, a prefix first.
+TEST(Set, StringLookupsAgreeWithASortedList) {
+    std::mt19937 random(7);
+    const wchar_t units[] = {L'a', L'b', L'z', wchar_t(0xE9), wchar_t(0x10FFFF), wchar_t(-1)};
+    auto below = [](const std::wstring& a, const std::wstring& b) {
+        return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](wchar_t x, wchar_t y) {
+            return std::uint32_t(x) < std::uint32_t(y);
+        });
+    };
+    auto anyString = [&] {
+        // Long shared heads put the strings over several leaves.
+        std::wstring text = random() % 3 == 0 ? std::wstring(40, L'h') : std::wstring();
+        for (int n = int(random() % 4); n > 0; --n) text += units[random() % std::size(units)];
+        return text;
+    };
+    for (int round = 0; round < 200; ++round) {
+        _eSet<_eString> set;
+        std::vector<std::wstring> sorted;
+        for (int n = int(random() % 12); n > 0; --n) {
+            std::wstring text = anyString();
+            set.add(_eString(std::wstring_view(text)));
+            auto at = std::lower_bound(sorted.begin(), sorted.end(), text, below);
+            if (at == sorted.end() || *at != text) sorted.insert(at, text);
+        }
+        ASSERT_EQ(set.size(), int(sorted.size()));
+        for (int q = 0; q < 20; ++q) {
+            std::wstring text = anyString();
+            int place = int(std::lower_bound(sorted.begin(), sorted.end(), text, below) - sorted.begin());
+            bool present = place < int(sorted.size()) && sorted[std::size_t(place)] == text;
+            auto [index, end] = set.lookup(_eString(std::wstring_view(text)));
+            EXPECT_EQ(index, place);
+            EXPECT_EQ(end, present ? place + 1 : place);
+            EXPECT_EQ(set.contains(_eString(std::wstring_view(text))), present);
+        }
+    }
 }
