@@ -121,6 +121,20 @@ std::string DirectoryListings::uniqueMatch(const std::string& directory, const s
     return entry->second.spelling;
 }
 
+std::optional<DirectoryListings::Known> DirectoryListings::known(const std::string& directory,
+                                                                 const std::string& component) {
+    auto& kept = listings();
+    auto found = kept.find(directory);
+    if (found == kept.end() || !found->second.trusted) return std::nullopt;
+    Stamp now;
+    if (!stampOf(directory, now) || !(now == found->second.stamp)) return std::nullopt;
+    const auto& entries = found->second.byFolded;
+    auto entry = entries.find(folded(component));
+    if (entry == entries.end()) return Known{};
+    if (entry->second.count != 1) return std::nullopt;
+    return Known{entry->second.spelling == component, entry->second.spelling};
+}
+
 std::FILE* DirectoryListings::openCreating(const std::string& path, const char* mode) {
     std::size_t cut = path.rfind('/');
     std::string directory = cut == std::string::npos ? "." : cut == 0 ? "/" : path.substr(0, cut);

@@ -18,6 +18,7 @@
 #include <sys/stat.h>
 
 #include <cstdio>
+#include <optional>
 #include <string>
 
 class DirectoryListings {
@@ -27,6 +28,15 @@ public:
     // directory's status as the caller has just read it.
     static std::string uniqueMatch(const std::string& directory, const std::string& component,
                                    const struct stat* status = nullptr);
+    // What the kept listing of `directory` tells of `component` without reading the directory
+    // again: whether an entry is spelled exactly so, and the one entry equal to it ignoring
+    // ASCII case (empty if none). Nothing when no listing to trust is kept, the directory has
+    // changed since, or several entries are equal ignoring case.
+    struct Known {
+        bool exact = false;
+        std::string unique;
+    };
+    static std::optional<Known> known(const std::string& directory, const std::string& component);
     // `std::fopen(path, mode)`, keeping the listing of the file's directory up to date.
     static std::FILE* openCreating(const std::string& path, const char* mode);
     // Forgets every listing.

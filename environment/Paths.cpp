@@ -84,6 +84,13 @@ _eString resolvePath(const _eString& text) {
 _eString correctCase(const _eString& path) {
     std::string text = toPlatformText(path);
     if (text.size() < 2 || text[0] != '/') return path;
+    // A name in a directory whose listing is kept and current is answered from the listing.
+    if (std::size_t cut = text.rfind('/'); cut > 0 && cut + 1 < text.size()) {
+        if (auto entry = DirectoryListings::known(text.substr(0, cut), text.substr(cut + 1))) {
+            if (entry->exact) return path;
+            return unlessSame(entry->unique.empty() ? text : text.substr(0, cut + 1) + entry->unique, text, path);
+        }
+    }
     // Where a prefix of the path exists as given, so does every component in it: those stay
     // without a look each, and the one after it is known not to exist as given.
     struct stat status;

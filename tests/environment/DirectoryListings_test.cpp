@@ -111,7 +111,36 @@ TEST(DirectoryListings, FilesTheLibraryCreatesJoinTheListing) {
     std::fclose(both);
     EXPECT_STREQ(back, "both");
     EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "BOTH.TV"), "Both.tv");
-    // A file created behind the library's back is seen too.
+    // The kept listing answers for a name without a look at the directory.
+    auto known = [&](const char* name) { return DirectoryListings::known(dir.path(), name); };
+    ASSERT_TRUE(known("Class1.tv").has_value());
+    EXPECT_TRUE(known("Class1.tv")->exact);
+    EXPECT_EQ(known("Class1.tv")->unique, "Class1.tv");
+    ASSERT_TRUE(known("CLASS1.tv").has_value());
+    EXPECT_FALSE(known("CLASS1.tv")->exact);
+    EXPECT_EQ(known("CLASS1.tv")->unique, "Class1.tv");
+    ASSERT_TRUE(known("Other.tv").has_value());
+    EXPECT_FALSE(known("Other.tv")->exact);
+    EXPECT_EQ(known("Other.tv")->unique, "");
+    EXPECT_FALSE(known("Class2.tv").has_value());
+    EXPECT_FALSE(DirectoryListings::known(dir / "none", "x").has_value());
+    EXPECT_EQ(DirectoryListings::reads(), reads);
+    // A file created behind the library's back is seen too; until the directory is read again,
+    // its listing answers nothing.
     touch(dir / "CLASS3.tv");
+    EXPECT_FALSE(known("CLASS3.tv").has_value());
     EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "class3.tv"), "CLASS3.tv");
+}
+
+// A listing read in the very tick of the directory's last change by others is no answer.
+TEST(DirectoryListings, AListingNotToTrustAnswersNothing) {
+    DirectoryListings::clear();
+    TempDir dir;
+    touch(dir / "Entry.tv");
+    EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "entry.tv"), "Entry.tv");
+    EXPECT_FALSE(DirectoryListings::known(dir.path(), "Entry.tv").has_value());
+    age(dir.path());
+    EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "entry.tv"), "Entry.tv");
+    ASSERT_TRUE(DirectoryListings::known(dir.path(), "Entry.tv").has_value());
+    EXPECT_TRUE(DirectoryListings::known(dir.path(), "Entry.tv")->exact);
 }

@@ -1,9 +1,11 @@
 // File names: resolution, splitting, forced extensions and the file system's spelling.
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "environment/DirectoryListings.h"
 #include "environment/Environment.h"
 #include "environment/FileName.h"
 #include "environment/Paths.h"
@@ -144,5 +146,31 @@ TEST_F(FileNames, AFullPathIsResolvedSpelledAndResolvedAgain) {
         // The file is what follows the last separator.
         std::wstring whole = text(expected);
         EXPECT_EQ(text(actual->getFile()), whole.substr(whole.rfind(L'/') + 1)) << text(given);
+    }
+}
+
+// A name in a directory whose listing is kept is spelled as a fresh look at the directory
+// spells it: as given where it exists so, else the one entry equal to it ignoring ASCII case.
+TEST_F(FileNames, AKeptListingSpellsAsTheDirectoryDoes) {
+    for (const char* name : {"Bank.XMI", "ab", "AB", "\xC3\x89mile.tv", "Linked"}) dir.write(name, "x");
+    ASSERT_EQ(symlink("Bank.XMI", (dir / "link").c_str()), 0);
+    struct stat status;
+    ASSERT_EQ(stat(dir.path().c_str(), &status), 0);
+    timespec times[2] = {status.st_atim, status.st_mtim};
+    times[1].tv_sec -= 3600;  // long settled: its listing is kept and trusted
+    ASSERT_EQ(utimensat(AT_FDCWD, dir.path().c_str(), times, 0), 0);
+    const struct {
+        const char* asked;
+        const char* spelled;
+    } rows[] = {{"Bank.XMI", "Bank.XMI"}, {"bank.xmi", "Bank.XMI"}, {"BANK.xmi", "Bank.XMI"}, {"Ab", "Ab"},
+                {"ab", "ab"},             {"missing", "missing"},   {"LINK", "link"},         {"linked", "Linked"},
+                {"\xC3\x89MILE.TV", "\xC3\x89mile.tv"},             {"\xC3\xA9mile.tv", "\xC3\xA9mile.tv"}};
+    for (const auto& row : rows) {
+        _eString asked = fromPlatformText(dir / row.asked);
+        DirectoryListings::clear();
+        _eString first = correctCase(asked);
+        _eString kept = correctCase(asked);
+        EXPECT_EQ(text(first), text(fromPlatformText(dir / row.spelled))) << row.asked;
+        EXPECT_EQ(text(kept), text(first)) << row.asked;
     }
 }
