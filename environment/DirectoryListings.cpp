@@ -1,12 +1,9 @@
 #include "environment/DirectoryListings.h"
 
 #include <dirent.h>
-#include <fcntl.h>
-#include <unistd.h>
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstring>
 #include <ctime>
 #include <map>
 #include <unordered_map>
@@ -102,12 +99,11 @@ const Listing* currentListing(const std::string& directory, const struct stat* s
     return &(kept[directory] = std::move(listing));
 }
 
-// A descriptor of `path` made new for a mode that creates ("w..."), where nothing by that name
-// exists yet: one call both asks and creates. -1 otherwise, and for every other mode.
-int createdNew(const std::string& path, const char* mode) {
-    if (mode[0] != 'w') return -1;
-    int access = std::strchr(mode, '+') != nullptr ? O_RDWR : O_WRONLY;
-    return ::open(path.c_str(), access | O_CREAT | O_EXCL, 0666);
+// `std::fopen(path, mode)` for a mode that creates ("w..."), where nothing by the name of
+// `path` exists yet: one call both asks and creates. Null otherwise, and for every other mode.
+std::FILE* createdNew(const std::string& path, const char* mode) {
+    if (mode[0] != 'w') return nullptr;
+    return std::fopen(path.c_str(), (std::string(mode) + "x").c_str());
 }
 
 }  // namespace
@@ -144,12 +140,8 @@ std::FILE* DirectoryListings::openCreating(const std::string& path, const char* 
     Stamp before;
     bool known = stampOf(directory, before) && before == found->second.stamp;
     bool existed = false;
-    std::FILE* stream = nullptr;
-    if (int descriptor = createdNew(path, mode); descriptor >= 0) {
-        stream = fdopen(descriptor, mode);
-        // Created but not opened: the listing no longer knows the directory.
-        if (stream == nullptr) known = false, ::close(descriptor);
-    } else {
+    std::FILE* stream = createdNew(path, mode);
+    if (stream == nullptr) {
         struct stat status;
         existed = lstat(path.c_str(), &status) == 0;
         stream = std::fopen(path.c_str(), mode);
