@@ -37,6 +37,13 @@ inline bool textIs(const _eString& text, std::wstring_view word) {
         if (units[i] != word[i]) return false;
     return true;
 }
+// A word written in the code: its length is known without a count of its units. (A text in a
+// const array is taken to fill it, as a literal does.)
+template <std::size_t N>
+inline bool textIs(const _eString& text, const wchar_t (&word)[N]) {
+    assert(std::char_traits<wchar_t>::length(word) == N - 1);
+    return textIs(text, std::wstring_view(word, N - 1));
+}
 // The units of a string as one view: in place where the string lies in one leaf (the view then
 // lives as long as the string is unchanged), else copied into `scratch`.
 std::wstring_view unitsOf(const _eString& text, std::wstring& scratch);
