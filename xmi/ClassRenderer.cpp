@@ -28,12 +28,33 @@ struct Piece {
 
 private:
     // The fixed words recur in every declaration: each is made a string, and its kind found, once.
+    // They are asked for at a few places, each time by the same address: the word last found for
+    // an address is kept by it, and taken again when its text is still what the address holds.
     static const Piece& fixedWord(const wchar_t* word) {
+        struct Last {
+            const wchar_t* word = nullptr;
+            const Piece* piece = nullptr;
+        };
+        static Last last[64];
+        Last& kept = last[(reinterpret_cast<std::uintptr_t>(word) / sizeof(wchar_t)) % std::size(last)];
+        if (kept.word == word && spells(kept.piece->text, word)) return *kept.piece;
         static std::unordered_map<std::wstring, Piece, UnitsHash, std::equal_to<>> made;
         std::wstring_view units(word);
         auto found = made.find(units);
         if (found == made.end()) found = made.emplace(std::wstring(units), Piece(_eString(units))).first;
+        kept = {word, &found->second};
         return found->second;
+    }
+
+    // `text` holds exactly the units of `word` up to its terminator; `text` holds no zero unit.
+    static bool spells(const _eString& text, const wchar_t* word) {
+        const _eBaseNode<wchar_t>* root = text.rootNode();
+        if (!root->isLeaf()) return false;
+        const wchar_t* units = root->asLeaf()->data();
+        int n = root->count();
+        for (int i = 0; i < n; ++i)
+            if (word[i] != units[i]) return false;
+        return word[n] == 0;
     }
 };
 
