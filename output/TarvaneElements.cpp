@@ -1,6 +1,8 @@
 #include "output/TarvaneElements.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -129,7 +131,9 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
     bool inParameterLine = false;
     std::int32_t bracketDepth = 0;
     const _eString newLine = L"\n";
-    _eString previous;
+    // The token before, in place among the tokens.
+    const _eString noToken;
+    const _eString* previous = &noToken;
     bool previousComment = false;
     bool first = true;
     std::int32_t line = 1;
@@ -154,9 +158,9 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         if (breakPending)
             separator = newLine;
         else if (!first)
-            separator = separatorBetween(previous, previousComment, current, comment, indent, options);
+            separator = separatorBetween(*previous, previousComment, current, comment, indent, options);
         breakPending = false;
-        bool closes = closesBlock(previous, current);
+        bool closes = closesBlock(*previous, current);
         if (closes && indent > 0) indent -= 1;
         _eString lead;
         if (textIs(separator, L"\n")) {
@@ -192,7 +196,7 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             line += writeWrapped(batch, lead, current, column, options, note ? &indentation : nullptr);
         }
         if (lines != nullptr) lines->push_back({firstLine, line, firstColumn});
-        if (opensBlock(previous, current))
+        if (opensBlock(*previous, current))
             indent += 1;
         else if (closes && indent < 2)
             blankLinePending = true;
@@ -207,7 +211,7 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
             }
         }
         if (startsParameterLine(current)) inParameterLine = true, bracketDepth = 0;
-        previous = current;
+        previous = &current;
         previousComment = comment;
         first = false;
     }
@@ -264,7 +268,7 @@ _eString TarvaneElements::separatorBetween(const _eString& previous, bool previo
 
 // The words of the sets are few and short: each stands in one of 64 slots by its length and
 // its first and last units, and a token is compared only with the words of its slot.
-unsigned TarvaneElements::wordSets(const _eString& token) {
+unsigned TarvaneElements::lookUpWordSets(const _eString& token) {
     struct Word {
         std::wstring text;
         unsigned bits;
@@ -294,20 +298,28 @@ unsigned TarvaneElements::wordSets(const _eString& token) {
         return t;
     }();
     if (token.isEmpty() || token.size() > table.longest) return 0;
-    // A token is asked about four or five times in a row (before and after a separator, as a
-    // block's opener or closer): the last answer is kept with the token's text. Held here, the
-    // text's node can't be freed or changed, so the same node is the same text.
-    static _eString lastToken;
-    static unsigned lastBits = 0;
-    if (token.rootNode() == lastToken.rootNode()) return lastBits;
     std::wstring scratch;
     std::wstring_view units = unitsOf(token, scratch);
     unsigned bits = 0;
     for (const Word& word : table.slots[Table::slotOf(units)])
         if (word.text == units) bits = word.bits;
-    lastToken = token;
-    lastBits = bits;
     return bits;
+}
+
+// A token is asked about four or five times in a row (before and after a separator, as a
+// block's opener or closer), and the fixed words of the language are the same strings wherever
+// they stand: answers are kept with the token's text, one for each of a few slots chosen by its
+// node. Held here, the text's node can't be freed or changed, so the same node is the same text.
+unsigned TarvaneElements::wordSets(const _eString& token) {
+    struct Kept {
+        _eString token;
+        unsigned bits = 0;
+    };
+    static Kept kept[64];
+    auto node = reinterpret_cast<std::uintptr_t>(token.rootNode());
+    Kept& slot = kept[((node >> 4) ^ (node >> 10)) % std::size(kept)];
+    if (token.rootNode() != slot.token.rootNode()) slot = {token, lookUpWordSets(token)};
+    return slot.bits;
 }
 
 const _eSet<_eString>& TarvaneElements::blockOpeners() {

@@ -114,4 +114,8 @@ public:
         blankNotBefore = 64
     };
     static unsigned wordSets(const _eString& token);
+
+private:
+    // The sets that hold a word, asked of the sets themselves.
+    static unsigned lookUpWordSets(const _eString& token);
 };

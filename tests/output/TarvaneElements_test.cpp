@@ -1,6 +1,8 @@
 // Tokens laid out in lines: separators, indentation, blank lines, breaking and comments.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "environment/PlatformText.h"
 #include "output/ReservedWords.h"
 #include "output/TarvaneElements.h"
@@ -108,5 +110,43 @@ TEST(ReservedWords, ExactWordsGetOneUnderscore) {
         EXPECT_EQ(toWString(escapeReservedWord(word + L"s")), toWString(word) + L"s");
         _eString capital = _eString(std::wstring(1, wchar_t(word.get(0) - L'a' + L'A')).c_str()) + word.drop(1);
         EXPECT_EQ(toWString(escapeReservedWord(capital)), toWString(capital));
+    }
+}
+
+// A token's word sets are what the sets themselves say, however the token's string was made and
+// whatever was asked before: the kept answers never stand for another text.
+TEST(TarvaneWords, WordSetsAreTheSetsThatHoldTheText) {
+    using E = TarvaneElements;
+    const std::pair<const _eSet<_eString>*, unsigned> sets[] = {
+        {&E::blockOpeners(), E::opener},       {&E::blockClosers(), E::closer},
+        {&E::sectionHeads(), E::sectionHead},  {&E::lineEnders(), E::lineEnder},
+        {&E::lineStarters(), E::lineStarter},  {&E::noBlankAfter(), E::blankNotAfter},
+        {&E::noBlankBefore(), E::blankNotBefore}};
+    std::vector<std::wstring> words = {L"", L"x", L"Class", L"ends", L"en", L"?", L"::", std::wstring(50, L'e')};
+    for (const auto& [set, bit] : sets)
+        for (int i = 0; i < set->size(); ++i) {
+            std::wstring word = toWString(set->at(i));
+            words.push_back(word);
+            words.push_back(word + L"x");
+            words.push_back(L"x" + word);
+        }
+    std::mt19937 random(3);
+    std::vector<_eString> asked;
+    for (int round = 0; round < 2000; ++round) {
+        const std::wstring& word = words[random() % words.size()];
+        // Made anew, built unit by unit, or a string asked before.
+        _eString token;
+        if (random() % 3 == 0 && !asked.empty()) {
+            token = asked[random() % asked.size()];
+        } else if (random() % 2 == 0) {
+            token = _eString(std::wstring_view(word));
+        } else {
+            for (wchar_t unit : word) token.pushBack(unit);
+        }
+        if (asked.size() < 50) asked.push_back(token);
+        unsigned expected = 0;
+        for (const auto& [set, bit] : sets)
+            if (set->contains(token)) expected |= bit;
+        ASSERT_EQ(E::wordSets(token), expected) << std::string(word.begin(), word.end());
     }
 }
