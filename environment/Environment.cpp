@@ -5,10 +5,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include "environment/DirectoryListings.h"
@@ -151,12 +153,25 @@ bool Environment::fileExists(const _eString& path) const { return ::access(toPla
 
 _eHndl<FilePath> Environment::fullPath(const _eString& directory, const _eString& name) const {
     bool absolute = !name.isEmpty() && name.first() == pathSeparator;
-    _eString answer = resolvePath(absolute ? name : directory + name);
-    if (answer.isEmpty()) return {};
-    // Resolved again only when the spelling changed it: the spelling gives the path back
-    // unchanged only where its units are its bytes, and such a path resolves to itself.
-    _eString corrected = correctCase(answer);
-    if (!(corrected == answer)) answer = resolvePath(corrected);
+    std::string bytes = resolvedBytes(absolute ? name : directory + name);
+    if (bytes.empty()) return {};
+    _eString answer;
+    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+        // The units of an ASCII path are its bytes: it is spelled and cut as bytes, and made a
+        // string once. Spelled otherwise, it is resolved again.
+        std::optional<std::string> spelled = spelledBytes(bytes);
+        if (!spelled || *spelled == bytes) {
+            std::size_t cut = bytes.rfind('/') + 1;
+            return _eHndl<FilePath>(new FilePath(fromPlatformText(std::string_view(bytes).substr(0, cut)),
+                                                 fromPlatformText(std::string_view(bytes).substr(cut))));
+        }
+        answer = resolvePath(fromPlatformText(*spelled));
+    } else {
+        // Resolved again only when the spelling changed it.
+        answer = fromPlatformText(bytes);
+        _eString corrected = correctCase(answer);
+        if (!(corrected == answer)) answer = resolvePath(corrected);
+    }
     if (answer.isEmpty()) return {};
     int cut = lastComponentStart(answer);
     return _eHndl<FilePath>(new FilePath(answer.take(cut), answer.drop(cut)));

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -50,7 +51,7 @@ _eString unlessSame(const std::string& result, const std::string& text, const _e
 
 }  // namespace
 
-_eString resolvePath(const _eString& text) {
+std::string resolvedBytes(const _eString& text) {
     if (text.isEmpty()) return {};
     std::string path = toPlatformText(text);
     if (path[0] != '/') {
@@ -78,24 +79,28 @@ _eString resolvePath(const _eString& text) {
     }
     if (!trailing && out.size() > 1) out.pop_back();
     if (out.size() >= pathLimit) return {};
-    return fromPlatformText(out);
+    return out;
 }
 
-_eString correctCase(const _eString& path) {
-    std::string text = toPlatformText(path);
-    if (text.size() < 2 || text[0] != '/') return path;
+_eString resolvePath(const _eString& text) {
+    std::string bytes = resolvedBytes(text);
+    return bytes.empty() ? _eString() : fromPlatformText(bytes);
+}
+
+std::optional<std::string> spelledBytes(const std::string& text) {
+    if (text.size() < 2 || text[0] != '/') return std::nullopt;
     // A name in a directory whose listing is kept and current is answered from the listing.
     if (std::size_t cut = text.rfind('/'); cut > 0 && cut + 1 < text.size()) {
         if (auto entry = DirectoryListings::known(text.substr(0, cut), text.substr(cut + 1))) {
-            if (entry->exact) return path;
-            return unlessSame(entry->unique.empty() ? text : text.substr(0, cut + 1) + entry->unique, text, path);
+            if (entry->exact) return std::nullopt;
+            return entry->unique.empty() ? text : text.substr(0, cut + 1) + entry->unique;
         }
     }
     // Where a prefix of the path exists as given, so does every component in it: those stay
     // without a look each, and the one after it is known not to exist as given.
     struct stat status;
     std::size_t known = existingPrefix(text, status);
-    if (known == text.size()) return path;
+    if (known == text.size()) return std::nullopt;
     // What the prefix's look found holds for the folder that is read next, unless it is a link.
     const struct stat* folder = known > 0 && S_ISDIR(status.st_mode) ? &status : nullptr;
     std::string result = text.substr(0, known);
@@ -108,15 +113,18 @@ _eString correctCase(const _eString& path) {
         std::string spelled =
             missing ? DirectoryListings::uniqueMatch(result, component, folder) : spelledEntry(result, component);
         missing = false;
-        if (spelled.empty()) {
-            result += text.substr(start - 1);
-            return unlessSame(result, text, path);
-        }
+        if (spelled.empty()) return result + text.substr(start - 1);
         result += "/" + spelled;
         start = end + 1;
     }
     if (text.back() == '/') result += "/";
-    return unlessSame(result, text, path);
+    return result;
+}
+
+_eString correctCase(const _eString& path) {
+    std::string text = toPlatformText(path);
+    std::optional<std::string> spelled = spelledBytes(text);
+    return spelled ? unlessSame(*spelled, text, path) : path;
 }
 
 int lastComponentStart(const _eString& path) {
