@@ -76,24 +76,38 @@ void appendLines(std::string& text, const Lines& lines) {
 }  // namespace
 
 std::string GenerationRecord::text() const {
-    std::string text = "# What ModelBridge generated last into this folder. Keep it with the generated files:\n"
-                       "# updates merge the model's changes into your text by it.\n";
-    text += std::string(firstLine) + "\n";
+    std::size_t size = 0;
+    for (const RecordEntry& entry : entries) {
+        for (const std::string& line : entry.file.lines) size += line.size() + 2;
+        size += 64 * (entry.file.pieces.size() + entry.file.classIds.size() + 4) + entry.file.source.size();
+    }
+    std::string text;
+    text.reserve(size + 256);
+    // Pieces and numbers are appended one by one: joining them first makes a string of each join.
+    auto add = [&text](std::initializer_list<std::string_view> pieces) {
+        for (std::string_view piece : pieces) text.append(piece);
+    };
+    auto number = [](std::size_t value, char (&digits)[24]) {
+        return std::string_view(digits, std::size_t(std::to_chars(digits, digits + sizeof digits, value).ptr - digits));
+    };
+    char a[24], b[24];
+    add({"# What ModelBridge generated last into this folder. Keep it with the generated files:\n"
+         "# updates merge the model's changes into your text by it.\n",
+         firstLine, "\n"});
     for (const RecordEntry& entry : entries) {
         const GeneratedFile& file = entry.file;
-        text += "file " + file.name + "\n";
-        for (const std::string& id : file.classIds) text += "class " + keyText(id) + "\n";
+        add({"file ", file.name, "\n"});
+        for (const std::string& id : file.classIds) add({"class ", keyText(id), "\n"});
         // A comment to readers that don't know it, so that they still read the record.
-        if (!file.source.empty()) text += std::string(sourceMark) + file.source + "\n";
+        if (!file.source.empty()) add({sourceMark, file.source, "\n"});
         for (const TextPiece& piece : file.pieces) {
-            text += "piece " + std::to_string(piece.first) + " " + std::to_string(piece.end) + " " + piece.key + "\n";
-            for (const auto& [line, column] : piece.bodies)
-                text += "body " + std::to_string(line) + " " + std::to_string(column) + "\n";
+            add({"piece ", number(piece.first, a), " ", number(piece.end, b), " ", piece.key, "\n"});
+            for (const auto& [line, column] : piece.bodies) add({"body ", number(line, a), " ", number(column, b), "\n"});
         }
-        text += "text " + std::to_string(file.lines.size()) + "\n";
+        add({"text ", number(file.lines.size(), a), "\n"});
         appendLines(text, file.lines);
         for (const KeptMember& kept : entry.kept) {
-            text += "kept " + std::to_string(kept.lines.size()) + " " + kept.key + "\n";
+            add({"kept ", number(kept.lines.size(), a), " ", kept.key, "\n"});
             appendLines(text, kept.lines);
         }
         text += "end\n";
@@ -129,6 +143,7 @@ public:
     }
     // `count` lines, each "|" and the text of the line.
     bool textLines(std::size_t count, Lines& into) {
+        if (count <= text.size() - at) into.reserve(into.size() + count);
         for (std::size_t i = 0; i < count; ++i) {
             if (atEnd()) return fail("the record ends within a text");
             std::string_view text = line();
