@@ -136,15 +136,18 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
         return step;
     }
     if (renamed) step.report.renamedFrom = last->file.name;
-    if (!folder.holdsAnything(source)) {
-        step.report.outcome = FileOutcome::created;
-        step.report.renamedFrom.clear();
-        step.write = whole();
-        keep({});
-        return step;
-    }
-    std::string text;
-    if (!readFile(source, text, step)) {
+    std::string text, error;
+    bool there = false;
+    if (!folder.readIfThere(source, text, there, error)) {
+        if (!there) {
+            step.report.outcome = FileOutcome::created;
+            step.report.renamedFrom.clear();
+            step.write = whole();
+            keep({});
+            return step;
+        }
+        step.report.outcome = FileOutcome::failed;
+        step.report.message = error;
         if (last != nullptr) entries[last->file.name] = *last;
         return step;
     }

@@ -14,9 +14,8 @@ namespace {
 
 std::string systemReason() { return std::strerror(errno); }
 
-// The bytes of a plain file; false with the reason.
-bool readPlain(const std::string& path, std::string& text, std::string& error) {
-    int fd = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+// The bytes of the file `fd` was opened on, or, where `fd` is -1, the reason the open failed.
+bool readOpened(int fd, const std::string& path, std::string& text, std::string& error) {
     struct stat info {};
     int refused = fd < 0 ? errno : ::fstat(fd, &info) != 0 ? errno : S_ISDIR(info.st_mode) ? EISDIR : 0;
     if (refused != 0 || !S_ISREG(info.st_mode)) {
@@ -31,6 +30,11 @@ bool readPlain(const std::string& path, std::string& text, std::string& error) {
     if (got < 0) error = "cannot read '" + path + "': " + systemReason();
     ::close(fd);
     return got == 0;
+}
+
+// The bytes of a plain file; false with the reason.
+bool readPlain(const std::string& path, std::string& text, std::string& error) {
+    return readOpened(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC), path, text, error);
 }
 
 // Writes `text` to a new file in the folder of `path` and renames it to `path`.
@@ -96,6 +100,22 @@ bool OutputFolder::read(const std::string& name, std::string& text, std::string&
     }
     errno = 0;
     return readPlain(pathOf(name), text, error);
+}
+
+bool OutputFolder::readIfThere(const std::string& name, std::string& text, bool& there, std::string& error) const {
+    std::string path = pathOf(name);
+    there = !path.empty();
+    if (!there) return false;
+    errno = 0;
+    int fd = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0) {
+        // Nothing by that name, or a look at what stands there.
+        int reason = errno;
+        there = reason != ENOENT && holdsAnything(name);
+        errno = reason;
+        if (!there) return false;
+    }
+    return readOpened(fd, path, text, error);
 }
 
 bool OutputFolder::write(const std::string& name, const std::string& text, std::string& error) const {

@@ -22,6 +22,9 @@ public:
     bool holdsAnything(const std::string& name) const;
     // The file's bytes; false with the reason in `error`.
     bool read(const std::string& name, std::string& text, std::string& error) const;
+    // As `read` where anything stands at the name (`holdsAnything`); else false with `there`
+    // false and no reason. One look serves both questions.
+    bool readIfThere(const std::string& name, std::string& text, bool& there, std::string& error) const;
     // Writes into a new file beside it and renames that into place, so that the file is either
     // as it was or wholly written; a file there before keeps its permissions.
     bool write(const std::string& name, const std::string& text, std::string& error) const;
