@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstring>
 #include <unordered_set>
+#include <utility>
 
 std::string GeneratedFile::classOf(std::size_t index) const {
     for (std::size_t i = std::min(index + 1, pieces.size()); i > 0; --i)
@@ -222,7 +223,7 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
             ok = (RecordReader::number(first, limit, piece.first) && RecordReader::number(end, limit, piece.end) && piece.first < piece.end &&
                   !key.empty()) ||
                  reader.fail("a piece needs its first line, its end and its key");
-            entry->file.pieces.push_back(piece);
+            entry->file.pieces.push_back(std::move(piece));
         } else if (word == "body") {
             auto [lineText, columnText] = firstWord(rest);
             std::size_t at = 0, column = 0;
