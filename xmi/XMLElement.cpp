@@ -174,7 +174,9 @@ std::optional<_eString> XMLElement::propertyText(const TextView& attribute, cons
 
 _eString XMLElement::attributeOrSubElement(const TextView& attribute, const TextView& subElement,
                                            const _eHndl<Context>& context) const {
-    return propertyText(attribute, subElement, context).value_or(_eString(L"?"));
+    static const _eString unknown = L"?";
+    std::optional<_eString> text = propertyText(attribute, subElement, context);
+    return text ? std::move(*text) : unknown;
 }
 
 _eString XMLElement::requiredAttribute(const TextView& attribute, const _eHndl<Context>& context) const {
