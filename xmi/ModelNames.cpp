@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "runtime/StringUtils.h"
 #include "xmi/ClassRenderer.h"
@@ -122,7 +123,8 @@ NameRecord ModelNames::operationName(const NameRecord& name) const {
 
 TypeRecord ModelNames::type(TypeRecord type) const {
     if (!type.resolved()) return type;
-    auto at = type.id.isEmpty() ? byId.end() : byId.find(toWString(type.id));
+    std::wstring scratch;
+    auto at = type.id.isEmpty() ? byId.end() : byId.find(unitsOf(type.id, scratch));
     if (at != byId.end())
         type.name = NameRecord::plain(at->second);
     else if (ClassRenderer::hasName(type.name))
@@ -132,27 +134,28 @@ TypeRecord ModelNames::type(TypeRecord type) const {
 
 ClassRecord ModelNames::apply(ClassRecord record, const XMLElement& element) const {
     record.name = NameRecord::plain(className(element));
-    for (GeneralizationRecord& parent : record.parents) parent.parent = type(parent.parent);
-    for (GeneralizationRecord& realization : record.realizations) realization.parent = type(realization.parent);
+    for (GeneralizationRecord& parent : record.parents) parent.parent = type(std::move(parent.parent));
+    for (GeneralizationRecord& realization : record.realizations)
+        realization.parent = type(std::move(realization.parent));
     for (LiteralRecord& literal : record.literals) literal.name = memberName(literal.name);
     for (FeatureRecord& feature : record.features) {
         if (auto* attribute = std::get_if<AttributeRecord>(&feature)) {
             attribute->name = memberName(attribute->name);
-            attribute->type = type(attribute->type);
+            attribute->type = type(std::move(attribute->type));
             continue;
         }
         auto& operation = std::get<OperationRecord>(feature);
         operation.name = operationName(operation.name);
         for (ParameterRecord& parameter : operation.parameters) {
             parameter.name = memberName(parameter.name);
-            parameter.type = type(parameter.type);
+            parameter.type = type(std::move(parameter.type));
         }
     }
     for (AssociationRecord& association : record.associations)
         for (AssociationEndRecord& end : association.ends) {
             end.name = memberName(end.name);
-            end.type = type(end.type);
-            end.roleType = type(end.roleType);
+            end.type = type(std::move(end.type));
+            end.roleType = type(std::move(end.roleType));
         }
     return record;
 }

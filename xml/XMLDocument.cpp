@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "environment/PlatformText.h"
 #include "runtime/StringUtils.h"
@@ -67,7 +68,8 @@ _eHndl<TarvaneOutput> XMLDocument::declaration(const _eString& className) const 
     const FoundClass* at = found.find(*classes.at(index).second);
     assert(at != nullptr);
     ClassRecord record = modelReader().readClass(*at, generationContext());
-    return ClassRenderer::classDeclaration(names ? names->apply(record, *at->element) : record);
+    if (names) record = names->apply(std::move(record), *at->element);
+    return ClassRenderer::classDeclaration(record);
 }
 
 void XMLDocument::write(const TarvaneOutput& output, const FileName& file, const FileName& sourceFile,
@@ -122,7 +124,8 @@ _eHndl<TarvaneOutput> XMLDocument::declarations(const Names& classNames) const {
     for (const FoundClass& each : (analysed ? found : walked).inOrder)
         if (classNames.contains(nameOf(*each.element))) {
             ClassRecord record = modelReader().readClass(each, context);
-            output = output->concat(*ClassRenderer::classDeclaration(names ? names->apply(record, *each.element) : record));
+            if (names) record = names->apply(std::move(record), *each.element);
+            output = output->concat(*ClassRenderer::classDeclaration(record));
         }
     return output;
 }
