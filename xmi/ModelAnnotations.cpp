@@ -5,10 +5,11 @@
 #include "runtime/StringUtils.h"
 
 template <class T>
-const std::vector<T>& ModelAnnotations::at(const std::unordered_map<std::wstring, std::vector<T>>& map,
-                                           const _eString& id) {
+const std::vector<T>& ModelAnnotations::at(const ById<T>& map, const _eString& id) {
     static const std::vector<T> none;
-    auto found = id.isEmpty() ? map.end() : map.find(toWString(id));
+    if (map.empty() || id.isEmpty()) return none;
+    std::wstring scratch;
+    auto found = map.find(unitsOf(id, scratch));
     return found == map.end() ? none : found->second;
 }
 

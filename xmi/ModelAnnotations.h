@@ -4,10 +4,12 @@
 // reader fills it from its own dialect; the records of a class take from it by id.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "runtime/StringUtils.h"
 #include "xmi/ClassRecords.h"
 #include "xmi/Context.h"
 
@@ -37,11 +39,14 @@ private:
         _eString id;
         _eString text;
     };
+    // Lists by the id of the element they belong to, asked by the units of an id in place.
     template <class T>
-    static const std::vector<T>& at(const std::unordered_map<std::wstring, std::vector<T>>& map, const _eString& id);
+    using ById = std::unordered_map<std::wstring, std::vector<T>, UnitsHash, std::equal_to<>>;
+    template <class T>
+    static const std::vector<T>& at(const ById<T>& map, const _eString& id);
 
-    std::unordered_map<std::wstring, std::vector<Comment>> comments;
-    std::unordered_map<std::wstring, std::vector<ConstraintRecord>> constraints;
-    std::unordered_map<std::wstring, std::vector<GeneralizationRecord>> realizations;
-    std::unordered_map<std::wstring, std::vector<const XMLElement*>> associationClasses;
+    ById<Comment> comments;
+    ById<ConstraintRecord> constraints;
+    ById<GeneralizationRecord> realizations;
+    ById<const XMLElement*> associationClasses;
 };
