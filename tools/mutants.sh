@@ -268,6 +268,27 @@ mutations() {
 @ xmi/XMLDictionary.cpp | the dictionary's entries are left in the order of the hash table
 - std::sort(keyed.begin(), keyed.end(), [&](const auto* a, const auto* b) { return byRank(a->first, b->first); });
 + (void)byRank;
+@ output/TextBatch.cpp | a full batch's units are written over instead of going out first
+- if (used == capacity) flush();
++ if (used == capacity) used = 0;
+@ output/TextBatch.cpp | a later failure replaces the first
+- if (status == FileError::success) status = written;
++ if (written != FileError::success) status = written;
+@ runtime/Set.h | a string set's match is not where the string is
+- case rankSame: return {mid, mid + 1};
++ case rankSame: return {lo, mid + 1};
+@ output/TarvaneElements.cpp | a token's word sets are taken from whatever its slot kept
+- if (token.rootNode() != slot.token.rootNode()) slot = {token, lookUpWordSets(token)};
++ if (slot.token.isEmpty()) slot = {token, lookUpWordSets(token)};
+@ environment/DirectoryListings.cpp | a kept listing answers though the directory changed since
+- if (!stampOf(directory, now) || !(now == found->second.stamp)) return std::nullopt;
++ if (!stampOf(directory, now)) return std::nullopt;
+@ environment/DirectoryListings.cpp | a kept listing answers for a name that several entries share
+- if (entry->second.count != 1) return std::nullopt;
++ if (entry->second.count < 1) return std::nullopt;
+@ output/OutputFolder.cpp | a name whose read fails for any reason counts as nothing there
+- there = reason != ENOENT && holdsAnything(name);
++ there = false;
 EOF
 }
 
