@@ -215,7 +215,8 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
         previousComment = comment;
         first = false;
     }
-    batch.put(newLine);
+    // Nothing more goes out after a failed write.
+    if (status == FileError::success) batch.put(newLine);
     batch.flush();
 }
 

@@ -1,7 +1,6 @@
 #include "output/TextBatch.h"
 
 #include <algorithm>
-#include <string_view>
 
 void TextBatch::put(const _eString& text) {
     forEachRun(text, [&](const wchar_t* run, int length) {
