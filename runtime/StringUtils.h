@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <unordered_map>
 
 #include "runtime/Seq.h"
 
@@ -67,6 +68,10 @@ struct UnitsHash {
         return std::size_t(hash ^ (hash >> 32));
     }
 };
+
+// A hash table of wide texts that is asked by views of units.
+template <class Value>
+using UnitsMap = std::unordered_map<std::wstring, Value, UnitsHash, std::equal_to<>>;
 
 // The hash of a string's units, for hash tables keyed by strings themselves.
 struct StringHash {

@@ -38,7 +38,7 @@ private:
         static Last last[64];
         Last& kept = last[(reinterpret_cast<std::uintptr_t>(word) / sizeof(wchar_t)) % std::size(last)];
         if (kept.word == word && spells(kept.piece->text, word)) return *kept.piece;
-        static std::unordered_map<std::wstring, Piece, UnitsHash, std::equal_to<>> made;
+        static UnitsMap<Piece> made;
         std::wstring_view units(word);
         auto found = made.find(units);
         if (found == made.end()) found = made.emplace(std::wstring(units), Piece(_eString(units))).first;

@@ -8,8 +8,7 @@ template <class T>
 const std::vector<T>& ModelAnnotations::at(const ById<T>& map, const _eString& id) {
     static const std::vector<T> none;
     if (map.empty() || id.isEmpty()) return none;
-    std::wstring scratch;
-    auto found = map.find(unitsOf(id, scratch));
+    auto found = map.find(TextView(id).text());
     return found == map.end() ? none : found->second;
 }
 

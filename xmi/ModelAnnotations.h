@@ -4,7 +4,6 @@
 // reader fills it from its own dialect; the records of a class take from it by id.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -41,7 +40,7 @@ private:
     };
     // Lists by the id of the element they belong to, asked by the units of an id in place.
     template <class T>
-    using ById = std::unordered_map<std::wstring, std::vector<T>, UnitsHash, std::equal_to<>>;
+    using ById = UnitsMap<std::vector<T>>;
     template <class T>
     static const std::vector<T>& at(const ById<T>& map, const _eString& id);
 

@@ -123,8 +123,7 @@ NameRecord ModelNames::operationName(const NameRecord& name) const {
 
 TypeRecord ModelNames::type(TypeRecord type) const {
     if (!type.resolved()) return type;
-    std::wstring scratch;
-    auto at = type.id.isEmpty() ? byId.end() : byId.find(unitsOf(type.id, scratch));
+    auto at = type.id.isEmpty() ? byId.end() : byId.find(TextView(type.id).text());
     if (at != byId.end())
         type.name = NameRecord::plain(at->second);
     else if (ClassRenderer::hasName(type.name))

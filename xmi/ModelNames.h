@@ -4,7 +4,6 @@
 // reference that reaches such a class by its id uses that name. Operator symbols stay symbols.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -47,6 +46,6 @@ private:
 
     std::vector<const XMLElement*> inOrder;  // the classes found
     std::unordered_map<const XMLElement*, _eString> byElement;
-    std::unordered_map<std::wstring, _eString, UnitsHash, std::equal_to<>> byId;  // of the classes with an id
+    UnitsMap<_eString> byId;  // of the classes with an id
     std::vector<Change> changes;
 };

@@ -264,8 +264,8 @@ namespace {
 template <class... Parts>
 _eFrom<XMLElement> elementOfTag(const _eString& canonical, const Parts&... parts) {
     using Maker = XMLElement* (*)(const Parts&...);
-    static const std::unordered_map<std::wstring, Maker, UnitsHash, std::equal_to<>> classes = [] {
-        std::unordered_map<std::wstring, Maker, UnitsHash, std::equal_to<>> m;
+    static const UnitsMap<Maker> classes = [] {
+        UnitsMap<Maker> m;
         auto make = []<class C>(C*) -> Maker { return [](const Parts&... p) -> XMLElement* { return new C(p...); }; };
         m.emplace(L"XMI", make(static_cast<XMIRootElement*>(nullptr)));
         m.emplace(L"XMI.content", make(static_cast<XMIContentElement*>(nullptr)));

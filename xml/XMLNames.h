@@ -43,7 +43,7 @@ private:
     // read again from the same shared string is found by one comparison of addresses. A slot
     // holds its string, so that its node stays what it was.
     struct Table {
-        std::unordered_map<std::wstring, _eString, UnitsHash, std::equal_to<>> kept;
+        UnitsMap<_eString> kept;
         struct Recent {
             _eString asked;
             _eString answer;
