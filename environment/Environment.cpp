@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -156,7 +155,7 @@ _eHndl<FilePath> Environment::fullPath(const _eString& directory, const _eString
     std::string bytes = resolvedBytes(absolute ? name : directory + name);
     if (bytes.empty()) return {};
     _eString answer;
-    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+    if (isAscii(bytes)) {
         // The units of an ASCII path are its bytes: it is spelled and cut as bytes, and made a
         // string once. Spelled otherwise, it is resolved again.
         std::optional<std::string> spelled = spelledBytes(bytes);

@@ -45,8 +45,7 @@ std::size_t existingPrefix(const std::string& text, struct stat& status) {
 // `result` as a string: `path` itself when nothing in it changed and it is ASCII (`text` is its
 // bytes), for then its bytes made a string again give it back unit for unit.
 _eString unlessSame(const std::string& result, const std::string& text, const _eString& path) {
-    bool ascii = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    return ascii && result == text ? path : fromPlatformText(result);
+    return isAscii(text) && result == text ? path : fromPlatformText(result);
 }
 
 }  // namespace
@@ -125,6 +124,10 @@ _eString correctCase(const _eString& path) {
     std::string text = toPlatformText(path);
     std::optional<std::string> spelled = spelledBytes(text);
     return spelled ? unlessSame(*spelled, text, path) : path;
+}
+
+bool isAscii(std::string_view bytes) {
+    return std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 int lastComponentStart(const _eString& path) {

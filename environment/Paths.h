@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "runtime/Seq.h"
 
@@ -27,3 +28,6 @@ std::optional<std::string> spelledBytes(const std::string& text);
 
 // The index just behind the last separator of `path`, or 0 without one.
 int lastComponentStart(const _eString& path);
+
+// Every byte below 128: the bytes are the units of the text they make.
+bool isAscii(std::string_view bytes);

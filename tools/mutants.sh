@@ -257,7 +257,7 @@ mutations() {
 - return unit < 256 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 3 : 4;
 + return unit < 256 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 2 : 4;
 @ environment/Paths.cpp | a path the spelling left unchanged is given back as it came, whatever its units
-- return ascii && result == text ? path : fromPlatformText(result);
+- return isAscii(text) && result == text ? path : fromPlatformText(result);
 + return result == text ? path : fromPlatformText(result);
 @ xmi/XMLElement.cpp | every element of the dictionary only counts its id, the root's line too
 - bool onLine = &element == line.back();

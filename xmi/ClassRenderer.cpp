@@ -37,24 +37,13 @@ private:
         };
         static Last last[64];
         Last& kept = last[(reinterpret_cast<std::uintptr_t>(word) / sizeof(wchar_t)) % std::size(last)];
-        if (kept.word == word && spells(kept.piece->text, word)) return *kept.piece;
-        static UnitsMap<Piece> made;
         std::wstring_view units(word);
+        if (kept.word == word && textIs(kept.piece->text, units)) return *kept.piece;
+        static UnitsMap<Piece> made;
         auto found = made.find(units);
         if (found == made.end()) found = made.emplace(std::wstring(units), Piece(_eString(units))).first;
         kept = {word, &found->second};
         return found->second;
-    }
-
-    // `text` holds exactly the units of `word` up to its terminator; `text` holds no zero unit.
-    static bool spells(const _eString& text, const wchar_t* word) {
-        const _eBaseNode<wchar_t>* root = text.rootNode();
-        if (!root->isLeaf()) return false;
-        const wchar_t* units = root->asLeaf()->data();
-        int n = root->count();
-        for (int i = 0; i < n; ++i)
-            if (word[i] != units[i]) return false;
-        return word[n] == 0;
     }
 };
 
