@@ -63,7 +63,9 @@ private:
     // `header` gives the file's header where `file` holds none, when a write or a merge needs it.
     Step settle(GeneratedFile file, const std::function<std::string()>& header);
     void stale(const RecordEntry& entry);
-    bool readFile(const std::string& name, std::string& text, Step& step) const;
+    // The file's bytes, with one look: false with `there` false where nothing stands at the
+    // name, else false with the failure in `step`.
+    bool readFile(const std::string& name, std::string& text, bool& there, Step& step) const;
     // The lines of a file after its header, when it has the header of a generated one, in place.
     static LineViews bodyOf(const std::string& text) {
         LineViews lines = lineViews(text);
@@ -95,9 +97,10 @@ private:
     std::vector<Step> steps;
 };
 
-bool Update::readFile(const std::string& name, std::string& text, Step& step) const {
+bool Update::readFile(const std::string& name, std::string& text, bool& there, Step& step) const {
     std::string error;
-    if (folder.read(name, text, error)) return true;
+    if (folder.readIfThere(name, text, there, error)) return true;
+    if (!there) return false;
     step.report.outcome = FileOutcome::failed;
     step.report.message = error;
     return false;
@@ -136,19 +139,17 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
         return step;
     }
     if (renamed) step.report.renamedFrom = last->file.name;
-    std::string text, error;
+    std::string text;
     bool there = false;
-    if (!folder.readIfThere(source, text, there, error)) {
-        if (!there) {
-            step.report.outcome = FileOutcome::created;
-            step.report.renamedFrom.clear();
-            step.write = whole();
-            keep({});
+    if (!readFile(source, text, there, step)) {
+        if (there) {
+            if (last != nullptr) entries[last->file.name] = *last;
             return step;
         }
-        step.report.outcome = FileOutcome::failed;
-        step.report.message = error;
-        if (last != nullptr) entries[last->file.name] = *last;
+        step.report.outcome = FileOutcome::created;
+        step.report.renamedFrom.clear();
+        step.write = whole();
+        keep({});
         return step;
     }
     if (options.diff) step.before = text;
@@ -204,12 +205,12 @@ void Update::stale(const RecordEntry& entry) {
         entries[entry.file.name] = entry;  // not generated this time, but still in the model
         return;
     }
-    if (!folder.holdsAnything(entry.file.name)) return;
     Step step;
     step.report.file = entry.file.name;
     std::string text;
-    if (!readFile(entry.file.name, text, step)) {
-        steps.push_back(step);
+    bool there = false;
+    if (!readFile(entry.file.name, text, there, step)) {
+        if (there) steps.push_back(step);
         return;
     }
     if (options.diff) step.before = text;

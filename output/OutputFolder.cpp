@@ -14,6 +14,10 @@ namespace {
 
 std::string systemReason() { return std::strerror(errno); }
 
+// A descriptor to read the plain file at `path`; -1 where it can't be opened, the reason in
+// `errno`. A link is not followed.
+int openPlain(const std::string& path) { return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC); }
+
 // The bytes of the file `fd` was opened on, or, where `fd` is -1, the reason the open failed.
 bool readOpened(int fd, const std::string& path, std::string& text, std::string& error) {
     struct stat info {};
@@ -34,7 +38,7 @@ bool readOpened(int fd, const std::string& path, std::string& text, std::string&
 
 // The bytes of a plain file; false with the reason.
 bool readPlain(const std::string& path, std::string& text, std::string& error) {
-    return readOpened(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC), path, text, error);
+    return readOpened(openPlain(path), path, text, error);
 }
 
 // Writes `text` to a new file in the folder of `path` and renames it to `path`.
@@ -107,7 +111,7 @@ bool OutputFolder::readIfThere(const std::string& name, std::string& text, bool&
     there = !path.empty();
     if (!there) return false;
     errno = 0;
-    int fd = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    int fd = openPlain(path);
     if (fd < 0) {
         // Nothing by that name, or a look at what stands there.
         int reason = errno;
