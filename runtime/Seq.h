@@ -324,7 +324,7 @@ inline _eRank rankStrings(const _eString& a, const _eString& b) {
     const _eBaseNode<wchar_t>* right = b.rootNode();
     // Strings up to a leaf long, the usual case, are compared in place.
     if (left->isLeaf() && right->isLeaf())
-        return rankUnits(left->asLeaf()->data(), left->size(), right->asLeaf()->data(), right->size());
+        return rankUnits(left->asLeaf()->data(), left->count(), right->asLeaf()->data(), right->count());
     int na = a.size();
     int nb = b.size();
     _eSeqReader<wchar_t> mine(a);

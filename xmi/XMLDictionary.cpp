@@ -104,19 +104,50 @@ void DictionaryGathering::leave(const XMLElement& element, const _eString* id, b
     relate(element, id != nullptr);
 }
 
+namespace {
+
+std::uint64_t placeOf(const XMLElement& element) {
+    const Position& at = element.getPosition();
+    return std::uint64_t(std::uint32_t(at.line)) << 32 | std::uint32_t(at.column);
+}
+
+}  // namespace
+
+template <class Element>
+void DictionaryGathering::addUnlessThere(std::vector<Element*>& set, Element* member) const {
+    if (relatedAt.find(placeOf(*member))->second > 1)
+        for (Element* held : set)
+            if (held == member || held->equalFields(*member)) return;
+    set.push_back(member);
+}
+
+template <class Element>
+void DictionaryGathering::join(std::vector<Element*>& into, std::vector<Element*>& from) const {
+    if (from.empty()) return;
+    if (into.empty()) {
+        into = std::move(from);
+        return;
+    }
+    // The smaller side goes into the larger.
+    if (from.size() >= into.size()) into.swap(from);
+    for (Element* member : from) addUnlessThere(into, member);
+}
+
 void DictionaryGathering::relate(const XMLElement& element, bool related) {
     std::optional<Relations> own = std::move(open.back());
     open.pop_back();
     if (related) {
         // Both classes are final: the class of the element tells, without a search of its bases.
         const std::type_info& type = typeid(element);
-        if (type == typeid(FCAssociationElement)) {
+        bool association = type == typeid(FCAssociationElement);
+        if (association || type == typeid(FCGeneralizationElement)) {
+            ++relatedAt[placeOf(element)];
             if (!own) own.emplace();
-            own->associations.add(const_cast<FCAssociationElement*>(static_cast<const FCAssociationElement*>(&element)));
-        } else if (type == typeid(FCGeneralizationElement)) {
-            if (!own) own.emplace();
-            own->generalizations.add(
-                const_cast<FCGeneralizationElement*>(static_cast<const FCGeneralizationElement*>(&element)));
+            auto* member = const_cast<XMLElement*>(&element);
+            if (association)
+                addUnlessThere(own->associations, static_cast<FCAssociationElement*>(member));
+            else
+                addUnlessThere(own->generalizations, static_cast<FCGeneralizationElement*>(member));
         }
     }
     if (!own) return;
@@ -129,26 +160,61 @@ void DictionaryGathering::relate(const XMLElement& element, bool related) {
         into = std::move(own);
         return;
     }
-    into->associations.addAll(own->associations);
-    into->generalizations.addAll(own->generalizations);
+    join(into->associations, own->associations);
+    join(into->generalizations, own->generalizations);
 }
 
-_eHndl<XMLDictionary> DictionaryGathering::dictionary() const {
-    auto byRank = [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; };
-    // The entries in the order of their ids, sorted as pointers to them: moving an entry whole
-    // would move its handles.
-    std::vector<const std::pair<const _eString, Slot>*> keyed;
-    std::vector<_eString> marked;
-    for (const auto& entry : ids) {
-        if (entry.second.element != nullptr) keyed.push_back(&entry);
-        if (entry.second.duplicate) marked.push_back(entry.first);
+namespace {
+
+// The set of `members`, all of one rank, in their order.
+template <class Element>
+_eSet<_eHndl<Element>> setOf(const std::vector<Element*>& members) {
+    std::vector<_eHndl<Element>> held(members.begin(), members.end());
+    return _eSet<_eHndl<Element>>::fromAscending(_eSeq<_eHndl<Element>>(int(held.size()), held.data()));
+}
+
+}  // namespace
+
+namespace {
+
+// An entry to sort by its id, with the units of an id of one leaf at hand: the sort then reads
+// them without going through the entry and the string's tree.
+struct SortedEntry {
+    const wchar_t* units;  // null for an id of several leaves
+    int length;
+    const _eString* id;
+    const XMLElement* element;
+
+    bool operator<(const SortedEntry& other) const {
+        if (units != nullptr && other.units != nullptr)
+            return rankUnits(units, length, other.units, other.length) == rankBelow;
+        return rankStrings(*id, *other.id) == rankBelow;
     }
-    std::sort(keyed.begin(), keyed.end(), [&](const auto* a, const auto* b) { return byRank(a->first, b->first); });
+};
+
+SortedEntry sortedEntry(const _eString& id, const XMLElement* element) {
+    const _eBaseNode<wchar_t>* root = id.rootNode();
+    if (!root->isLeaf()) return {nullptr, 0, &id, element};
+    return {root->asLeaf()->data(), root->count(), &id, element};
+}
+
+}  // namespace
+
+_eHndl<XMLDictionary> DictionaryGathering::dictionary() const {
+    std::vector<SortedEntry> keyed;
+    keyed.reserve(ids.size());
+    std::vector<_eString> marked;
+    for (const auto& [id, slot] : ids) {
+        if (slot.element != nullptr) keyed.push_back(sortedEntry(id, slot.element));
+        if (slot.duplicate) marked.push_back(id);
+    }
+    std::sort(keyed.begin(), keyed.end());
     std::vector<ClassMap::Entry> ordered;
     ordered.reserve(keyed.size());
-    for (const auto* entry : keyed) ordered.push_back({entry->first, const_cast<XMLElement*>(entry->second.element)});
-    std::sort(marked.begin(), marked.end(), byRank);
+    for (const SortedEntry& entry : keyed) ordered.push_back({*entry.id, const_cast<XMLElement*>(entry.element)});
+    std::sort(marked.begin(), marked.end(),
+              [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; });
     return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
                              Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())),
-                             all.associations, all.generalizations);
+                             setOf(all.associations), setOf(all.generalizations));
 }

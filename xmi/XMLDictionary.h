@@ -2,6 +2,7 @@
 // generalizations. A value: every operation gives a new dictionary.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -25,7 +26,7 @@ public:
     ClassIdIndex(const ClassIdIndex&) {}
     ClassIdIndex& operator=(const ClassIdIndex&) {
         built = false;
-        byId = {};
+        byId.clear();
         return *this;
     }
 
@@ -33,8 +34,8 @@ public:
     template <class IdsOf>
     Members membersOf(const _eString& classId, const Members& all, IdsOf idsOf) {
         if (!built) build(all, idsOf);
-        auto [index, end] = byId.lookup(classId);
-        return index == end ? Members() : byId.elements().get(index).second;
+        auto found = byId.find(classId);
+        return found == byId.end() ? Members() : found->second;
     }
 
 private:
@@ -43,19 +44,13 @@ private:
         for (int i = 0, n = all.size(); i < n; ++i) {
             const _eHndl<Element>& member = all.elements().get(i);
             Names ids = idsOf(*member);
-            for (int k = 0, m = ids.size(); k < m; ++k) {
-                const _eString& id = ids.elements().get(k);
-                auto [index, end] = byId.lookup(id);
-                Members named = index == end ? Members() : byId.elements().get(index).second;
-                named.add(member);
-                byId.put(id, named);
-            }
+            for (int k = 0, m = ids.size(); k < m; ++k) byId[ids.elements().get(k)].add(member);
         }
         built = true;
     }
 
     bool built = false;
-    _eMap<_eString, Members> byId;
+    std::unordered_map<_eString, Members, StringHash> byId;
 };
 
 // The entries by id in a hash table, built on the first lookup: a lookup then costs one hash of
@@ -166,19 +161,29 @@ private:
         const XMLElement* element;  // null once dropped
         bool duplicate;
     };
-    // The associations and generalizations of an element's subtree. They are joined as the fold
-    // joins them, each child's into those of the children before it: the order of a set's
-    // elements of equal rank follows the order of its unions.
+    // The associations and generalizations of an element's subtree, each a set in the order of
+    // its unions: every member ranks the same, so a set's union appends those of the smaller
+    // side that the larger lacks, behind the larger side's. They are joined as the fold joins
+    // them, each child's into those of the children before it.
     struct Relations {
-        Associations associations;
-        Generalizations generalizations;
+        std::vector<FCAssociationElement*> associations;
+        std::vector<FCGeneralizationElement*> generalizations;
     };
     // Joins the relations of the element's subtree, the element's own among them where it has an
     // id, into those of its parent.
     void relate(const XMLElement& element, bool related);
+    // Adds `member` to `set` unless an equal one is there. Equal elements begin at the same
+    // place, so only a member whose place another related element shares is compared.
+    template <class Element>
+    void addUnlessThere(std::vector<Element*>& set, Element* member) const;
+    // The union of `from` into `into`, as a set's union makes it.
+    template <class Element>
+    void join(std::vector<Element*>& into, std::vector<Element*>& from) const;
 
     std::unordered_map<_eString, Slot, StringHash> ids;
     // Of the elements entered and not yet left; none yet for most.
     std::vector<std::optional<Relations>> open;
     Relations all;  // of the element left last
+    // How many related elements begin at each line and column.
+    std::unordered_map<std::uint64_t, int> relatedAt;
 };

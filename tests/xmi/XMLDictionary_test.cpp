@@ -2,7 +2,9 @@
 // relationships by class, and the table of shared names.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <map>
+#include <optional>
 #include <random>
 #include <set>
 
@@ -109,6 +111,67 @@ TEST(XMLDictionary, RandomTreesFollowTheRulesOfMerge) {
             for (const std::wstring& id : expected.duplicates)
                 EXPECT_TRUE(actual->getDuplicateIds().contains(_eString(std::wstring_view(id)))) << text;
         }
+    }
+}
+
+// Gathers the relationships of `element`'s subtree into `gathering`, every element with an id
+// related, as the tree's own gathering does.
+void gatherTree(DictionaryGathering& gathering, const XMLElement& element) {
+    gathering.enter();
+    const auto& items = element.getContent()->getItems();
+    for (int i = 0; i < items.size(); ++i)
+        if (auto* child = dynamic_cast<const XMLElement*>(items.get(i).get())) gatherTree(gathering, *child);
+    std::optional<_eString> id;
+    if (element.hasAttribute(L"xmi.id")) id = element.attributeText(L"xmi.id", Context::shared());
+    gathering.leave(element, id ? &*id : nullptr, false);
+}
+
+// The associations and generalizations gathered are the fold's sets, member for member and in
+// order: of one random tree with relationships nested in each other, and of a file's two parses
+// side by side, whose elements are equal in pairs and so kept once.
+TEST(XMLDictionary, GatheredRelationshipsAreTheFoldsSets) {
+    std::mt19937 random(20261126);
+    std::function<void(int, std::string&)> element = [&](int depth, std::string& out) {
+        static const char* const names[] = {"e", "UML:Association", "UML:Generalization"};
+        std::string name = names[random() % 3];
+        out += "<" + name;
+        if (random() % 5 != 0) out += " xmi.id='i" + std::to_string(random() % 40) + "'";
+        out += ">";
+        int children = depth >= 4 ? 0 : int(random() % 4);
+        for (int i = 0; i < children; ++i) element(depth + 1, out);
+        out += "</" + name + ">";
+    };
+    auto sameMembers = [](const auto& actual, const auto& expected, const std::string& text) {
+        ASSERT_EQ(actual.size(), expected.size()) << text;
+        for (int i = 0; i < actual.size(); ++i) EXPECT_EQ(actual.at(i).get(), expected.at(i).get()) << text;
+    };
+    for (int round = 0; round < 150; ++round) {
+        std::string text = "<r>";
+        for (int i = 0; i < 3; ++i) element(0, text);
+        text += "</r>";
+        TempDir dir;
+        std::string path = dir.write("in.xml", text);
+        ParseOutcome first = parseFile(path);
+        ParseOutcome second = parseFile(path);
+        ASSERT_TRUE(first.accepted && second.accepted) << text;
+        const XMLElement& one = *dynamic_cast<XMLDocument*>(first.result.get())->getRoot();
+        const XMLElement& other = *dynamic_cast<XMLDocument*>(second.result.get())->getRoot();
+
+        _eHndl<XMLDictionary> gathered = one.dictionary();
+        _eHndl<XMLDictionary> folded = foldedByOperations(one);
+        sameMembers(gathered->getAssociations(), folded->getAssociations(), text);
+        sameMembers(gathered->getGeneralizations(), folded->getGeneralizations(), text);
+
+        DictionaryGathering both;
+        both.enter();
+        gatherTree(both, one);
+        gatherTree(both, other);
+        both.leave(one, nullptr, false);
+        _eHndl<XMLDictionary> joined = both.dictionary();
+        _eHndl<XMLDictionary> merged = folded->merge(*foldedByOperations(other));
+        sameMembers(joined->getAssociations(), merged->getAssociations(), text);
+        sameMembers(joined->getGeneralizations(), merged->getGeneralizations(), text);
+        EXPECT_EQ(joined->getAssociations().size(), folded->getAssociations().size()) << text;
     }
 }
 
