@@ -16,6 +16,11 @@ void ModelAnnotations::addComment(const _eString& target, const _eString& commen
     if (!target.isEmpty() && !trimSpaces(text).isEmpty()) comments[toWString(target)].push_back({commentId, text});
 }
 
+void ModelAnnotations::addComment(const _eString& target, const _eString& commentId, const XMLElement& comment,
+                                  CommentText textOf) {
+    if (!target.isEmpty()) comments[toWString(target)].push_back({commentId, {}, &comment, textOf});
+}
+
 void ModelAnnotations::addConstraint(const _eString& target, const ConstraintRecord& constraint) {
     if (!target.isEmpty()) constraints[toWString(target)].push_back(constraint);
 }
@@ -46,14 +51,18 @@ void ModelAnnotations::addDocumentation(NotesRecord& notes, const _eString& text
     notes.documentation = *notes.documentation + L"\n\n" + text;
 }
 
-void ModelAnnotations::addTo(NotesRecord& notes, const _eString& id, const ModelParts& parts) const {
+void ModelAnnotations::addTo(NotesRecord& notes, const _eString& id, const ModelParts& parts,
+                             const _eHndl<Context>& context) const {
     auto seen = [&](const _eString& each) {
         return std::find(notes.commentIds.begin(), notes.commentIds.end(), each) != notes.commentIds.end();
     };
     if (parts.documentation)
         for (const Comment& comment : at(comments, id)) {
             if (!comment.id.isEmpty() && seen(comment.id)) continue;
-            addDocumentation(notes, comment.text);
+            // A comment without text documents nothing, and isn't counted as taken in.
+            _eString text = comment.textIn(context);
+            if (trimSpaces(text).isEmpty()) continue;
+            addDocumentation(notes, text);
             notes.commentIds.push_back(comment.id);
         }
     if (parts.constraints)

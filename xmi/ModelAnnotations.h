@@ -16,8 +16,15 @@ class XMLElement;
 
 class ModelAnnotations {
 public:
+    // How the text of a comment element reads.
+    using CommentText = _eString (*)(const XMLElement& comment, const _eHndl<Context>& context);
+
     // The text of the comment `commentId` documents the element `target`.
     void addComment(const _eString& target, const _eString& commentId, const _eString& text);
+    // The same for the comment element `comment`, whose text `textOf` reads only when the
+    // documentation of `target` is asked for: most are read there from the comment itself, and a
+    // model's comments, held as texts, would outweigh the rest of it.
+    void addComment(const _eString& target, const _eString& commentId, const XMLElement& comment, CommentText textOf);
     void addConstraint(const _eString& target, const ConstraintRecord& constraint);
     // The class `client` realises the interface that `realization` names.
     void addRealization(const _eString& client, const GeneralizationRecord& realization);
@@ -26,7 +33,7 @@ public:
 
     // `notes` with what is gathered for the element `id` and isn't in them yet, as far as
     // `parts` asks: its comments joined to its documentation, then its constraints.
-    void addTo(NotesRecord& notes, const _eString& id, const ModelParts& parts) const;
+    void addTo(NotesRecord& notes, const _eString& id, const ModelParts& parts, const _eHndl<Context>& context) const;
     // A text joined to the documentation in `notes` as a paragraph of its own, unless it is
     // there already.
     static void addDocumentation(NotesRecord& notes, const _eString& text);
@@ -36,7 +43,11 @@ public:
 private:
     struct Comment {
         _eString id;
-        _eString text;
+        _eString text;                        // as given, or
+        const XMLElement* element = nullptr;  // the comment, read by
+        CommentText textOf = nullptr;
+
+        _eString textIn(const _eHndl<Context>& context) const { return element ? textOf(*element, context) : text; }
     };
     // Lists by the id of the element they belong to, asked by the units of an id in place.
     template <class T>

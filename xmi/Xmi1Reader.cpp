@@ -189,7 +189,7 @@ NotesRecord XMLElement::notes(const _eHndl<Context>& context) const {
             if (!constraint.isNull() && textIs(constraint->getName(), L"UML:Constraint"))
                 notes.constraints.push_back(readConstraint(*constraint, context));
         }
-    if (context->getAnnotations() != nullptr) context->getAnnotations()->addTo(notes, ownId(), parts);
+    if (context->getAnnotations() != nullptr) context->getAnnotations()->addTo(notes, ownId(), parts, context);
     return notes;
 }
 
@@ -237,7 +237,7 @@ std::shared_ptr<const ModelAnnotations> Xmi1Reader::annotations(const _eHndl<Con
                 };
                 if (!id.isEmpty() && parts.documentation && textIs(tag, L"UML:Comment"))
                     for (const _eString& target : targets(L"annotatedElement", L"UML:Comment.annotatedElement"))
-                        index->addComment(target, id, commentText(element, context));
+                        index->addComment(target, id, element, commentText);
                 if (!id.isEmpty() && parts.constraints && textIs(tag, L"UML:Constraint"))
                     for (const _eString& target : targets(L"constrainedElement", L"UML:Constraint.constrainedElement"))
                         index->addConstraint(target, readConstraint(element, context));

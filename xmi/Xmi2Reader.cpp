@@ -407,7 +407,7 @@ ClassRecord Xmi2Reader::readClass(const FoundClass& found, const _eHndl<Context>
 
 NotesRecord Xmi2Reader::readNotes(const XMLElement& element) const {
     NotesRecord notes;
-    if (parts.documentation || parts.constraints) lookups().annotations.addTo(notes, vocabulary.id(element), parts);
+    if (parts.documentation || parts.constraints) lookups().annotations.addTo(notes, vocabulary.id(element), parts, Context::shared());
     return notes;
 }
 

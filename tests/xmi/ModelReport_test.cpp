@@ -1,6 +1,8 @@
 // What the text leaves out of a model is said, kind by kind.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "support/ImportRun.h"
 #include "xmi/ModelReport.h"
 
@@ -70,4 +72,26 @@ TEST(ModelReport, FirstItemsOrEvery) {
     ASSERT_EQ(first.size(), 1);
     EXPECT_EQ(toWString(first.at(0)), L"Left out: 7 things: a, b, c, d, e, and 2 more");
     EXPECT_EQ(toWString(ModelReport::lines({many}, true).at(0)), L"Left out: 7 things: a, b, c, d, e, f, g");
+}
+
+// Comments are read where a class's documentation is asked for: one inside the class and one
+// that names it from elsewhere are each written once, and one without text documents nothing, so
+// the report still names it.
+TEST(ModelReport, CommentsTakenInOnceAndBlankOnesLeftOut) {
+    const std::string annotated =
+        "<XMI xmi.version='1.2'><XMI.content><UML:Model xmi.id='m' name='m'><UML:Namespace.ownedElement>"
+        "<UML:Class xmi.id='A' name='A'><UML:ModelElement.comment>"
+        "<UML:Comment xmi.id='in' body='Inside.'/></UML:ModelElement.comment></UML:Class>"
+        "<UML:Comment xmi.id='far' body='From afar.'><UML:Comment.annotatedElement><UML:Class xmi.idref='A'/>"
+        "</UML:Comment.annotatedElement></UML:Comment>"
+        "<UML:Comment xmi.id='blank' body='  '><UML:Comment.annotatedElement><UML:Class xmi.idref='A'/>"
+        "</UML:Comment.annotatedElement></UML:Comment>"
+        "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>";
+    ImportRun run(annotated, everyExtension());
+    ASSERT_TRUE(run.parsed);
+    const std::string& text = run.files["A.tv"];
+    EXPECT_EQ(text.find("// Inside.\n//\n// From afar.\nclass A ^="), 0u) << text;
+    EXPECT_EQ(text.find("Inside.", text.find("Inside.") + 1), std::string::npos) << text;
+    std::vector<std::wstring> report = reportOf(annotated, everyExtension(), true);
+    EXPECT_NE(std::find(report.begin(), report.end(), L"Left out: 1 comments not generated: ?"), report.end());
 }
