@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <string>
 
 #include "xml/CompactText.h"
 #include "xml/XMLNames.h"
@@ -36,6 +37,12 @@ public:
     }
 
     _eString getText() const { return text.text(); }
+    // Appends the text to `out`.
+    void appendTextTo(std::wstring& out) const {
+        std::size_t at = out.size();
+        out.resize(at + std::size_t(text.size()));
+        text.copyTo(out.data() + at);
+    }
 
 private:
     CompactText text;

@@ -1,5 +1,8 @@
 #include "xml/XMLcontent.h"
 
+#include <string>
+#include <string_view>
+
 #include "runtime/StringUtils.h"
 #include "xmi/XMLElement.h"
 #include "xml/XMLCharData.h"
@@ -152,10 +155,13 @@ _eString XMLcontent::textAtPath(const _eSeq<_eString>& path) const {
 }
 
 _eString XMLcontent::text() const {
-    _eString all;
+    // Gathered in one buffer and trimmed there, so that one string is made of it.
+    std::wstring all;
     for (int i = 0, n = items.size(); i < n; ++i)
-        if (const auto* data = dynamic_cast<const XMLCharData*>(items.get(i).get())) all = all + data->getText();
-    return trimSpaces(all);
+        if (const auto* data = dynamic_cast<const XMLCharData*>(items.get(i).get())) data->appendTextTo(all);
+    std::size_t from = all.find_first_not_of(L' ');
+    if (from == std::wstring::npos) return {};
+    return _eString(std::wstring_view(all).substr(from, all.find_last_not_of(L' ') + 1 - from));
 }
 
 ElementSeq XMLcontent::elementsAtPath(std::initializer_list<std::wstring_view> path) const {

@@ -50,7 +50,7 @@ TEST(XMLNodes, NumbersInBothBasesWrapWithoutCheck) {
 // data: placeholders and nothing as specified, their characters when decoding is asked for.
 TEST(XMLNodes, ReferencesDecodedOnlyWhenAskedFor) {
     const std::string text =
-        "<r a='x&amp;&lt;&gt;&quot;&apos;&#65;&#x42;&other;y'>p&amp;q&#67;r&other;s</r>";
+        "<r a='x&amp;&lt;&gt;&quot;&apos;&#65;&#x42;&other;y'>  p&amp;q&#67;r&other;s &#x20AC; </r>";
     struct Row {
         bool decode;
         const wchar_t* attribute;
@@ -60,7 +60,7 @@ TEST(XMLNodes, ReferencesDecodedOnlyWhenAskedFor) {
         {false,
          L"x[[EntityRef'amp']][[EntityRef'lt']][[EntityRef'gt']][[EntityRef'quot']][[EntityRef'apos']]AB[[EntityRef'other']]y",
          L"pqrs"},
-        {true, L"x&<>\"'AB[[EntityRef'other']]y", L"p&qCrs"},
+        {true, L"x&<>\"'AB[[EntityRef'other']]y", L"p&qCrs \u20AC"},
     };
     for (const Row& row : rows) {
         ImportExtensions extensions;
