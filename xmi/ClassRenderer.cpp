@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "output/ReservedWords.h"
+#include "runtime/PoolAllocator.h"
 #include "runtime/StringUtils.h"
 
 namespace {
@@ -102,16 +103,16 @@ private:
         return *this;
     }
 
-    template <class From, class T>
-    static void appendAll(From&& from, std::vector<T>& into) {
+    template <class From, class Into>
+    static void appendAll(From&& from, Into& into) {
         if constexpr (!std::is_lvalue_reference_v<From>)
             into.insert(into.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
         else
             into.insert(into.end(), from.begin(), from.end());
     }
 
-    std::vector<OutputToken> tokens;
-    std::vector<DeclarationRun> runs;
+    std::vector<OutputToken, PoolAllocator<OutputToken>> tokens;
+    std::vector<DeclarationRun, PoolAllocator<DeclarationRun>> runs;
 };
 
 Output operator+(Output a, const Output& b) { return std::move(a += b); }
