@@ -50,17 +50,35 @@ private:
 
 // A stretch of output while it is built: its tokens, and its runs of declarations as
 // `TarvaneOutput` keeps them, none while no token is declared. Joining appends in place; the
-// stretch becomes a `TarvaneOutput` once, when it is done.
+// stretch becomes a `TarvaneOutput` once, when it is done. While a `CountOnly` stands, a stretch
+// keeps only how many tokens it has and how many of them are unknown: a class is then rendered
+// for the count of its placeholders alone, without its text.
 class Output {
 public:
+    // Output made while one stands is counted, not kept; it is never made a `TarvaneOutput`.
+    class CountOnly {
+    public:
+        CountOnly() : before(counting) { counting = true; }
+        CountOnly(const CountOnly&) = delete;
+        CountOnly& operator=(const CountOnly&) = delete;
+        ~CountOnly() { counting = before; }
+
+    private:
+        bool before;
+    };
+
     Output() = default;
     // A run of tokens.
-    Output(std::initializer_list<Piece> run) {
-        tokens.reserve(run.size());
-        for (const Piece& piece : run) tokens.push_back({piece.text, piece.kind});
+    Output(std::initializer_list<Piece> run) : count(std::int32_t(run.size())) {
+        bool keep = !counting;
+        if (keep) tokens.reserve(run.size());
+        for (const Piece& piece : run) {
+            unknown += piece.kind == TokenKind::unknown ? 1 : 0;
+            if (keep) tokens.push_back({piece.text, piece.kind});
+        }
     }
 
-    bool isEmpty() const { return tokens.empty(); }
+    bool isEmpty() const { return count == 0; }
 
     // These tokens and declarations, then `other`'s, joined as `TarvaneOutput::concat` joins them.
     Output& operator+=(const Output& other) { return append(other); }
@@ -69,7 +87,7 @@ public:
     // The same tokens as one declaration of the element `id`, in place of any within them.
     Output declared(const _eString& id, DeclarationPart part) && {
         runs.clear();
-        if (!isEmpty()) runs.push_back({id, part, true, std::int32_t(tokens.size())});
+        if (!isEmpty() && !counting) runs.push_back({id, part, true, count});
         return std::move(*this);
     }
 
@@ -79,13 +97,10 @@ public:
                                                        _eSeq<DeclarationRun>(int(runs.size()), runs.data())));
     }
 
-    int unknowns() const {
-        return int(std::count_if(tokens.begin(), tokens.end(),
-                                 [](const OutputToken& token) { return token.kind == TokenKind::unknown; }));
-    }
+    int unknowns() const { return unknown; }
 
 private:
-    static DeclarationRun undeclared(std::size_t count) { return {{}, {}, false, std::int32_t(count)}; }
+    static DeclarationRun undeclared(std::int32_t count) { return {{}, {}, false, count}; }
 
     // `other` an `Output` or an `Output&&`: the tokens and runs of a stretch that goes are moved.
     template <class Other>
@@ -93,13 +108,15 @@ private:
         if (other.isEmpty()) return *this;
         if (isEmpty()) return *this = std::forward<Other>(other);
         if (!runs.empty() || !other.runs.empty()) {
-            if (runs.empty()) runs.push_back(undeclared(tokens.size()));
+            if (runs.empty()) runs.push_back(undeclared(count));
             if (other.runs.empty())
-                runs.push_back(undeclared(other.tokens.size()));
+                runs.push_back(undeclared(other.count));
             else
                 appendAll(std::forward<Other>(other).runs, runs);
         }
         appendAll(std::forward<Other>(other).tokens, tokens);
+        count += other.count;
+        unknown += other.unknown;
         return *this;
     }
 
@@ -111,8 +128,12 @@ private:
             into.insert(into.end(), from.begin(), from.end());
     }
 
-    std::vector<OutputToken, PoolAllocator<OutputToken>> tokens;
+    static inline thread_local bool counting = false;
+
+    std::vector<OutputToken, PoolAllocator<OutputToken>> tokens;  // none while counting
     std::vector<DeclarationRun, PoolAllocator<DeclarationRun>> runs;
+    std::int32_t count = 0;    // of the tokens
+    std::int32_t unknown = 0;  // of the tokens of the kind unknown
 };
 
 Output operator+(Output a, const Output& b) { return std::move(a += b); }
@@ -616,4 +637,7 @@ _eHndl<TarvaneOutput> ClassRenderer::enumerationDeclaration(const ClassRecord& r
 
 _eHndl<TarvaneOutput> ClassRenderer::classDeclaration(const ClassRecord& record) { return classRun(record).output(); }
 
-int ClassRenderer::unknownCount(const ClassRecord& record) { return classRun(record).unknowns(); }
+int ClassRenderer::unknownCount(const ClassRecord& record) {
+    Output::CountOnly counting;
+    return classRun(record).unknowns();
+}
