@@ -98,6 +98,8 @@ public:
     }
 
     int unknowns() const { return unknown; }
+    // True while a `CountOnly` stands.
+    static bool countingOnly() { return counting; }
 
 private:
     static DeclarationRun undeclared(std::int32_t count) { return {{}, {}, false, count}; }
@@ -354,6 +356,9 @@ Output comments(const std::vector<std::wstring>& lines) {
 // The comment lines that stand before a declaration: each line of the documentation, then each
 // constraint as "constraint NAME (LANGUAGE): BODY", a body of several lines continued below.
 Output notesBefore(const NotesRecord& notes) {
+    // Notes hold no placeholder, and the declaration after them is never empty: a count of
+    // placeholders needs none of their lines.
+    if (Output::countingOnly()) return none();
     Output out = notes.documentation ? comments(textLines(*notes.documentation)) : none();
     for (const ConstraintRecord& constraint : notes.constraints) {
         std::wstring head = L"constraint";
