@@ -173,10 +173,6 @@ _eSet<_eHndl<Element>> setOf(const std::vector<Element*>& members) {
     return _eSet<_eHndl<Element>>::fromAscending(_eSeq<_eHndl<Element>>(int(held.size()), held.data()));
 }
 
-}  // namespace
-
-namespace {
-
 // An entry to sort by its id, with the units of an id of one leaf at hand: the sort then reads
 // them without going through the entry and the string's tree.
 struct SortedEntry {
