@@ -1,17 +1,12 @@
 // Error records: their text, their order in a set, and the importer's summaries of them.
 #include <gtest/gtest.h>
 
+#include "support/GeneratedText.h"
 #include "support/ImporterInspector.h"
 
 namespace {
 
 std::wstring text(const _eString& s) { return toWString(s); }
-
-std::vector<std::wstring> lines(const _eSeq<_eString>& list) {
-    std::vector<std::wstring> out;
-    for (int i = 0; i < list.size(); ++i) out.push_back(toWString(list.at(i)));
-    return out;
-}
 
 class Errors : public testing::Test {
 protected:
@@ -102,7 +97,7 @@ TEST_F(Errors, ImporterSummariesOverItsErrors) {
     EXPECT_EQ(XMLImporterInspector::mostSevereError(importer), ErrorSeverity::fatal);
     EXPECT_FALSE(XMLImporterInspector::noSeriousError(importer));
     EXPECT_EQ(text(importer.getMostSevereErrorMsg()), L"a.xmi (8,1): Fatal error! Read from file 'a.xmi' failed.");
-    EXPECT_EQ(lines(importer.getErrorList(false)),
+    EXPECT_EQ(wideTexts(importer.getErrorList(false)),
               (std::vector<std::wstring>{
                   L"/m/a.xmi (1,1): Warning! Failed to close file 'a.xmi'.",
                   L"/m/a.xmi (4,1): Warning! Element has multiple definitions of attribute 'name'.",
@@ -110,7 +105,7 @@ TEST_F(Errors, ImporterSummariesOverItsErrors) {
                   L"/m/a.xmi (9,3): Fatal error! Syntax error at '&'.",
               }));
     // Short names drop the directory and nothing else.
-    auto longLines = lines(importer.getErrorList(false));
-    auto shortLines = lines(importer.getErrorList(true));
+    auto longLines = wideTexts(importer.getErrorList(false));
+    auto shortLines = wideTexts(importer.getErrorList(true));
     for (std::size_t i = 0; i < longLines.size(); ++i) EXPECT_EQ(L"/m/" + shortLines[i], longLines[i]);
 }

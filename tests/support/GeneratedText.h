@@ -1,7 +1,10 @@
-// The parts of a generated file that tests compare.
+// The parts of a generated file, and the lists of the importer, as tests compare them.
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "runtime/Seq.h"
 
 // The text of a generated file after its header's seven lines; empty when it has fewer.
 inline std::string afterHeader(const std::string& file) {
@@ -12,4 +15,11 @@ inline std::string afterHeader(const std::string& file) {
         start = end + 1;
     }
     return file.substr(start);
+}
+
+// The strings of a list as standard wide strings.
+inline std::vector<std::wstring> wideTexts(const _eSeq<_eString>& list) {
+    std::vector<std::wstring> out;
+    for (int i = 0; i < list.size(); ++i) out.push_back(toWString(list.at(i)));
+    return out;
 }

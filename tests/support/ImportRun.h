@@ -34,8 +34,7 @@ struct ImportRun {
         }
         importer.generateSingleFile(directory, L"all", all, generated);
         single = body(dir.read("all.tv"));
-        _eSeq<_eString> errorLines = importer.getErrorList(true);
-        for (int i = 0; i < errorLines.size(); ++i) errors.push_back(toWString(errorLines.at(i)));
+        errors = wideTexts(importer.getErrorList(true));
     }
 
     // The text after the header's seven lines.

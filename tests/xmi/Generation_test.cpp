@@ -17,12 +17,6 @@ std::string body(const std::string& file) {
     return text.substr(0, text.size() - footer.size());
 }
 
-std::vector<std::wstring> texts(const _eSeq<_eString>& list) {
-    std::vector<std::wstring> out;
-    for (int i = 0; i < list.size(); ++i) out.push_back(toWString(list.at(i)));
-    return out;
-}
-
 class Generation : public testing::Test {
 protected:
     void SetUp() override {
@@ -43,7 +37,7 @@ protected:
 // The model of the layout example (its text is a golden file): "String" is an ignored name, left
 // out of the list but generated when asked for.
 TEST_F(Generation, IgnoredNamesAreGeneratedWhenAskedFor) {
-    EXPECT_EQ(texts(importer.getClassList()), (std::vector<std::wstring>{L"Account", L"Base", L"Leaf"}));
+    EXPECT_EQ(wideTexts(importer.getClassList()), (std::vector<std::wstring>{L"Account", L"Base", L"Leaf"}));
     bool success = false;
     importer.generateClassFile(out(), L"String", success);
     EXPECT_TRUE(success);

@@ -16,10 +16,7 @@ std::vector<std::wstring> reportOf(const std::string& model, const ImportExtensi
     bool parsed = false;
     importer.attemptParse(fromPlatformText(dir.write("m.xmi", model)), L"", parsed);
     EXPECT_TRUE(parsed);
-    std::vector<std::wstring> lines;
-    _eSeq<_eString> report = importer.getLeftOutReport(everyItem);
-    for (int i = 0; i < report.size(); ++i) lines.push_back(toWString(report.at(i)));
-    return lines;
+    return wideTexts(importer.getLeftOutReport(everyItem));
 }
 
 const std::string model = readFile(std::string(MODELBRIDGE_TEST_DATA_DIR) + "/extensions/left-out.xmi");
@@ -75,21 +72,19 @@ TEST(ModelReport, FirstItemsOrEvery) {
 }
 
 // Comments are read where a class's documentation is asked for: one inside the class and one
-// that names it from elsewhere are each written once, and one without text documents nothing, so
+// that names it from elsewhere are each written once; one without text documents nothing, and
 // the report still names it.
 TEST(ModelReport, CommentsTakenInOnceAndBlankOnesLeftOut) {
-    const std::string annotated =
-        "<XMI xmi.version='1.2'><XMI.content><UML:Model xmi.id='m' name='m'><UML:Namespace.ownedElement>"
-        "<UML:Class xmi.id='A' name='A'><UML:ModelElement.comment>"
-        "<UML:Comment xmi.id='in' body='Inside.'/></UML:ModelElement.comment></UML:Class>"
-        "<UML:Comment xmi.id='far' body='From afar.'><UML:Comment.annotatedElement><UML:Class xmi.idref='A'/>"
-        "</UML:Comment.annotatedElement></UML:Comment>"
-        "<UML:Comment xmi.id='blank' body='  '><UML:Comment.annotatedElement><UML:Class xmi.idref='A'/>"
-        "</UML:Comment.annotatedElement></UML:Comment>"
-        "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>";
-    ImportRun run(annotated, everyExtension());
-    ASSERT_TRUE(run.parsed);
-    const std::string& text = run.files["A.tv"];
+    auto comment = [](const char* id, const char* body) {
+        return std::string("<UML:Comment xmi.id='") + id + "' body='" + body +
+               "'><UML:Comment.annotatedElement><UML:Class xmi.idref='A'/></UML:Comment.annotatedElement></UML:Comment>";
+    };
+    const std::string annotated = "<XMI xmi.version='1.2'><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
+                                  "<UML:Class xmi.id='A' name='A'><UML:ModelElement.comment><UML:Comment xmi.id='in' "
+                                  "body='Inside.'/></UML:ModelElement.comment></UML:Class>" +
+                                  comment("far", "From afar.") + comment("blank", "  ") +
+                                  "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>";
+    const std::string text = ImportRun(annotated, everyExtension()).files["A.tv"];
     EXPECT_EQ(text.find("// Inside.\n//\n// From afar.\nclass A ^="), 0u) << text;
     EXPECT_EQ(text.find("Inside.", text.find("Inside.") + 1), std::string::npos) << text;
     std::vector<std::wstring> report = reportOf(annotated, everyExtension(), true);
