@@ -134,7 +134,7 @@ mutations() {
 - at->second.element = &element;
 + (void)element;
 @ xmi/XMLDictionary.cpp | dictionary: the generalizations of a child after the first are lost
-- into->generalizations.addAll(own->generalizations);
+- join(into->generalizations, own->generalizations);
 + (void)own;
 @ xml/XMLcontent.cpp | id path: two name elements read as one
 - if (int found = countNamed(first, child); found != 1) return missingOrDuplicate(first, found);
@@ -266,8 +266,8 @@ mutations() {
 - if (first == nullptr) first = below;
 + if (below != nullptr) first = below;
 @ xmi/XMLDictionary.cpp | the dictionary's entries are left in the order of the hash table
-- std::sort(keyed.begin(), keyed.end(), [&](const auto* a, const auto* b) { return byRank(a->first, b->first); });
-+ (void)byRank;
+- std::sort(keyed.begin(), keyed.end());
++ (void)keyed;
 @ output/TextBatch.cpp | a full batch's units are written over instead of going out first
 - if (used == capacity) flush();
 + if (used == capacity) used = 0;
@@ -289,6 +289,21 @@ mutations() {
 @ output/OutputFolder.cpp | a name whose read fails for any reason counts as nothing there
 - there = reason != ENOENT && holdsAnything(name);
 + there = false;
+@ xmi/XMLDictionary.cpp | a relationship equal to one gathered already is kept twice
+- if (relatedAt.find(placeOf(*member))->second > 1)
++ if (false)
+@ xmi/XMLDictionary.cpp | the union of two sides of one size keeps the wrong side's order
+- if (from.size() >= into.size()) into.swap(from);
++ if (from.size() > into.size()) into.swap(from);
+@ xmi/ClassRenderer.cpp | the placeholders of a joined stretch go uncounted
+- unknown += other.unknown;
++ unknown += 0;
+@ xmi/ModelAnnotations.cpp | a comment without text is taken in
+- if (trimSpaces(text).isEmpty()) continue;
++ if (false) continue;
+@ xml/XMLcontent.cpp | an element's text keeps the blanks at its end
+- return _eString(std::wstring_view(all).substr(from, all.find_last_not_of(L' ') + 1 - from));
++ return _eString(std::wstring_view(all).substr(from));
 EOF
 }
 
