@@ -22,8 +22,8 @@ public:
     // The text of the comment `commentId` documents the element `target`.
     void addComment(const _eString& target, const _eString& commentId, const _eString& text);
     // The same for the comment element `comment`, whose text `textOf` reads only when the
-    // documentation of `target` is asked for: most are read there from the comment itself, and a
-    // model's comments, held as texts, would outweigh the rest of it.
+    // documentation of `target` is asked for and hasn't taken the comment in already: a model's
+    // comments, held as texts until then, would outweigh the rest of it.
     void addComment(const _eString& target, const _eString& commentId, const XMLElement& comment, CommentText textOf);
     void addConstraint(const _eString& target, const ConstraintRecord& constraint);
     // The class `client` realises the interface that `realization` names.
