@@ -91,7 +91,7 @@ void DictionaryGathering::enter() { open.emplace_back(); }
 
 void DictionaryGathering::leave(const XMLElement& element, const _eString* id, bool adds) {
     if (id != nullptr) {
-        auto [at, entered] = ids.try_emplace(*id, Slot{&element, false});
+        auto [at, entered] = ids.try_emplace(*id, GatheredId{&element, false});
         if (!adds) {
             if (!entered) at->second = {nullptr, true};
         } else if (!entered && at->second.element != nullptr) {
@@ -196,7 +196,7 @@ SortedEntry sortedEntry(const _eString& id, const XMLElement* element) {
 
 }  // namespace
 
-_eHndl<XMLDictionary> DictionaryGathering::dictionary() const {
+_eHndl<XMLDictionary> DictionaryGathering::dictionary() && {
     std::vector<SortedEntry> keyed;
     keyed.reserve(ids.size());
     std::vector<_eString> marked;
@@ -212,5 +212,5 @@ _eHndl<XMLDictionary> DictionaryGathering::dictionary() const {
               [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; });
     return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
                              Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())),
-                             setOf(all.associations), setOf(all.generalizations));
+                             setOf(all.associations), setOf(all.generalizations), std::move(ids));
 }

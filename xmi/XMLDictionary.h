@@ -53,12 +53,22 @@ private:
     std::unordered_map<_eString, Members, StringHash> byId;
 };
 
-// The entries by id in a hash table, built on the first lookup: a lookup then costs one hash of
-// the id instead of a search that compares strings through their trees. A copy starts empty,
-// as the indexes above do.
+// What the gathering of a tree's ids knows of an id: its element while it is entered, and
+// whether it was found twice.
+struct GatheredId {
+    const XMLElement* element;  // null once dropped
+    bool duplicate;
+};
+using GatheredIds = std::unordered_map<_eString, GatheredId, StringHash>;
+
+// The entries by id in a hash table, built on the first lookup, or taken whole from the
+// gathering that made them: a lookup then costs one hash of the id instead of a search that
+// compares strings through their trees. A copy starts empty, as the indexes above do.
 class EntryIndex {
 public:
     EntryIndex() = default;
+    // The ids of a gathering: the entries are those with an element.
+    explicit EntryIndex(GatheredIds&& gathered) : built(!gathered.empty()), byId(std::move(gathered)) {}
     EntryIndex(const EntryIndex&) {}
     EntryIndex& operator=(const EntryIndex&) {
         built = false;
@@ -71,19 +81,20 @@ public:
         if (entries.isEmpty()) return {};
         if (!built) build(entries);
         auto found = byId.find(id);
-        return found == byId.end() ? _eFrom<XMLElement>() : found->second;
+        // The entries hold their elements.
+        return found == byId.end() ? _eFrom<XMLElement>() : const_cast<XMLElement*>(found->second.element);
     }
 
 private:
     void build(const ClassMap& entries) {
         const auto& all = entries.elements();
         byId.reserve(std::size_t(all.size()));
-        for (int i = 0, n = all.size(); i < n; ++i) byId.emplace(all.get(i).first, all.get(i).second);
+        for (int i = 0, n = all.size(); i < n; ++i) byId.emplace(all.get(i).first, GatheredId{all.get(i).second.get(), false});
         built = true;
     }
 
     bool built = false;
-    std::unordered_map<_eString, _eFrom<XMLElement>, StringHash> byId;
+    GatheredIds byId;
 };
 
 class XMLDictionary : public _eClass<XMLDictionary, _eAny> {
@@ -91,13 +102,15 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule18, 0};
 
     XMLDictionary() = default;
+    // `gathered`, where given, are the ids that `entries` and `duplicateIds` were made of.
     XMLDictionary(const ClassMap& entries, const Names& duplicateIds, const Associations& associations,
-                  const Generalizations& generalizations)
+                  const Generalizations& generalizations, GatheredIds gathered = {})
         : entries(entries),
           duplicateIds(duplicateIds),
           associations(associations),
           generalizations(generalizations),
-          pendingIds(entriesAmong(entries, duplicateIds)) {}
+          pendingIds(entriesAmong(entries, duplicateIds)),
+          entryIndex(std::move(gathered)) {}
 
     // The one dictionary without entries.
     static const _eHndl<XMLDictionary>& empty();
@@ -153,14 +166,10 @@ public:
     // `adds`, else counted.
     void enter();
     void leave(const XMLElement& element, const _eString* id, bool adds);
-    // As a dictionary, its entries and marks in the order of their ids.
-    _eHndl<XMLDictionary> dictionary() const;
+    // As a dictionary, its entries and marks in the order of their ids; the gathering is spent.
+    _eHndl<XMLDictionary> dictionary() &&;
 
 private:
-    struct Slot {
-        const XMLElement* element;  // null once dropped
-        bool duplicate;
-    };
     // The associations and generalizations of an element's subtree, each a set in the order of
     // its unions: every member ranks the same, so a set's union appends those of the smaller
     // side that the larger lacks, behind the larger side's. They are joined as the fold joins
@@ -180,7 +189,7 @@ private:
     template <class Element>
     void join(std::vector<Element*>& into, std::vector<Element*>& from) const;
 
-    std::unordered_map<_eString, Slot, StringHash> ids;
+    GatheredIds ids;
     // Of the elements entered and not yet left; none yet for most.
     std::vector<std::optional<Relations>> open;
     Relations all;  // of the element left last

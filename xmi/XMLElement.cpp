@@ -152,7 +152,7 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
         if (onLine && line.size() > 1) line.pop_back();
         gathered.leave(element, id ? &*id : nullptr, onLine);
     });
-    return gathered.dictionary();
+    return std::move(gathered).dictionary();
 }
 
 const XMLAttributeValue* XMLElement::attributeValue(const TextView& attribute) const {
