@@ -13,7 +13,7 @@ const std::vector<T>& ModelAnnotations::at(const ById<T>& map, const _eString& i
 }
 
 void ModelAnnotations::addComment(const _eString& target, const _eString& commentId, const _eString& text) {
-    if (!target.isEmpty() && !trimSpaces(text).isEmpty()) comments[toWString(target)].push_back({commentId, text});
+    if (!target.isEmpty()) comments[toWString(target)].push_back({commentId, text});
 }
 
 void ModelAnnotations::addComment(const _eString& target, const _eString& commentId, const XMLElement& comment,

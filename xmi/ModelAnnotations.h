@@ -19,7 +19,8 @@ public:
     // How the text of a comment element reads.
     using CommentText = _eString (*)(const XMLElement& comment, const _eHndl<Context>& context);
 
-    // The text of the comment `commentId` documents the element `target`.
+    // The text of the comment `commentId` documents the element `target` (unless it is blank:
+    // `addTo` tells, for a text given and for one read).
     void addComment(const _eString& target, const _eString& commentId, const _eString& text);
     // The same for the comment element `comment`, whose text `textOf` reads only when the
     // documentation of `target` is asked for and hasn't taken the comment in already: a model's
