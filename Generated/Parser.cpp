@@ -224,7 +224,7 @@ std::optional<std::int32_t> Parser::loopAction(std::int32_t below, std::int32_t 
     return appended;
 }
 
-void Parser::takeRun(const RunBytes& run, const wchar_t* units, std::int32_t count) {
+void Parser::takeRun(const RunBytes& run, const unsigned char* units, std::int32_t count) {
     if (run.semanticAction == noAction || count == 0) return;
     _eFreeze freeze(this);
     appendRun(run.semanticAction, *stack.peekToChange(-1).value.uniquePointer(), units, count);

@@ -41,7 +41,7 @@ public:
     // Null where no byte loops, and while an error is being recovered from.
     const RunBytes* runBytes();
     // Takes `count` bytes of `run`, as many tokens of them would have been taken one by one.
-    void takeRun(const RunBytes& run, const wchar_t* units, std::int32_t count);
+    void takeRun(const RunBytes& run, const unsigned char* units, std::int32_t count);
 
     bool isFinished() const { return finished; }
     const XMLErrors& getErrors() const { return errors; }
@@ -71,7 +71,7 @@ protected:
     // byte runs.
     virtual std::int32_t byteToken(unsigned char byte) const { return byte; }
     virtual ActionKind actionKind(std::int32_t) const { return ActionKind::other; }
-    virtual void appendRun(std::int32_t, StackValue&, const wchar_t*, std::int32_t) {}
+    virtual void appendRun(std::int32_t, StackValue&, const unsigned char*, std::int32_t) {}
 
 private:
     ActionTableEntry terminalEntry(std::int32_t at, std::int32_t token) const {

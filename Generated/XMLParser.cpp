@@ -1,5 +1,7 @@
 #include "Generated/XMLParser.h"
 
+#include <typeinfo>
+
 #include "xml/XMLCharData.h"
 #include "runtime/StringUtils.h"
 #include "xml/XMLDocument.h"
@@ -97,7 +99,7 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
 
 void XMLParser::takeRuns(XMLLex& lexer, bool stopAtLineEnd) {
     constexpr std::int32_t room = 4096;
-    wchar_t units[room];
+    unsigned char units[room];
     while (const RunBytes* run = runBytes()) {
         std::int32_t count = lexer.readRun(run->member, stopAtLineEnd, units, room);
         takeRun(*run, units, count);
@@ -124,7 +126,7 @@ Parser::ActionKind XMLParser::actionKind(std::int32_t semanticAction) const {
     }
 }
 
-void XMLParser::appendRun(std::int32_t semanticAction, StackValue& value, const wchar_t* units, std::int32_t count) {
+void XMLParser::appendRun(std::int32_t semanticAction, StackValue& value, const unsigned char* units, std::int32_t count) {
     namespace A = SemanticAction;
     switch (semanticAction) {
         case A::appendToString: static_cast<XMLString&>(value).appendCharacters(units, count); break;
@@ -155,8 +157,9 @@ _eFrom<NonTerminal> XMLParser::entityReference(const Position& at, const _eHndl<
 }
 
 _eFrom<XMLContentItem> XMLParser::contentItem(const _eFrom<XMLContentItem>& item) const {
-    const auto* reference = dynamic_cast<const XMLCharReference*>(item.get());
-    if (!extensions.decodeReferences || reference == nullptr) return item;
+    // A character reference is of no class below its own: its type is compared, not searched.
+    if (!extensions.decodeReferences || typeid(*item.get()) != typeid(XMLCharReference)) return item;
+    const auto* reference = static_cast<const XMLCharReference*>(item.get());
     _eHndl<XMLCharData> data(new XMLCharData(reference->getPosition()));
     _eString text = reference->referenceText(Context::shared());
     data->appendCharacters(&text.elementRef(0), 1);

@@ -62,7 +62,7 @@ public:
 protected:
     std::int32_t byteToken(unsigned char byte) const override;
     ActionKind actionKind(std::int32_t semanticAction) const override;
-    void appendRun(std::int32_t semanticAction, StackValue& value, const wchar_t* units, std::int32_t count) override;
+    void appendRun(std::int32_t semanticAction, StackValue& value, const unsigned char* units, std::int32_t count) override;
 
 private:
     // The first tag of the document is the root's: its start tag is read before any element

@@ -1,6 +1,7 @@
 #include "xmi/XMLElement.h"
 
 #include <optional>
+#include <typeinfo>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -123,7 +124,8 @@ MultiplicityRecord XMLElement::readMultiplicity(std::wstring_view multiplicityEl
             range.propertyText(L"upper", L"UML:MultiplicityRange.upper", context)};
 }
 
-bool XMLElement::isRecognised() const { return dynamic_cast<const UnrecognisedElement*>(this) == nullptr; }
+// An unrecognised element is of no class below its own, so its type is compared, not searched.
+bool XMLElement::isRecognised() const { return typeid(*this) != typeid(UnrecognisedElement); }
 
 // The dictionary of the subtree, gathered with a stack of its own rather than by recursion.
 _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool extensions) const {

@@ -99,7 +99,7 @@ private:
 // the path to the classes read nothing of their own, and the class search tells them by tag.
 
 // Any element outside the vocabulary, a reference ("xmi.idref"), or an empty-element tag.
-class UnrecognisedElement : public _eClass<UnrecognisedElement, XMLElement> {
+class UnrecognisedElement final : public _eClass<UnrecognisedElement, XMLElement> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule20, 2};
     using _eClass::_eClass;

@@ -9,6 +9,15 @@ namespace {
 // Units widened at a time when a string is made of bytes.
 constexpr std::int32_t stretch = 512;
 
+void appendWidened(_eString& out, const unsigned char* from, std::uint32_t count) {
+    wchar_t units[stretch];
+    for (std::uint32_t start = 0; start < count; start += stretch) {
+        std::uint32_t n = std::min<std::uint32_t>(stretch, count - start);
+        for (std::uint32_t i = 0; i < n; ++i) units[i] = from[start + i];
+        out.appendRange(std::int32_t(n), units);
+    }
+}
+
 }  // namespace
 
 CompactText::CompactText(const CompactText& other) {
@@ -100,6 +109,19 @@ void CompactText::append(const wchar_t* units, std::int32_t count) {
     wide().appendRange(count, units);
 }
 
+void CompactText::append(const unsigned char* units, std::int32_t count) {
+    if (count <= 0) return;
+    if (bytes() == nullptr && !wide().isEmpty()) {
+        appendWidened(wide(), units, std::uint32_t(count));
+        return;
+    }
+    const Bytes* before = bytes();
+    reserve((before != nullptr ? before->size : 0) + std::uint32_t(count));
+    Bytes* held = bytes();
+    std::memcpy(held->units() + held->size, units, std::size_t(count));
+    held->size += std::uint32_t(count);
+}
+
 void CompactText::replace(const _eString& text) { holdString(text); }
 
 void CompactText::fit() {
@@ -133,13 +155,7 @@ void CompactText::appendTo(_eString& out) const {
         out.appendAll(wide());
         return;
     }
-    wchar_t units[stretch];
-    const unsigned char* from = held->units();
-    for (std::uint32_t start = 0; start < held->size; start += stretch) {
-        std::uint32_t n = std::min<std::uint32_t>(stretch, held->size - start);
-        for (std::uint32_t i = 0; i < n; ++i) units[i] = from[start + i];
-        out.appendRange(std::int32_t(n), units);
-    }
+    appendWidened(out, held->units(), held->size);
 }
 
 bool CompactText::operator==(const CompactText& other) const {

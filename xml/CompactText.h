@@ -19,12 +19,15 @@ public:
     ~CompactText();
 
     void append(const wchar_t* units, std::int32_t count);
+    // The same for units that are bytes, as the lexer reads them.
+    void append(const unsigned char* units, std::int32_t count);
     // Holds `text` as it is, in place of what was gathered.
     void replace(const _eString& text);
     // Gives back the room gathered beyond the units.
     void fit();
     // Once the text is whole: a text of up to `longest` units is held as the string `make`
-    // gives for its units; the room gathered beyond a longer one is given back.
+    // gives for its units, unless it gives none (the empty string); the room gathered beyond
+    // a text held otherwise is given back.
     template <std::int32_t longest, class Make>
     void settle(Make make) {
         std::int32_t count = size();
@@ -34,7 +37,11 @@ public:
         }
         wchar_t units[longest];
         copyTo(units);
-        holdString(make(std::wstring_view(units, std::size_t(count))));
+        _eString made = make(std::wstring_view(units, std::size_t(count)));
+        if (made.isEmpty())
+            fit();
+        else
+            holdString(made);
     }
 
     std::int32_t size() const {

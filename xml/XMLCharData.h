@@ -24,13 +24,15 @@ public:
         wchar_t unit = next->getCharacter();
         appendCharacters(&unit, 1);
     }
-    void appendCharacters(const wchar_t* units, std::int32_t count) {
+    template <class Unit>
+    void appendCharacters(const Unit* units, std::int32_t count) {
         _eFreeze freeze(this);
         text.append(units, count);
     }
 
     // Once the text is whole: holds the string that other character data of the same text
-    // hold, when it is short, and gives back the room gathered beyond a longer one.
+    // hold, when it is short and one is kept for it, and gives back the room gathered beyond
+    // a text kept as it stands.
     void shareText() {
         _eFreeze freeze(this);
         text.settle<XMLNames::longest>(XMLNames::sharedText);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "xml/TextEncodings.h"
 
@@ -143,7 +144,7 @@ void XMLLex::advance() {
     --bytesLeft;
 }
 
-std::int32_t XMLLex::readRun(const bool (&member)[256], bool stopAtLineEnd, wchar_t* units, std::int32_t room) {
+std::int32_t XMLLex::readRun(const bool (&member)[256], bool stopAtLineEnd, unsigned char* units, std::int32_t room) {
     std::int32_t limit = std::min(room, bytesLeft - 1);
     if (limit <= 0) return 0;
     std::int32_t count = 0;
@@ -164,7 +165,7 @@ std::int32_t XMLLex::readRun(const bool (&member)[256], bool stopAtLineEnd, wcha
         if (taken > 0) {
             here.passAll(currentChar, bytes, taken - 1, tabWidth);
             currentChar = bytes[taken - 1];
-            std::copy(bytes, bytes + taken, units + count);
+            std::memcpy(units + count, bytes, std::size_t(taken));
         }
         next += std::size_t(taken);
         count += taken;

@@ -33,7 +33,7 @@ public:
     // Reads on while the next byte is a `member`, each as `nextToken` would have read it, at
     // most `room` bytes into `units`; never the file's last byte, which may stand for its end.
     // With `stopAtLineEnd` no line end is read. Gives the number of bytes read.
-    std::int32_t readRun(const bool (&member)[256], bool stopAtLineEnd, wchar_t* units, std::int32_t room);
+    std::int32_t readRun(const bool (&member)[256], bool stopAtLineEnd, unsigned char* units, std::int32_t room);
     virtual std::int32_t lineNumber() const { return here.getLine(); }
     virtual XMLErrors getErrors() const { return errors; }
 

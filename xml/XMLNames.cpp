@@ -70,7 +70,7 @@ _eString XMLNames::shared(std::wstring_view name) {
 
 _eString XMLNames::sharedText(std::wstring_view text) {
     static Table kept;
-    return lookUpUnits(kept, text, [&] { return _eString(text); });
+    return lookUpUnits(kept, text, [&] { return int(kept.kept.size()) < capacity ? _eString(text) : _eString(); });
 }
 
 _eString XMLNames::sharedValue(std::wstring_view text) {

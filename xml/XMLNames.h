@@ -24,7 +24,8 @@ public:
     // The same for a name whose units are not yet a string: one is made only where none is kept.
     static _eString shared(std::wstring_view name);
     // The same for short texts that repeat, such as the white space between elements: a table
-    // of their own, so that they never crowd out the names.
+    // of their own, so that they never crowd out the names. Once the table is full, a text it
+    // doesn't hold gets no string (the empty one): its holder keeps it as it stands.
     static _eString sharedText(std::wstring_view text);
     // The same for short attribute values ("public", "false", the ids of common types).
     static _eString sharedValue(std::wstring_view text);

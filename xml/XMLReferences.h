@@ -41,7 +41,7 @@ private:
     _eString name;
 };
 
-class XMLCharReference : public _eClass<XMLCharReference, XMLReference> {
+class XMLCharReference final : public _eClass<XMLCharReference, XMLReference> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 16};
 

@@ -56,7 +56,8 @@ public:
         wchar_t unit = next->getCharacter();
         append(&unit, 1);
     }
-    void appendCharacters(const wchar_t* units, std::int32_t count) {
+    template <class Unit>
+    void appendCharacters(const Unit* units, std::int32_t count) {
         _eFreeze freeze(this);
         append(units, count);
     }
@@ -69,14 +70,17 @@ public:
 
 private:
     // Up to `heldUnits` units stay in `held`; a longer name moves them all to `spilled`.
-    void append(const wchar_t* units, std::int32_t count) {
+    template <class Unit>
+    void append(const Unit* units, std::int32_t count) {
         if (spilled.empty() && length + count <= heldUnits) {
             std::copy(units, units + count, held + length);
             length += count;
             return;
         }
         if (spilled.empty()) spilled.assign(held, std::size_t(length));
-        spilled.append(units, std::size_t(count));
+        std::size_t at = spilled.size();
+        spilled.resize(at + std::size_t(count));
+        std::copy(units, units + count, spilled.data() + at);
     }
 
     static constexpr std::int32_t heldUnits = 32;  // the names of XMI tags and attributes fit

@@ -77,7 +77,8 @@ public:
         wchar_t character = terminal->getCharacter();
         addCharacters(&character, 1);
     }
-    void addCharacters(const wchar_t* units, std::int32_t count) {
+    template <class Unit>
+    void addCharacters(const Unit* units, std::int32_t count) {
         _eFreeze freeze(this);
         characters.append(units, count);
     }

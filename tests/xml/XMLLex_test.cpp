@@ -100,7 +100,7 @@ TEST_F(Lexing, RunsReadWhatTokensRead) {
     for (bool stopAtLineEnd : {false, true})
         for (std::int32_t room : {1000, 4096}) {
             _eHndl<XMLLex> lex = open(input);
-            std::vector<wchar_t> units(std::size_t(room), 0);
+            std::vector<unsigned char> units(std::size_t(room), 0);
             std::size_t at = 0;
             int runs = 0;
             for (_eHndl<Terminal> t; at < each.size(); ++at) {
@@ -112,7 +112,7 @@ TEST_F(Lexing, RunsReadWhatTokensRead) {
                 std::int32_t count = lex->readRun(member, stopAtLineEnd, units.data(), room);
                 ASSERT_LE(count, room);
                 for (std::int32_t i = 0; i < count; ++i) {
-                    ASSERT_EQ(units[std::size_t(i)], wchar_t(input[at + 1 + std::size_t(i)])) << "byte " << at + 1 + i;
+                    ASSERT_EQ(units[std::size_t(i)], static_cast<unsigned char>(input[at + 1 + std::size_t(i)])) << "byte " << at + 1 + i;
                     ASSERT_FALSE(stopAtLineEnd && units[std::size_t(i)] == 10);
                 }
                 at += std::size_t(count);
