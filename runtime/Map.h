@@ -48,6 +48,18 @@ public:
             items.elementRef(index).second = value;
     }
 
+    // Puts the pair where `key` has none, and says whether it did: one search for both.
+    bool putNew(const K& key, const V& value) {
+        if (isEmpty()) {
+            items = _eSeq<Entry>(Entry{key, value});
+            return true;
+        }
+        auto [index, end] = lookup(key);
+        if (index != end) return false;
+        items.insertAt(index, Entry{key, value});
+        return true;
+    }
+
     // Drops the pair of `key`, if there is one.
     void remove(const K& key) {
         auto [index, end] = lookup(key);

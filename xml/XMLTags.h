@@ -51,10 +51,7 @@ public:
     // The first definition of a name wins; a later one is only noted in `repeatedNames`.
     virtual void addAttribute(const _eHndl<XMLAttribute>& attribute) {
         _eFreeze freeze(this);
-        if (attributes.containsKey(attribute->getName()))
-            repeatedNames.pushBack(attribute->getName());
-        else
-            attributes.put(attribute->getName(), attribute->getValue());
+        if (!attributes.putNew(attribute->getName(), attribute->getValue())) repeatedNames.pushBack(attribute->getName());
     }
 
     const AttributeMap& getAttributes() const { return attributes; }
