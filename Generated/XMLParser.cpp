@@ -158,8 +158,9 @@ _eFrom<NonTerminal> XMLParser::entityReference(const Position& at, const _eHndl<
 
 _eFrom<XMLContentItem> XMLParser::contentItem(const _eFrom<XMLContentItem>& item) const {
     // A character reference is of no class below its own: its type is compared, not searched.
-    if (!extensions.decodeReferences || typeid(*item.get()) != typeid(XMLCharReference)) return item;
-    const auto* reference = static_cast<const XMLCharReference*>(item.get());
+    const XMLContentItem& held = *item.get();
+    if (!extensions.decodeReferences || typeid(held) != typeid(XMLCharReference)) return item;
+    const auto* reference = static_cast<const XMLCharReference*>(&held);
     _eHndl<XMLCharData> data(new XMLCharData(reference->getPosition()));
     _eString text = reference->referenceText(Context::shared());
     data->appendCharacters(&text.elementRef(0), 1);

@@ -1,8 +1,8 @@
 #include "xmi/XMLElement.h"
 
 #include <optional>
-#include <typeinfo>
 #include <string>
+#include <typeinfo>
 #include <unordered_map>
 #include <vector>
 

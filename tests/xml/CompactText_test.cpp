@@ -17,10 +17,16 @@ std::wstring gathered(const CompactText& text) {
     return copied;
 }
 
-// Appends `units` to `text` in runs of `step` units.
+// Appends `units` to `text` in runs of `step` units, every other run that fits in bytes as bytes.
 void appendInRuns(CompactText& text, const std::wstring& units, std::size_t step) {
-    for (std::size_t start = 0; start < units.size(); start += step)
-        text.append(units.data() + start, std::int32_t(std::min(step, units.size() - start)));
+    for (std::size_t start = 0, run = 0; start < units.size(); start += step, ++run) {
+        std::wstring_view piece = std::wstring_view(units).substr(start, step);
+        std::vector<unsigned char> bytes(piece.begin(), piece.end());
+        if (run % 2 == 1 && std::wstring(bytes.begin(), bytes.end()) == piece)
+            text.append(bytes.data(), std::int32_t(bytes.size()));
+        else
+            text.append(piece.data(), std::int32_t(piece.size()));
+    }
 }
 
 }  // namespace

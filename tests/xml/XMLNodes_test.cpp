@@ -25,6 +25,14 @@ _eHndl<Location> at(int column) {
 
 _eHndl<Terminal> ch(wchar_t c, int column = 1) { return _eHndl<Terminal>(new SimpleTerminal(at(column), std::int32_t(c))); }
 
+// Character data of `text`, whole and settled.
+_eHndl<XMLCharData> charData(const std::wstring& text) {
+    _eHndl<XMLCharData> made(new XMLCharData(ch(text[0])));
+    made->appendCharacters(text.data() + 1, std::int32_t(text.size() - 1));
+    made->shareText();
+    return made;
+}
+
 _eHndl<XMLNumber> number(const std::wstring& digits, bool hex) {
     _eHndl<XMLNumber> n(new XMLNumber(ch(digits[0])));
     for (std::size_t i = 1; i < digits.size(); ++i) n->addDigit(ch(digits[i]), hex);
@@ -107,30 +115,35 @@ TEST(XMLNodes, NamesOfEveryLengthComeBackWhole) {
 }
 
 TEST(XMLNodes, ShortCharacterDataSharesItsTextAndLongDataKeepsItWhole) {
-    auto data = [](const std::wstring& text) {
-        _eHndl<XMLCharData> made(new XMLCharData(ch(text[0])));
-        made->appendCharacters(text.data() + 1, std::int32_t(text.size() - 1));
-        made->shareText();
-        return made;
-    };
     const std::wstring indent = L"\n      ";
-    EXPECT_EQ(data(indent)->getText().rootNode(), data(indent)->getText().rootNode());
-    EXPECT_EQ(toWString(data(indent)->getText()), indent);
+    EXPECT_EQ(charData(indent)->getText().rootNode(), charData(indent)->getText().rootNode());
+    EXPECT_EQ(toWString(charData(indent)->getText()), indent);
     const std::wstring accented = L"\u00e9t\u00e9 \u2192 hiver";
-    EXPECT_EQ(data(accented)->getText().rootNode(), data(accented)->getText().rootNode());
-    EXPECT_EQ(toWString(data(accented)->getText()), accented);
+    EXPECT_EQ(charData(accented)->getText().rootNode(), charData(accented)->getText().rootNode());
+    EXPECT_EQ(toWString(charData(accented)->getText()), accented);
 
     // Longer than any kept text: each is its own, whole, and equal to the other.
     std::wstring prose;
     while (prose.size() < 3 * std::size_t(XMLNames::longest)) prose += L"the account balance moves; ";
-    _eHndl<XMLCharData> first = data(prose), second = data(prose + L"\u0100");
+    _eHndl<XMLCharData> first = charData(prose), second = charData(prose + L"\u0100");
     EXPECT_EQ(toWString(first->getText()), prose);
     EXPECT_EQ(toWString(second->getText()), prose + L"\u0100");
-    EXPECT_TRUE(first->isEqual(data(prose).get()));
+    EXPECT_TRUE(first->isEqual(charData(prose).get()));
     EXPECT_FALSE(first->isEqual(second.get()));
     // A section of character data drops the two units of its end.
-    XMLCDSect section(first->getPosition(), data(L"<kept>]]"));
+    XMLCDSect section(first->getPosition(), charData(L"<kept>]]"));
     EXPECT_EQ(toWString(section.getText()), L"<kept>");
+}
+
+// Once the table of short texts is full, one it doesn't hold is given no string: character
+// data keeps such a text as it stands, and a text kept before is still shared.
+TEST(XMLNodes, ShortCharacterDataPastTheTablesRoomKeepsItsOwnText) {
+    const std::wstring kept = L"\n   kept early", late = L"came too late";
+    _eString first = XMLNames::sharedText(kept);
+    for (int i = 0; i < XMLNames::capacity; ++i) XMLNames::sharedText(L"filler " + std::to_wstring(i));
+    EXPECT_TRUE(XMLNames::sharedText(late).isEmpty());
+    EXPECT_EQ(XMLNames::sharedText(kept).rootNode(), first.rootNode());
+    EXPECT_EQ(toWString(charData(late)->getText()), late);
 }
 
 // An attribute value gives its characters and references in order, whatever their length and
