@@ -76,12 +76,14 @@ CompactText::Bytes* CompactText::movedTo(std::uint32_t capacity) const {
     return moved;
 }
 
-void CompactText::reserve(std::uint32_t size) {
-    const Bytes* held = bytes();
-    if (held != nullptr && size <= held->capacity) return;
+CompactText::Bytes* CompactText::roomFor(std::uint32_t more) {
+    Bytes* held = bytes();
+    std::uint32_t size = (held != nullptr ? held->size : 0) + more;
+    if (held != nullptr && size <= held->capacity) return held;
     // The first block fills a pooled block of 32 bytes; each growth at least doubles.
     holdBytes(movedTo(held == nullptr ? std::max<std::uint32_t>(size, 32 - sizeof(Bytes))
                                       : std::max(size, held->capacity * 2)));
+    return bytes();
 }
 
 void CompactText::append(const wchar_t* units, std::int32_t count) {
@@ -92,9 +94,7 @@ void CompactText::append(const wchar_t* units, std::int32_t count) {
     }
     // Copies first and checks after: a unit above a byte is rare, and then the whole text
     // goes over to the string, this run from its own units.
-    const Bytes* before = bytes();
-    reserve((before != nullptr ? before->size : 0) + std::uint32_t(count));
-    Bytes* held = bytes();
+    Bytes* held = roomFor(std::uint32_t(count));
     unsigned char* out = held->units() + held->size;
     wchar_t all = 0;
     for (std::int32_t i = 0; i < count; ++i) {
@@ -115,9 +115,7 @@ void CompactText::append(const unsigned char* units, std::int32_t count) {
         appendWidened(wide(), units, std::uint32_t(count));
         return;
     }
-    const Bytes* before = bytes();
-    reserve((before != nullptr ? before->size : 0) + std::uint32_t(count));
-    Bytes* held = bytes();
+    Bytes* held = roomFor(std::uint32_t(count));
     std::memcpy(held->units() + held->size, units, std::size_t(count));
     held->size += std::uint32_t(count);
 }

@@ -86,8 +86,8 @@ private:
     // Holds `text` from now on, in place of the string or of the bytes before.
     void holdString(const _eString& text);
 
-    // Room for `size` bytes, the bytes kept.
-    void reserve(std::uint32_t size);
+    // The bytes held (none yet: a new block), with room for `more` after them.
+    Bytes* roomFor(std::uint32_t more);
     // A block of `capacity` with the bytes held, if any, moved in.
     Bytes* movedTo(std::uint32_t capacity) const;
     static void release(Bytes* held);
