@@ -92,24 +92,34 @@ void Parser::resynchronise(_eHndl<Terminal>& current, const Position& offeredAt,
 void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry) {
     while (entry.action == ActionName::reduce || entry.action == ActionName::sh_red) {
         ReduceTableEntry r = reductionEntry(entry.parameter);
+        ActionKind kind = kindOf(r.semanticAction);
         if (r.length == 0) {
             // An empty nonterminal begins where the token ahead does. All a value of its own
             // would hold is that place, which the token holds too; an action that makes the
             // value needs none.
-            reducePosition = current->getPosition();
-            switch (actionKind(r.semanticAction)) {
+            reducePosition = &current->getPosition();
+            switch (kind) {
                 case ActionKind::nothing: stack.push({state, current.get()}); break;
                 case ActionKind::makesValue: stack.push({state, nullptr}); break;
-                default: stack.push({state, _eHndl<StackValue>(new StackValue(reducePosition))});
+                default: stack.push({state, _eHndl<StackValue>(new StackValue(*reducePosition))});
             }
             stack.pop(1);
         } else {
             stack.pop(r.length);
             state = stack.peek(0).state;
-            reducePosition = stack.peek(0).value->getPosition();
+            reducePosition = &stack.peek(0).value->getPosition();
         }
-        reduceAction(r.semanticAction);
         entry = nonTerminalEntry(state, r.nonTerminal);
+        if (entry.action != ActionName::halt && entry.action != ActionName::shift &&
+            entry.action != ActionName::sh_red && entry.action != ActionName::skip) {
+            // The action may drop the value the place lies in: the place is kept for the error.
+            Position reported = *reducePosition;
+            reduceAction(r.semanticAction);
+            addError(errors, reported.location(), XMLErrorType::illegalNonterminalAction,
+                     {actionDisplayName(entry.action), intToString(state)});
+            continue;
+        }
+        if (kind != ActionKind::nothing) reduceAction(r.semanticAction);
         switch (entry.action) {
             case ActionName::halt:
                 finished = true;
@@ -126,10 +136,15 @@ void Parser::reduceLoop(const _eHndl<Terminal>& current, ActionTableEntry entry)
                 stack.trim();
                 break;
             default:
-                addError(errors, reducePosition.location(), XMLErrorType::illegalNonterminalAction,
-                         {actionDisplayName(entry.action), intToString(state)});
+                break;
         }
     }
+}
+
+Parser::ActionKind Parser::learnKind(std::int32_t semanticAction) {
+    if (semanticAction < 0) return actionKind(semanticAction);
+    while (kinds.size() <= std::size_t(semanticAction)) kinds.push_back(actionKind(std::int32_t(kinds.size())));
+    return kinds.back();
 }
 
 const Parser::RunBytes* Parser::runBytes() {

@@ -54,7 +54,7 @@ protected:
     ParseStack stack;
     std::int32_t state;
     // Where the nonterminal being reduced begins, while `reduceAction` runs.
-    const Position& getReducePosition() const { return reducePosition; }
+    const Position& getReducePosition() const { return *reducePosition; }
     // A parser whose three lookups are exactly those of the flat copies in `tables` hands them
     // over: the driver then reads them in place, without a virtual call per lookup.
     void readTablesDirectly(const ParseTables& tables) { direct = &tables; }
@@ -89,6 +89,13 @@ private:
     std::optional<std::int32_t> loopAction(std::int32_t below, std::int32_t token) const;
     std::shared_ptr<const RunBytes> findRunBytes(std::int32_t below) const;
 
+    // `actionKind`, asked once for each semantic action and kept.
+    ActionKind kindOf(std::int32_t semanticAction) {
+        std::size_t at = std::size_t(semanticAction);
+        return at < kinds.size() ? kinds[at] : learnKind(semanticAction);
+    }
+    ActionKind learnKind(std::int32_t semanticAction);
+
     // Reports `current`, pops to a state that takes the error token, and makes it the current
     // token, at `offeredAt`, where the token offered stands.
     void resynchronise(_eHndl<Terminal>& current, const Position& offeredAt, ActionTableEntry& entry);
@@ -97,7 +104,11 @@ private:
     bool finished = false;
     bool recovering = false;             // an error was reported and no real token accepted since
     _eHndl<ParseControl> control;
-    Position reducePosition;             // where the nonterminal being reduced begins
+    // Where the nonterminal being reduced begins: the place of its first symbol, or of the token
+    // ahead when it is empty. Both outlive the action, which may only replace the first symbol's
+    // value by one made from it.
+    const Position* reducePosition = nullptr;
+    std::vector<ActionKind> kinds;       // by semantic action, up to the highest asked
     XMLErrors errors;
     _eSeq<_eSet<int>> pendingClosers;    // closing tokens awaited while skipping brackets
     _eHndl<StackValue> result;           // set by `halt`
