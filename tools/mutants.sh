@@ -242,8 +242,8 @@ mutations() {
 - if (found.text == text) return found.answer;
 + if (found.text.size() == text.size()) return found.answer;
 @ xml/XMLLex.cpp | a token held elsewhere is remade all the same
-- if (!token.isNull() && token->countWord() == 1 && token->retake(tokenAt, code, currentChar)) return;
-+ if (!token.isNull() && token->retake(tokenAt, code, currentChar)) return;
+- return !held.isNull() && held->countWord() == 1 && held->retake(tokenAt, code, currentChar);
++ return !held.isNull() && held->retake(tokenAt, code, currentChar);
 @ environment/Paths.cpp | a path that ended in a separator loses it
 - if (!trailing && out.size() > 1) out.pop_back();
 + if (out.size() > 1) out.pop_back();

@@ -186,9 +186,23 @@ void XMLLex::nextToken(_eHndl<Terminal>& token) {
     tokenAt.column = here.getColumn();
     // A token that nothing else holds is remade for the next byte: most tokens are folded into
     // a node and dropped before the next one is read.
-    if (!token.isNull() && token->countWord() == 1 && token->retake(tokenAt, code, currentChar)) return;
+    auto remade = [&](_eHndl<Terminal>& held) {
+        return !held.isNull() && held->countWord() == 1 && held->retake(tokenAt, code, currentChar);
+    };
+    if (remade(token)) return;
+    for (_eHndl<Terminal>& spare : spares)
+        if (remade(spare)) {
+            std::swap(token, spare);
+            return;
+        }
+    _eHndl<Terminal> made;
     if (SimpleTerminal::holds(code))
-        token = new SimpleTerminal(tokenAt, code);
+        made = new SimpleTerminal(tokenAt, code);
     else
-        token = new ComplexTerminal(tokenAt, code, currentChar);
+        made = new ComplexTerminal(tokenAt, code, currentChar);
+    if (!token.isNull()) {
+        spares[nextSpare] = std::move(token);
+        nextSpare = (nextSpare + 1) % spareRoom;
+    }
+    token = std::move(made);
 }

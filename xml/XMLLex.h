@@ -68,4 +68,10 @@ private:
     std::vector<unsigned char> buffer;  // input read ahead of the lexer, `bufferBytes` once first read
     std::size_t next = 0;               // the first byte of `buffer` not yet lexed
     std::size_t filled = 0;             // the bytes of `buffer` that hold input
+    // The last tokens replaced while something else still held them (the parser's stack, as a
+    // rule, until their production is reduced): one that nothing holds any more is remade
+    // rather than a new one made.
+    static constexpr std::size_t spareRoom = 4;
+    _eHndl<Terminal> spares[spareRoom];
+    std::size_t nextSpare = 0;          // the spare to be replaced next
 };

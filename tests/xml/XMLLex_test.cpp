@@ -124,13 +124,16 @@ TEST_F(Lexing, RunsReadWhatTokensRead) {
 }
 
 // One handle passed again and again: a token that nothing else holds is remade in place for
-// the next byte, of either kind; one held elsewhere keeps its code, character and position.
+// the next byte, of either kind, and so is one let go a few bytes later, as the parser lets go
+// of what it reduces; one held elsewhere keeps its code, character and position.
 TEST_F(Lexing, ATokenIsRemadeOnlyWhereNothingElseHoldsIt) {
     // Runs of each kind, so that a kept token is followed by one of its own kind.
-    const std::string input = "abc  \t\n+=<\xB7\xB7" "de";
+    std::string input;
+    for (int i = 0; i < 4; ++i) input += "abc  \t\n+=<\xB7\xB7" "de";
     std::vector<Seen> fresh = tokens(input);
     _eHndl<XMLLex> lex = open(input);
     std::vector<std::pair<std::size_t, _eHndl<Terminal>>> kept;
+    _eHndl<Terminal> briefly;  // let go four bytes later, for the next one
     _eHndl<Terminal> t;
     const Terminal* previous = nullptr;
     int remade = 0;
@@ -142,7 +145,10 @@ TEST_F(Lexing, ATokenIsRemadeOnlyWhereNothingElseHoldsIt) {
                         dynamic_cast<const ComplexTerminal*>(t.get()) != nullptr}),
                   fresh[i]) << "byte " << i;
         previous = t.get();
-        if (i % 2 == 0) kept.emplace_back(i, t);
+        if (i % 2 == 0)
+            kept.emplace_back(i, t);
+        else if (i % 4 == 1)
+            briefly = t;
     }
     EXPECT_GT(remade, 0);
     for (const auto& [i, held] : kept) {
