@@ -147,13 +147,9 @@ Parser::ActionKind Parser::learnKind(std::int32_t semanticAction) {
     return kinds.back();
 }
 
-const Parser::RunBytes* Parser::runBytes() {
-    if (recovering || finished || !pendingClosers.isEmpty() || stack.isEmpty()) return nullptr;
-    std::int32_t below = stack.peek(-1).state;
+const Parser::RunBytes* Parser::learnRunBytes(std::int32_t below) {
     if (std::size_t(state) >= knownRuns.size()) knownRuns.resize(std::size_t(state) + 1);
     std::vector<KnownRuns>& known = knownRuns[std::size_t(state)];
-    for (const KnownRuns& k : known)
-        if (k.below == below) return k.bytes.get();
     known.push_back({below, findRunBytes(below)});
     return known.back().bytes.get();
 }

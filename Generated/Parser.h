@@ -39,7 +39,14 @@ public:
     };
     static constexpr std::int32_t noAction = -1;
     // Null where no byte loops, and while an error is being recovered from.
-    const RunBytes* runBytes();
+    const RunBytes* runBytes() {
+        if (recovering || finished || stack.isEmpty() || !pendingClosers.isEmpty()) return nullptr;
+        std::int32_t below = stack.peek(-1).state;
+        if (std::size_t(state) < knownRuns.size())
+            for (const KnownRuns& k : knownRuns[std::size_t(state)])
+                if (k.below == below) return k.bytes.get();
+        return learnRunBytes(below);
+    }
     // Takes `count` bytes of `run`, as many tokens of them would have been taken one by one.
     void takeRun(const RunBytes& run, const unsigned char* units, std::int32_t count);
 
@@ -88,6 +95,8 @@ private:
     // on top, whose entry holds `below`; nothing when it does more.
     std::optional<std::int32_t> loopAction(std::int32_t below, std::int32_t token) const;
     std::shared_ptr<const RunBytes> findRunBytes(std::int32_t below) const;
+    // Finds the run bytes of the state over `below` and keeps them.
+    const RunBytes* learnRunBytes(std::int32_t below);
 
     // `actionKind`, asked once for each semantic action and kept.
     ActionKind kindOf(std::int32_t semanticAction) {
