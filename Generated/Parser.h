@@ -114,8 +114,8 @@ private:
     bool recovering = false;             // an error was reported and no real token accepted since
     _eHndl<ParseControl> control;
     // Where the nonterminal being reduced begins: the place of its first symbol, or of the token
-    // ahead when it is empty. Both outlive the action, which may only replace the first symbol's
-    // value by one made from it.
+    // ahead when it is empty. It lies in that value, so it holds until the action puts another
+    // value in the first symbol's entry; an action reads it before it does so.
     const Position* reducePosition = nullptr;
     std::vector<ActionKind> kinds;       // by semantic action, up to the highest asked
     XMLErrors errors;
