@@ -166,7 +166,7 @@ mutations() {
 @ Generated/Parser.cpp | table lookup: runs of bytes with different actions are taken as one
 - if (!action || (any && *action != run->semanticAction)) continue;
 + if (!action) continue;
-@ Generated/Parser.cpp | table lookup: known runs are found by state alone
+@ Generated/Parser.h | table lookup: known runs are found by state alone
 - if (k.below == below) return k.bytes.get();
 + return k.bytes.get();
 @ Generated/Location.cpp | lexer positions: a tab goes one column past its stop
