@@ -235,6 +235,40 @@ std::optional<std::int32_t> Parser::loopAction(std::int32_t below, std::int32_t 
     return appended;
 }
 
+bool Parser::follow(Configuration& at, std::int32_t token, std::vector<std::int32_t>& ran, bool untilShift) const {
+    // Where the token is shifted and reduced at once, the loop below runs its reductions.
+    auto enter = [&at](const ActionTableEntry& entry) {
+        at.below.push_back(at.state);
+        if (entry.action == ActionName::shift) at.state = entry.parameter;
+    };
+    ActionTableEntry entry = terminalEntry(at.state, token);
+    for (int steps = 0; steps < 64; ++steps) {
+        bool consumed = entry.action == ActionName::shift || entry.action == ActionName::sh_red;
+        if (consumed) {
+            if (untilShift) return true;
+            enter(entry);
+        } else if (entry.action != ActionName::reduce) {
+            return false;
+        }
+        while (entry.action == ActionName::reduce || entry.action == ActionName::sh_red) {
+            ReduceTableEntry r = reductionEntry(entry.parameter);
+            std::size_t size = at.below.size();
+            if (std::size_t(r.length) > size) return false;
+            if (actionKind(r.semanticAction) != ActionKind::nothing) ran.push_back(r.semanticAction);
+            if (r.length > 0) {
+                at.state = at.below[size - std::size_t(r.length)];
+                at.below.resize(size - std::size_t(r.length));
+            }
+            entry = nonTerminalEntry(at.state, r.nonTerminal);
+            if (entry.action != ActionName::shift && entry.action != ActionName::sh_red) return false;
+            enter(entry);
+        }
+        if (consumed) return true;
+        entry = terminalEntry(at.state, token);
+    }
+    return false;
+}
+
 void Parser::takeRun(const RunBytes& run, const unsigned char* units, std::int32_t count) {
     if (run.semanticAction == noAction || count == 0) return;
     _eFreeze freeze(this);

@@ -40,7 +40,7 @@ public:
     static constexpr std::int32_t noAction = -1;
     // Null where no byte loops, and while an error is being recovered from.
     const RunBytes* runBytes() {
-        if (recovering || finished || stack.isEmpty() || !pendingClosers.isEmpty()) return nullptr;
+        if (!steady()) return nullptr;
         std::int32_t below = stack.peek(-1).state;
         if (std::size_t(state) < knownRuns.size())
             for (const KnownRuns& k : knownRuns[std::size_t(state)])
@@ -60,6 +60,22 @@ public:
 protected:
     ParseStack stack;
     std::int32_t state;
+    // Between two tokens, and neither finished nor recovering from an error: what the stack holds
+    // is what the tables made of the input.
+    bool steady() const { return !recovering && !finished && !stack.isEmpty() && pendingClosers.isEmpty(); }
+
+    // The states of a parse without its values, to follow what tokens would do before they come:
+    // the state before each entry, from the lowest one known up, and the present state.
+    struct Configuration {
+        std::vector<std::int32_t> below;
+        std::int32_t state;
+        bool operator==(const Configuration&) const = default;
+    };
+    // Offers `token` to `at` as `offerToken` would, on the states alone, and appends to `ran` each
+    // semantic action it runs but those that do nothing. With `untilShift` it stops where the
+    // token would be shifted. False where it would do anything but reduce and shift, or reduce
+    // below the entries known; `at` is then left part way.
+    bool follow(Configuration& at, std::int32_t token, std::vector<std::int32_t>& ran, bool untilShift) const;
     // Where the nonterminal being reduced begins, while `reduceAction` runs.
     const Position& getReducePosition() const { return *reducePosition; }
     // A parser whose three lookups are exactly those of the flat copies in `tables` hands them

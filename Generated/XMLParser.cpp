@@ -1,5 +1,7 @@
 #include "Generated/XMLParser.h"
 
+#include <string>
+#include <string_view>
 #include <typeinfo>
 
 #include "xml/XMLCharData.h"
@@ -105,6 +107,122 @@ void XMLParser::takeRuns(XMLLex& lexer, bool stopAtLineEnd) {
         takeRun(*run, units, count);
         if (count < room) return;
     }
+}
+
+void XMLParser::takeAttribute(XMLLex& lexer) {
+    const AttributeBytes* can = attributeBytes();
+    if (can == nullptr) return;
+    const unsigned char* bytes = nullptr;
+    std::int32_t count = lexer.ahead(bytes);
+    if (count < 1 || !can->first[bytes[0]]) return;
+    std::int32_t equals = 1;
+    while (equals < count && can->rest[bytes[equals]]) ++equals;
+    if (equals + 1 >= count || bytes[equals] != '=') return;
+    unsigned char quote = bytes[equals + 1];
+    if (quote != '"' && quote != '\'') return;
+    const bool(&inValue)[256] = can->value[quote == '\'' ? 1 : 0];
+    std::int32_t close = equals + 2;
+    while (close < count && inValue[bytes[close]]) ++close;
+    if (close + 1 >= count || bytes[close] != quote || !can->after[bytes[close + 1]]) return;
+
+    // What the reductions of its tokens would make, in the same order, at the same places.
+    _eFreeze freeze(this);
+    _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes, equals));
+    _eHndl<XMLAttributeValue> value(new XMLAttributeValue(lexer.take(equals + 1)));
+    std::int32_t length = close - equals - 2;
+    if (length > 0) value->addCharacters(bytes + equals + 2, length);
+    lexer.take(length + 1);
+    value->shareElements();
+    _eHndl<XMLAttribute> attribute(new XMLAttribute(name, value));
+    // The blank before it goes, and the attribute list below it is on top again.
+    state = stack.peek(-1).state;
+    stack.pop(1);
+    stack.trim();
+    static_cast<XMLAttributeList*>(stack.peekToChange(-1).value.uniquePointer())->addAttribute(attribute);
+}
+
+const XMLParser::AttributeBytes* XMLParser::learnAttributeBytes(std::int32_t below, std::int32_t under) {
+    if (std::size_t(state) >= knownAttributes.size()) knownAttributes.resize(std::size_t(state) + 1);
+    std::vector<KnownAttributes>& known = knownAttributes[std::size_t(state)];
+    known.push_back({below, under, findAttributeBytes(below, under)});
+    return known.back().bytes.get();
+}
+
+// An attribute is read whole only where the tables, followed from where the parse stands (the
+// blank before the name on top, over the entries of `below` and `under`), take it as a loop:
+// its tokens run the actions that build the attribute and add it to the list below, in this
+// order, and the byte after it finds the parse with that list on top, where the blank was
+// shifted. Checked for names of one to three bytes and values of none to two, with a name or
+// value byte that runs again to the same states: one that runs as the sample byte, then, runs so
+// at any length. A byte belongs to a set where it runs exactly as the sample byte does.
+std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(std::int32_t below,
+                                                                               std::int32_t under) const {
+    namespace A = SemanticAction;
+    struct Step {
+        Configuration at;
+        std::vector<std::int32_t> ran;
+        bool ok = true;
+        bool operator==(const Step&) const = default;
+    };
+    auto step = [this](const Configuration& from, unsigned char byte, bool untilShift = false) {
+        Step next{from, {}, true};
+        next.ok = follow(next.at, byteToken(byte), next.ran, untilShift);
+        return next;
+    };
+    auto read = [&step](const Configuration& from, std::string_view text) {
+        Step out{from, {}, true};
+        for (char byte : text) {
+            Step next = step(out.at, static_cast<unsigned char>(byte));
+            out.ok = out.ok && next.ok;
+            out.at = next.at;
+            out.ran.insert(out.ran.end(), next.ran.begin(), next.ran.end());
+        }
+        return out;
+    };
+    const Configuration start{{under, below}, state};
+    const Configuration done{{under}, below};
+    const char quotes[2] = {'"', '\''};
+    for (char quote : quotes)
+        for (int nameLength = 1; nameLength <= 3; ++nameLength)
+            for (int valueLength = 0; valueLength <= 2; ++valueLength) {
+                std::string text(std::size_t(nameLength), 'b');
+                text.front() = 'a';
+                text.push_back('=');
+                text.push_back(quote);
+                text.append(std::size_t(valueLength), 'v');
+                text.push_back(quote);
+                Step whole = read(start, text);
+                Step end = step(whole.at, ' ', true);
+                std::vector<std::int32_t> expected{A::newString};
+                expected.insert(expected.end(), std::size_t(nameLength - 1), A::appendToString);
+                expected.push_back(A::newAttributeValue);
+                expected.insert(expected.end(), std::size_t(valueLength), A::attributeValueCharacter);
+                expected.insert(expected.end(), {A::newAttribute, A::addAttribute});
+                whole.ran.insert(whole.ran.end(), end.ran.begin(), end.ran.end());
+                if (!whole.ok || !end.ok || end.at != done || whole.ran != expected) return nullptr;
+            }
+    Configuration first = read(start, "a").at, second = read(start, "ab").at;
+    if (step(second, 'b').at != second || step(first, '=').at != step(second, '=').at) return nullptr;
+    auto bytes = std::make_shared<AttributeBytes>();
+    for (int byte = 0; byte < 256; ++byte) {
+        if (byte == 10) continue;  // a line end is a token of its own, for the progress shown by line
+        auto b = static_cast<unsigned char>(byte);
+        bytes->first[b] = step(start, b) == step(start, 'a');
+        bytes->rest[b] = step(first, b) == step(first, 'b') && step(second, b) == step(second, 'b');
+    }
+    for (int k = 0; k < 2; ++k) {
+        const std::string open{'a', '=', quotes[k]};
+        Configuration empty = read(start, open).at, some = read(start, open + "v").at;
+        if (step(some, 'v').at != some) return nullptr;
+        Configuration closed[2] = {step(empty, quotes[k]).at, step(some, quotes[k]).at};
+        for (int byte = 0; byte < 256; ++byte) {
+            auto b = static_cast<unsigned char>(byte);
+            bytes->value[k][b] = byte != 10 && step(empty, b) == step(empty, 'v') && step(some, b) == step(some, 'v');
+            bytes->after[b] = (k == 0 || bytes->after[b]) && step(closed[0], b, true) == step(closed[0], ' ', true) &&
+                              step(closed[1], b, true) == step(closed[1], ' ', true);
+        }
+    }
+    return bytes;
 }
 
 std::int32_t XMLParser::byteToken(unsigned char byte) const { return XMLLex::tokenCode(byte); }

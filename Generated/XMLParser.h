@@ -33,10 +33,34 @@ public:
     // time; with `stopAtLineEnd` a line end is left to be a token of its own.
     void takeRuns(XMLLex& lexer, bool stopAtLineEnd);
 
+    // The bytes of an attribute that is read whole, where the parse stands after the blank before
+    // it in a tag: `name="value"` or `name='value'`, with nothing that needs more than appending
+    // (no reference, no line end), followed by a byte that ends it. Each set is found by
+    // following the tables, so that the attribute leaves the parse just as its tokens would.
+    struct AttributeBytes {
+        bool first[256] = {};     // a name's first byte
+        bool rest[256] = {};      // its others
+        bool value[2][256] = {};  // inside double quotes, inside single quotes
+        bool after[256] = {};     // the byte after the closing quote
+    };
+    // Null unless an attribute may be read whole where the parse stands.
+    const AttributeBytes* attributeBytes() {
+        if (!steady() || stack.getTop() < 2) return nullptr;
+        std::int32_t below = stack.peek(-1).state, under = stack.peek(-2).state;
+        if (std::size_t(state) < knownAttributes.size())
+            for (const KnownAttributes& k : knownAttributes[std::size_t(state)])
+                if (k.below == below && k.under == under) return k.bytes.get();
+        return learnAttributeBytes(below, under);
+    }
+    // Reads the attribute that `lexer` reads next whole, as its tokens would have been read one
+    // by one, where `attributeBytes` allows and the whole of it has been read ahead.
+    void takeAttribute(XMLLex& lexer);
+
     // The one loop that drives a parse: takes tokens from `lexer` and offers them until the parse
     // has finished. `seen(token)` sees each token before it is offered. With `byteRuns` the bytes
     // that only loop are taken many at a time after each token (a line end left to be a token
     // of its own with `stopAtLineEnd`); without it every byte is a token.
+    // The attributes of a tag are taken whole in the same way (see `takeAttribute`).
     template <class Seen>
     void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
         _eHndl<Terminal> token;
@@ -44,7 +68,10 @@ public:
             lexer.nextToken(token);
             seen(*token);
             offerToken(token);
-            if (byteRuns) takeRuns(lexer, stopAtLineEnd);
+            if (byteRuns) {
+                takeRuns(lexer, stopAtLineEnd);
+                if (token->getToken() == Token::whiteSpace) takeAttribute(lexer);
+            }
         }
     }
     void parseAll(XMLLex& lexer) {
@@ -74,7 +101,16 @@ private:
     _eFrom<NonTerminal> entityReference(const Position& at, const _eHndl<XMLString>& name) const;
     _eFrom<XMLContentItem> contentItem(const _eFrom<XMLContentItem>& item) const;
 
+    const AttributeBytes* learnAttributeBytes(std::int32_t below, std::int32_t under);
+    std::shared_ptr<const AttributeBytes> findAttributeBytes(std::int32_t below, std::int32_t under) const;
+
     ImportExtensions extensions;                // asked for by the importer
     bool rootSeen = false;                      // the root's tag has been read
     TagNaming naming = TagNaming::specified;    // how the elements read their tags
+    // What `attributeBytes` found so far, by state, for the states of the two entries below.
+    struct KnownAttributes {
+        std::int32_t below, under;
+        std::shared_ptr<const AttributeBytes> bytes;  // null where no attribute is read whole
+    };
+    std::vector<std::vector<KnownAttributes>> knownAttributes;
 };

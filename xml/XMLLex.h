@@ -2,6 +2,7 @@
 // byte into one of a few token classes; the grammar spells out everything else.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -34,6 +35,24 @@ public:
     // most `room` bytes into `units`; never the file's last byte, which may stand for its end.
     // With `stopAtLineEnd` no line end is read. Gives the number of bytes read.
     std::int32_t readRun(const bool (&member)[256], bool stopAtLineEnd, unsigned char* units, std::int32_t room);
+    // The bytes that `nextToken` would read next, as far as they have been read ahead, never the
+    // file's last byte: `bytes` points at them, and the count is given back.
+    std::int32_t ahead(const unsigned char*& bytes) const {
+        bytes = buffer.data() + next;
+        std::int32_t buffered = std::int32_t(filled - next);
+        return std::max(0, std::min(buffered, bytesLeft - 1));
+    }
+    // Reads `count` of the bytes that `ahead` gives, at least one, as so many tokens would have
+    // read them; gives the place of the last.
+    const Position& take(std::int32_t count) {
+        here.passAll(currentChar, buffer.data() + next, count - 1, tabWidth);
+        currentChar = buffer[next + std::size_t(count) - 1];
+        next += std::size_t(count);
+        bytesLeft -= count;
+        tokenAt.line = here.getLine();
+        tokenAt.column = here.getColumn();
+        return tokenAt;
+    }
     virtual std::int32_t lineNumber() const { return here.getLine(); }
     virtual XMLErrors getErrors() const { return errors; }
 

@@ -49,6 +49,11 @@ public:
         append(&unit, 1);
     }
 
+    // A name read whole: `count` units from `position` on.
+    XMLString(const Position& position, const unsigned char* units, std::int32_t count) : _eClass(position) {
+        append(units, count);
+    }
+
     bool equalFields(const XMLString& other) const { return NonTerminal::equalFields(other) && units() == other.units(); }
 
     void appendCharacter(const _eHndl<Terminal>& next) {

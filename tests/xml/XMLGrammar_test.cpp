@@ -129,6 +129,77 @@ TEST(XMLGrammar, RunsOfBytesAreFoundFromTheTables) {
     EXPECT_EQ(parserAfter("<").get()->runBytes(), nullptr);
 }
 
+TEST(XMLGrammar, AttributesReadWholeAreFoundFromTheTables) {
+    _eHndl<XMLParser> inTag = parserAfter("<a ");
+    const XMLParser::AttributeBytes* can = inTag->attributeBytes();
+    ASSERT_NE(can, nullptr);
+    struct Row {
+        const bool (&set)[256];
+        const char* members;
+        const char* others;
+    };
+    const Row rows[] = {
+        {can->first, "aZ_:\xC0", "9-. =\"\n\xB7"},
+        {can->rest, "aZ9-._:\xB7", "= >/\"\t\n"},
+        {can->value[0], "x9 '>_\t\r\xE9", "\"&<\n"},
+        {can->value[1], "x\"", "'&<\n"},
+        {can->after, " >/\n\t", "b='\"-&"},
+    };
+    for (const Row& row : rows) {
+        for (const char* c = row.members; *c != 0; ++c) EXPECT_TRUE(row.set[static_cast<unsigned char>(*c)]) << *c;
+        for (const char* c = row.others; *c != 0; ++c) EXPECT_FALSE(row.set[static_cast<unsigned char>(*c)]) << *c;
+    }
+    // Nowhere else: not before the blank, not in content, not in the declaration or a doctype.
+    for (const char* text : {"<a", "<a>x ", "<a b ", "<?xml ", "<!DOCTYPE a [<!ATTLIST a "}) {
+        _eHndl<XMLParser> elsewhere = parserAfter(text);
+        EXPECT_EQ(elsewhere->attributeBytes(), nullptr) << text;
+    }
+}
+
+TEST(XMLGrammar, AnAttributeReadWholeLeavesTheListOnTopAndTheLexerAfterIt) {
+    TempDir dir;
+    std::string path = dir.write("in.xml", "<a b=\"c\" dd='e\"f'/>");
+    _eHndl<Environment> env(new Environment());
+    _eHndl<XMLLex> lex(new XMLLex(env.get(), 4));
+    bool ok = false;
+    lex->openFile(_eHndl<FileName>(new FileName(fromPlatformText(path), env.get())), ok);
+    ASSERT_TRUE(ok);
+    _eHndl<XMLParser> parser(new XMLParser(ParseControl::shared(), 0));
+    _eHndl<Terminal> token;
+    auto offerNext = [&] {
+        lex->nextToken(token);
+        parser->offerToken(token);
+    };
+    offerNext();  // '<'
+    offerNext();  // 'a'
+    parser->takeAttribute(*lex);  // not after a blank: nothing is taken
+    offerNext();
+    EXPECT_EQ(token->getToken(), Token::whiteSpace);
+    parser->takeAttribute(*lex);
+    offerNext();
+    EXPECT_EQ(token->getToken(), Token::whiteSpace);
+    EXPECT_EQ(token->getPosition().column, 9);
+    parser->takeAttribute(*lex);
+    const auto* list = dynamic_cast<const XMLAttributeList*>(parser->getStack().peek(-1).value.get());
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->getAttributes().size(), 2);
+    const XMLAttributeValue* b = findAttribute(list->getAttributes(), L"b");
+    const XMLAttributeValue* dd = findAttribute(list->getAttributes(), L"dd");
+    ASSERT_TRUE(b != nullptr && dd != nullptr);
+    EXPECT_EQ(b->text(Context::shared()), L"c");
+    EXPECT_EQ(b->getPosition().column, 6);
+    EXPECT_EQ(dd->text(Context::shared()), L"e\"f");
+    EXPECT_EQ(dd->getPosition().column, 13);
+    offerNext();
+    EXPECT_EQ(token->getToken(), '/');
+    EXPECT_EQ(token->getPosition().column, 18);
+    offerNext();
+    offerNext();
+    EXPECT_TRUE(parser->isFinished());
+    EXPECT_FALSE(parser->getResult().isNull());
+    lex->closeFile();
+}
+
 TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
     const char* texts[] = {
         "<a b=\"x &amp; &#65;y\" c='q\"'>some\n\ttext &lt; more<![CDATA[x]]y]]><!-- c - d -->\n</a>\n",
@@ -139,6 +210,16 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
         "<a>\n\n   text\twith\ttabs</b>\n",
         "<a b=\"x\"\x01></a>",
         "<a>\xC3\xA9t\xC3\xA9 \xB7</a>",
+        // Attributes, read whole where they can be and by the token elsewhere.
+        "<x:a b:c=\"1\" d.e-f_g='x\"y' h=\"\" i='' jjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjj=\"a long name\"\tk=\"v\"\n"
+        "l=\"\xC3\xA9\x01\" m=\"a\tb\" n=\"x\ry\" o = \"p\" q=\"x&amp;y\" r=\"x\ny\"/>",
+        "<a b=\"1\" b=\"2\" _c='3'>\n  <d e=\"4\"\n     f=\"5\" >text</d></a>",
+        "<a b=\"1\"c=\"2\" d=\"3\"e>",
+        "<a b=\"x<y\" c=\"2\" 9=\"3\" d=\"4\"/>",
+        "<a b=\"1\" c=\"2\"/",
+        "<a b=\"1\"",
+        "<a b='1' c='2'>t</a><a d='4' e='5'>",
+        "<?xml version=\"1.0\" encoding='UTF-8' ?><!DOCTYPE a [<!ATTLIST a b CDATA \"x\">]><a b=\"c\"/>",
     };
     for (const char* text : texts) {
         SCOPED_TRACE(text);
@@ -152,4 +233,20 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
             EXPECT_TRUE(inRuns.result->isEqual(oneByOne.result.get()));
         }
     }
+}
+
+TEST(XMLGrammar, AttributesAcrossTheLexersBufferGiveWhatTokensGive) {
+    // Some attribute stands across the end of what the lexer reads ahead at a time, whatever its
+    // size; its name and value differ in length from their neighbours'.
+    std::string text = "<a";
+    for (int i = 0; text.size() < 140000; ++i)
+        text += " n" + std::to_string(i) + "=\"" + std::string(std::size_t(i % 37), char('a' + i % 26)) + "\"";
+    text += "/>\n";
+    TempDir dir;
+    std::string path = dir.write("in.xml", text);
+    ParseOutcome oneByOne = parseFile(path, false);
+    ParseOutcome inRuns = parseFile(path, true);
+    ASSERT_TRUE(oneByOne.accepted);
+    ASSERT_TRUE(inRuns.accepted);
+    EXPECT_TRUE(inRuns.result->isEqual(oneByOne.result.get()));
 }
