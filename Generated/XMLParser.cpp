@@ -141,6 +141,68 @@ void XMLParser::takeAttribute(XMLLex& lexer) {
     static_cast<XMLAttributeList*>(stack.peekToChange(-1).value.uniquePointer())->addAttribute(attribute);
 }
 
+XMLParser::Step XMLParser::followByte(const Configuration& from, unsigned char byte, bool untilShift) const {
+    Step next{from, {}, true};
+    next.ok = follow(next.at, byteToken(byte), next.ran, untilShift);
+    return next;
+}
+
+XMLParser::Step XMLParser::followText(const Configuration& from, std::string_view text) const {
+    Step out{from, {}, true};
+    for (char byte : text) {
+        Step next = followByte(out.at, static_cast<unsigned char>(byte));
+        out.ok = out.ok && next.ok;
+        out.at = next.at;
+        out.ran.insert(out.ran.end(), next.ran.begin(), next.ran.end());
+    }
+    return out;
+}
+
+void XMLParser::takeName(XMLLex& lexer) {
+    const NameBytes* can = nameBytes();
+    if (can == nullptr) return;
+    const unsigned char* bytes = nullptr;
+    std::int32_t count = lexer.ahead(bytes);
+    if (count < 1 || !can->first[bytes[0]]) return;
+    std::int32_t end = 1;
+    while (end < count && can->rest[bytes[end]]) ++end;
+    if (end == count) return;  // it may go on beyond what was read ahead
+    _eFreeze freeze(this);
+    _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes, end));
+    if (end > 1) lexer.take(end - 1);
+    stack.push({state, name.get()});
+    state = can->state;
+}
+
+const XMLParser::NameBytes* XMLParser::learnNameBytes() {
+    if (std::size_t(state) >= knownNames.size()) knownNames.resize(std::size_t(state) + 1);
+    KnownName& known = knownNames[std::size_t(state)];
+    known.bytes = findNameBytes();
+    known.learned = true;
+    return known.bytes.get();
+}
+
+// A name is read whole where its first byte, shifted over the state alone, makes a string and
+// leaves it on top in a state where each further byte of a name appends to it and comes back.
+std::shared_ptr<const XMLParser::NameBytes> XMLParser::findNameBytes() const {
+    namespace A = SemanticAction;
+    const Configuration start{{}, state};
+    Step first = followByte(start, 'a');
+    if (!first.ok || first.ran != std::vector<std::int32_t>{A::newString} || first.at.below != std::vector{state})
+        return nullptr;
+    Step again = followByte(first.at, 'b');
+    if (!again.ok || again.at != first.at || again.ran != std::vector<std::int32_t>{A::appendToString}) return nullptr;
+    auto bytes = std::make_shared<NameBytes>();
+    bytes->state = first.at.state;
+    for (int byte = 0; byte < 256; ++byte) {
+        if (byte == 10) continue;  // a line end is a token of its own, for the progress shown by line
+        auto b = static_cast<unsigned char>(byte);
+        bytes->first[b] = followByte(start, b) == first;
+        bytes->rest[b] = followByte(first.at, b) == again;
+    }
+    return bytes;
+}
+
 const XMLParser::AttributeBytes* XMLParser::learnAttributeBytes(std::int32_t below, std::int32_t under) {
     if (std::size_t(state) >= knownAttributes.size()) knownAttributes.resize(std::size_t(state) + 1);
     std::vector<KnownAttributes>& known = knownAttributes[std::size_t(state)];
@@ -158,27 +220,6 @@ const XMLParser::AttributeBytes* XMLParser::learnAttributeBytes(std::int32_t bel
 std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(std::int32_t below,
                                                                                std::int32_t under) const {
     namespace A = SemanticAction;
-    struct Step {
-        Configuration at;
-        std::vector<std::int32_t> ran;
-        bool ok = true;
-        bool operator==(const Step&) const = default;
-    };
-    auto step = [this](const Configuration& from, unsigned char byte, bool untilShift = false) {
-        Step next{from, {}, true};
-        next.ok = follow(next.at, byteToken(byte), next.ran, untilShift);
-        return next;
-    };
-    auto read = [&step](const Configuration& from, std::string_view text) {
-        Step out{from, {}, true};
-        for (char byte : text) {
-            Step next = step(out.at, static_cast<unsigned char>(byte));
-            out.ok = out.ok && next.ok;
-            out.at = next.at;
-            out.ran.insert(out.ran.end(), next.ran.begin(), next.ran.end());
-        }
-        return out;
-    };
     const Configuration start{{under, below}, state};
     const Configuration done{{under}, below};
     const char quotes[2] = {'"', '\''};
@@ -191,8 +232,8 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(s
                 text.push_back(quote);
                 text.append(std::size_t(valueLength), 'v');
                 text.push_back(quote);
-                Step whole = read(start, text);
-                Step end = step(whole.at, ' ', true);
+                Step whole = followText(start, text);
+                Step end = followByte(whole.at, ' ', true);
                 std::vector<std::int32_t> expected{A::newString};
                 expected.insert(expected.end(), std::size_t(nameLength - 1), A::appendToString);
                 expected.push_back(A::newAttributeValue);
@@ -201,25 +242,25 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(s
                 whole.ran.insert(whole.ran.end(), end.ran.begin(), end.ran.end());
                 if (!whole.ok || !end.ok || end.at != done || whole.ran != expected) return nullptr;
             }
-    Configuration first = read(start, "a").at, second = read(start, "ab").at;
-    if (step(second, 'b').at != second || step(first, '=').at != step(second, '=').at) return nullptr;
+    Configuration first = followText(start, "a").at, second = followText(start, "ab").at;
+    if (followByte(second, 'b').at != second || followByte(first, '=').at != followByte(second, '=').at) return nullptr;
     auto bytes = std::make_shared<AttributeBytes>();
     for (int byte = 0; byte < 256; ++byte) {
         if (byte == 10) continue;  // a line end is a token of its own, for the progress shown by line
         auto b = static_cast<unsigned char>(byte);
-        bytes->first[b] = step(start, b) == step(start, 'a');
-        bytes->rest[b] = step(first, b) == step(first, 'b') && step(second, b) == step(second, 'b');
+        bytes->first[b] = followByte(start, b) == followByte(start, 'a');
+        bytes->rest[b] = followByte(first, b) == followByte(first, 'b') && followByte(second, b) == followByte(second, 'b');
     }
     for (int k = 0; k < 2; ++k) {
         const std::string open{'a', '=', quotes[k]};
-        Configuration empty = read(start, open).at, some = read(start, open + "v").at;
-        if (step(some, 'v').at != some) return nullptr;
-        Configuration closed[2] = {step(empty, quotes[k]).at, step(some, quotes[k]).at};
+        Configuration empty = followText(start, open).at, some = followText(start, open + "v").at;
+        if (followByte(some, 'v').at != some) return nullptr;
+        Configuration closed[2] = {followByte(empty, quotes[k]).at, followByte(some, quotes[k]).at};
         for (int byte = 0; byte < 256; ++byte) {
             auto b = static_cast<unsigned char>(byte);
-            bytes->value[k][b] = byte != 10 && step(empty, b) == step(empty, 'v') && step(some, b) == step(some, 'v');
-            bytes->after[b] = (k == 0 || bytes->after[b]) && step(closed[0], b, true) == step(closed[0], ' ', true) &&
-                              step(closed[1], b, true) == step(closed[1], ' ', true);
+            bytes->value[k][b] = byte != 10 && followByte(empty, b) == followByte(empty, 'v') && followByte(some, b) == followByte(some, 'v');
+            bytes->after[b] = (k == 0 || bytes->after[b]) && followByte(closed[0], b, true) == followByte(closed[0], ' ', true) &&
+                              followByte(closed[1], b, true) == followByte(closed[1], ' ', true);
         }
     }
     return bytes;

@@ -1,6 +1,8 @@
 // `XMLParser`: the LR driver over the tables of the XML grammar.
 #pragma once
 
+#include <string_view>
+
 #include "Generated/Parser.h"
 #include "xml/XMLLex.h"
 #include "xml/XMLTokens.h"
@@ -52,6 +54,23 @@ public:
                 if (k.below == below && k.under == under) return k.bytes.get();
         return learnAttributeBytes(below, under);
     }
+    // The bytes of a name read whole, where the parse stands before one (after "<" or "</", say),
+    // and the state it leaves the parse in, with the name on top.
+    struct NameBytes {
+        bool first[256] = {};
+        bool rest[256] = {};
+        std::int32_t state = 0;
+    };
+    // Null unless a name may be read whole where the parse stands.
+    const NameBytes* nameBytes() {
+        if (!steady()) return nullptr;
+        if (std::size_t(state) < knownNames.size() && knownNames[std::size_t(state)].learned)
+            return knownNames[std::size_t(state)].bytes.get();
+        return learnNameBytes();
+    }
+    // Reads the name that `lexer` reads next whole, as its first byte's token and the run after
+    // it would have read it, where `nameBytes` allows and the byte after it has been read ahead.
+    void takeName(XMLLex& lexer);
     // Reads the attribute that `lexer` reads next whole, as its tokens would have been read one
     // by one, where `attributeBytes` allows and the whole of it has been read ahead.
     void takeAttribute(XMLLex& lexer);
@@ -60,7 +79,8 @@ public:
     // has finished. `seen(token)` sees each token before it is offered. With `byteRuns` the bytes
     // that only loop are taken many at a time after each token (a line end left to be a token
     // of its own with `stopAtLineEnd`); without it every byte is a token.
-    // The attributes of a tag are taken whole in the same way (see `takeAttribute`).
+    // The names of tags and the attributes of a tag are taken whole in the same way (see
+    // `takeName` and `takeAttribute`).
     template <class Seen>
     void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
         _eHndl<Terminal> token;
@@ -70,7 +90,11 @@ public:
             offerToken(token);
             if (byteRuns) {
                 takeRuns(lexer, stopAtLineEnd);
-                if (token->getToken() == Token::whiteSpace) takeAttribute(lexer);
+                std::int32_t code = token->getToken();
+                if (code == Token::whiteSpace)
+                    takeAttribute(lexer);
+                else if (code == '<' || code == '/')
+                    takeName(lexer);
             }
         }
     }
@@ -101,6 +125,18 @@ private:
     _eFrom<NonTerminal> entityReference(const Position& at, const _eHndl<XMLString>& name) const;
     _eFrom<XMLContentItem> contentItem(const _eFrom<XMLContentItem>& item) const;
 
+    // Where following a byte, or the bytes of a text, leads from a configuration, and the
+    // semantic actions it runs on the way; `ok` is false where the tables don't take it so.
+    struct Step {
+        Configuration at;
+        std::vector<std::int32_t> ran;
+        bool ok = true;
+        bool operator==(const Step&) const = default;
+    };
+    Step followByte(const Configuration& from, unsigned char byte, bool untilShift = false) const;
+    Step followText(const Configuration& from, std::string_view text) const;
+    const NameBytes* learnNameBytes();
+    std::shared_ptr<const NameBytes> findNameBytes() const;
     const AttributeBytes* learnAttributeBytes(std::int32_t below, std::int32_t under);
     std::shared_ptr<const AttributeBytes> findAttributeBytes(std::int32_t below, std::int32_t under) const;
 
@@ -113,4 +149,10 @@ private:
         std::shared_ptr<const AttributeBytes> bytes;  // null where no attribute is read whole
     };
     std::vector<std::vector<KnownAttributes>> knownAttributes;
+    // What `nameBytes` found so far, by state.
+    struct KnownName {
+        bool learned = false;
+        std::shared_ptr<const NameBytes> bytes;  // null where no name is read whole
+    };
+    std::vector<KnownName> knownNames;
 };

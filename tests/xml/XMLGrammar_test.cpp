@@ -156,7 +156,26 @@ TEST(XMLGrammar, AttributesReadWholeAreFoundFromTheTables) {
     }
 }
 
-TEST(XMLGrammar, AnAttributeReadWholeLeavesTheListOnTopAndTheLexerAfterIt) {
+TEST(XMLGrammar, NamesReadWholeAreFoundFromTheTables) {
+    for (const char* text : {"<", "<a></", "<a><", "<a ", "<!DOCTYPE "}) {
+        SCOPED_TRACE(text);
+        _eHndl<XMLParser> beforeName = parserAfter(text);
+        const XMLParser::NameBytes* can = beforeName->nameBytes();
+        ASSERT_NE(can, nullptr);
+        for (unsigned char c : std::string("aZ_:\xC0")) EXPECT_TRUE(can->first[c]) << c;
+        for (unsigned char c : std::string("9-./!?\n")) EXPECT_FALSE(can->first[c]) << c;
+        for (unsigned char c : std::string("aZ9-._:\xB7")) EXPECT_TRUE(can->rest[c]) << c;
+        for (unsigned char c : std::string(" =>/\n\t")) EXPECT_FALSE(can->rest[c]) << c;
+        _eHndl<XMLParser> afterFirst = parserAfter(std::string(text) + "a");
+        EXPECT_EQ(can->state, afterFirst->getState());
+    }
+    for (const char* text : {"<?", "<a>", "<a b", "<a b=", "<!--"}) {
+        _eHndl<XMLParser> elsewhere = parserAfter(text);
+        EXPECT_EQ(elsewhere->nameBytes(), nullptr) << text;
+    }
+}
+
+TEST(XMLGrammar, NamesAndAttributesReadWholeLeaveTheirValuesOnTopAndTheLexerAfterThem) {
     TempDir dir;
     std::string path = dir.write("in.xml", "<a b=\"c\" dd='e\"f'/>");
     _eHndl<Environment> env(new Environment());
@@ -171,10 +190,16 @@ TEST(XMLGrammar, AnAttributeReadWholeLeavesTheListOnTopAndTheLexerAfterIt) {
         parser->offerToken(token);
     };
     offerNext();  // '<'
-    offerNext();  // 'a'
     parser->takeAttribute(*lex);  // not after a blank: nothing is taken
+    parser->takeName(*lex);
+    const auto* tagName = dynamic_cast<const XMLString*>(parser->getStack().peek(-1).value.get());
+    ASSERT_NE(tagName, nullptr);
+    EXPECT_EQ(tagName->units(), L"a");
+    EXPECT_EQ(tagName->getPosition().column, 2);
+    parser->takeName(*lex);  // not before a name: nothing is taken
     offerNext();
     EXPECT_EQ(token->getToken(), Token::whiteSpace);
+    EXPECT_EQ(token->getPosition().column, 3);
     parser->takeAttribute(*lex);
     offerNext();
     EXPECT_EQ(token->getToken(), Token::whiteSpace);
