@@ -1,5 +1,7 @@
 #include "Generated/XMLParser.h"
 
+#include <map>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -120,7 +122,7 @@ void XMLParser::takeAttribute(XMLLex& lexer) {
     if (equals + 1 >= count || bytes[equals] != '=') return;
     unsigned char quote = bytes[equals + 1];
     if (quote != '"' && quote != '\'') return;
-    const bool(&inValue)[256] = can->value[quote == '\'' ? 1 : 0];
+    const ByteSet& inValue = can->value[quote == '\'' ? 1 : 0];
     std::int32_t close = equals + 2;
     while (close < count && inValue[bytes[close]]) ++close;
     if (close + 1 >= count || bytes[close] != quote || !can->after[bytes[close + 1]]) return;
@@ -158,6 +160,45 @@ XMLParser::Step XMLParser::followText(const Configuration& from, std::string_vie
     return out;
 }
 
+namespace {
+
+// What the tables give where a parse stands is the same for every parser: each finding is made
+// once in a process, and every parser after the first takes it from here.
+template <class Found, class Key, class Find>
+std::shared_ptr<const Found> foundOnce(const Key& key, Find find) {
+    static std::mutex lock;
+    static std::map<Key, std::shared_ptr<const Found>> found;
+    std::lock_guard<std::mutex> hold(lock);
+    auto [at, added] = found.try_emplace(key);
+    if (added) at->second = find();
+    return at->second;
+}
+
+}  // namespace
+
+XMLParser::ByteSet XMLParser::bytesLike(const Configuration& from, unsigned char sample, bool untilShift) const {
+    const Step expected = followByte(from, sample, untilShift);
+    // Many bytes share a token: each token is followed once. By token code: 0 not yet followed,
+    // 1 like the sample, 2 not.
+    std::array<std::uint8_t, 512> byToken{};
+    ByteSet like{};
+    for (int byte = 0; byte < 256; ++byte) {
+        auto b = static_cast<unsigned char>(byte);
+        std::int32_t code = byteToken(b);
+        std::uint8_t known = std::size_t(code) < byToken.size() ? byToken[std::size_t(code)] : 0;
+        if (known == 0) known = followByte(from, b, untilShift) == expected ? 1 : 2;
+        if (std::size_t(code) < byToken.size()) byToken[std::size_t(code)] = known;
+        like[b] = known == 1;
+    }
+    return like;
+}
+
+XMLParser::ByteSet XMLParser::both(const ByteSet& one, const ByteSet& other) {
+    ByteSet in{};
+    for (std::size_t b = 0; b < in.size(); ++b) in[b] = one[b] && other[b];
+    return in;
+}
+
 void XMLParser::takeName(XMLLex& lexer) {
     const NameBytes* can = nameBytes();
     if (can == nullptr) return;
@@ -177,7 +218,7 @@ void XMLParser::takeName(XMLLex& lexer) {
 const XMLParser::NameBytes* XMLParser::learnNameBytes() {
     if (std::size_t(state) >= knownNames.size()) knownNames.resize(std::size_t(state) + 1);
     KnownName& known = knownNames[std::size_t(state)];
-    known.bytes = findNameBytes();
+    known.bytes = foundOnce<NameBytes>(state, [this] { return findNameBytes(); });
     known.learned = true;
     return known.bytes.get();
 }
@@ -194,19 +235,19 @@ std::shared_ptr<const XMLParser::NameBytes> XMLParser::findNameBytes() const {
     if (!again.ok || again.at != first.at || again.ran != std::vector<std::int32_t>{A::appendToString}) return nullptr;
     auto bytes = std::make_shared<NameBytes>();
     bytes->state = first.at.state;
-    for (int byte = 0; byte < 256; ++byte) {
-        if (byte == 10) continue;  // a line end is a token of its own, for the progress shown by line
-        auto b = static_cast<unsigned char>(byte);
-        bytes->first[b] = followByte(start, b) == first;
-        bytes->rest[b] = followByte(first.at, b) == again;
-    }
+    bytes->first = bytesLike(start, 'a');
+    bytes->rest = bytesLike(first.at, 'b');
+    // A line end is a token of its own, for the progress shown by line.
+    bytes->first[10] = bytes->rest[10] = false;
     return bytes;
 }
 
 const XMLParser::AttributeBytes* XMLParser::learnAttributeBytes(std::int32_t below, std::int32_t under) {
     if (std::size_t(state) >= knownAttributes.size()) knownAttributes.resize(std::size_t(state) + 1);
     std::vector<KnownAttributes>& known = knownAttributes[std::size_t(state)];
-    known.push_back({below, under, findAttributeBytes(below, under)});
+    known.push_back({below, under, foundOnce<AttributeBytes>(std::array{state, below, under}, [&] {
+                         return findAttributeBytes(below, under);
+                     })});
     return known.back().bytes.get();
 }
 
@@ -245,24 +286,20 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(s
     Configuration first = followText(start, "a").at, second = followText(start, "ab").at;
     if (followByte(second, 'b').at != second || followByte(first, '=').at != followByte(second, '=').at) return nullptr;
     auto bytes = std::make_shared<AttributeBytes>();
-    for (int byte = 0; byte < 256; ++byte) {
-        if (byte == 10) continue;  // a line end is a token of its own, for the progress shown by line
-        auto b = static_cast<unsigned char>(byte);
-        bytes->first[b] = followByte(start, b) == followByte(start, 'a');
-        bytes->rest[b] = followByte(first, b) == followByte(first, 'b') && followByte(second, b) == followByte(second, 'b');
-    }
+    bytes->first = bytesLike(start, 'a');
+    bytes->rest = both(bytesLike(first, 'b'), bytesLike(second, 'b'));
+    bytes->after.fill(true);
     for (int k = 0; k < 2; ++k) {
         const std::string open{'a', '=', quotes[k]};
         Configuration empty = followText(start, open).at, some = followText(start, open + "v").at;
         if (followByte(some, 'v').at != some) return nullptr;
-        Configuration closed[2] = {followByte(empty, quotes[k]).at, followByte(some, quotes[k]).at};
-        for (int byte = 0; byte < 256; ++byte) {
-            auto b = static_cast<unsigned char>(byte);
-            bytes->value[k][b] = byte != 10 && followByte(empty, b) == followByte(empty, 'v') && followByte(some, b) == followByte(some, 'v');
-            bytes->after[b] = (k == 0 || bytes->after[b]) && followByte(closed[0], b, true) == followByte(closed[0], ' ', true) &&
-                              followByte(closed[1], b, true) == followByte(closed[1], ' ', true);
-        }
+        bytes->value[k] = both(bytesLike(empty, 'v'), bytesLike(some, 'v'));
+        bytes->value[k][10] = false;
+        for (const Configuration& from : {followByte(empty, quotes[k]).at, followByte(some, quotes[k]).at})
+            bytes->after = both(bytes->after, bytesLike(from, ' ', true));
     }
+    // A line end is a token of its own, for the progress shown by line.
+    bytes->first[10] = bytes->rest[10] = false;
     return bytes;
 }
 

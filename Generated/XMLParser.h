@@ -1,6 +1,7 @@
 // `XMLParser`: the LR driver over the tables of the XML grammar.
 #pragma once
 
+#include <array>
 #include <string_view>
 
 #include "Generated/Parser.h"
@@ -39,11 +40,12 @@ public:
     // it in a tag: `name="value"` or `name='value'`, with nothing that needs more than appending
     // (no reference, no line end), followed by a byte that ends it. Each set is found by
     // following the tables, so that the attribute leaves the parse just as its tokens would.
+    using ByteSet = std::array<bool, 256>;
     struct AttributeBytes {
-        bool first[256] = {};     // a name's first byte
-        bool rest[256] = {};      // its others
-        bool value[2][256] = {};  // inside double quotes, inside single quotes
-        bool after[256] = {};     // the byte after the closing quote
+        ByteSet first{};     // a name's first byte
+        ByteSet rest{};      // its others
+        ByteSet value[2]{};  // inside double quotes, inside single quotes
+        ByteSet after{};     // the byte after the closing quote
     };
     // Null unless an attribute may be read whole where the parse stands.
     const AttributeBytes* attributeBytes() {
@@ -57,8 +59,8 @@ public:
     // The bytes of a name read whole, where the parse stands before one (after "<" or "</", say),
     // and the state it leaves the parse in, with the name on top.
     struct NameBytes {
-        bool first[256] = {};
-        bool rest[256] = {};
+        ByteSet first{};
+        ByteSet rest{};
         std::int32_t state = 0;
     };
     // Null unless a name may be read whole where the parse stands.
@@ -135,6 +137,9 @@ private:
     };
     Step followByte(const Configuration& from, unsigned char byte, bool untilShift = false) const;
     Step followText(const Configuration& from, std::string_view text) const;
+    // The bytes that, followed from `from`, go where `sample` goes and run what it runs.
+    ByteSet bytesLike(const Configuration& from, unsigned char sample, bool untilShift = false) const;
+    static ByteSet both(const ByteSet& one, const ByteSet& other);
     const NameBytes* learnNameBytes();
     std::shared_ptr<const NameBytes> findNameBytes() const;
     const AttributeBytes* learnAttributeBytes(std::int32_t below, std::int32_t under);

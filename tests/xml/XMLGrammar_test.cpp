@@ -134,7 +134,7 @@ TEST(XMLGrammar, AttributesReadWholeAreFoundFromTheTables) {
     const XMLParser::AttributeBytes* can = inTag->attributeBytes();
     ASSERT_NE(can, nullptr);
     struct Row {
-        const bool (&set)[256];
+        const XMLParser::ByteSet& set;
         const char* members;
         const char* others;
     };
