@@ -36,11 +36,11 @@ public:
     // time; with `stopAtLineEnd` a line end is left to be a token of its own.
     void takeRuns(XMLLex& lexer, bool stopAtLineEnd);
 
+    using ByteSet = std::array<bool, 256>;
     // The bytes of an attribute that is read whole, where the parse stands after the blank before
     // it in a tag: `name="value"` or `name='value'`, with nothing that needs more than appending
     // (no reference, no line end), followed by a byte that ends it. Each set is found by
     // following the tables, so that the attribute leaves the parse just as its tokens would.
-    using ByteSet = std::array<bool, 256>;
     struct AttributeBytes {
         ByteSet first{};     // a name's first byte
         ByteSet rest{};      // its others

@@ -169,6 +169,21 @@ mutations() {
 @ Generated/Parser.h | table lookup: known runs are found by state alone
 - if (k.below == below) return k.bytes.get();
 + return k.bytes.get();
+@ Generated/Parser.cpp | following the tables: a token is shifted where only its reductions were asked for
+- if (untilShift) return true;
++ if (untilShift && steps < 0) return true;
+@ Generated/XMLParser.cpp | attributes read whole: where the tables run other actions for them
+- if (!whole.ok || !end.ok || end.at != done || whole.ran != expected) return nullptr;
++ if (!whole.ok || !end.ok) return nullptr;
+@ Generated/XMLParser.cpp | attributes read whole: whatever byte follows the closing quote
+- if (close + 1 >= count || bytes[close] != quote || !can->after[bytes[close + 1]]) return;
++ if (close + 1 >= count || bytes[close] != quote) return;
+@ Generated/XMLParser.cpp | attributes read whole: the blank's state stays
+- state = stack.peek(-1).state;
++ state = stack.peek(-2).state;
+@ Generated/XMLParser.cpp | names read whole: the state after them is the one before
+- stack.push({state, name.get()});
++ stack.push({can->state, name.get()});
 @ Generated/Location.cpp | lexer positions: a tab goes one column past its stop
 - std::int32_t c = column + width - 1;
 + std::int32_t c = column + width;
