@@ -236,8 +236,8 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
         "<a b=\"x\"\x01></a>",
         "<a>\xC3\xA9t\xC3\xA9 \xB7</a>",
         // Attributes, read whole where they can be and by the token elsewhere.
-        "<x:a b:c=\"1\" d.e-f_g='x\"y' h=\"\" i='' jjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjj=\"a long name\"\tk=\"v\"\n"
-        "l=\"\xC3\xA9\x01\" m=\"a\tb\" n=\"x\ry\" o = \"p\" q=\"x&amp;y\" r=\"x\ny\"/>",
+        ("<x:a b:c=\"1\" d.e-f_g='x\"y' h=\"\" i='' jjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjjj=\"a long name\"\tk=\"v\"\n"
+         "l=\"\xC3\xA9\x01\" m=\"a\tb\" n=\"x\ry\" o = \"p\" q=\"x&amp;y\" r=\"x\ny\"/>"),
         "<a b=\"1\" b=\"2\" _c='3'>\n  <d e=\"4\"\n     f=\"5\" >text</d></a>",
         "<a b=\"1\"c=\"2\" d=\"3\"e>",
         "<a b=\"x<y\" c=\"2\" 9=\"3\" d=\"4\"/>",
