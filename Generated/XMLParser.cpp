@@ -111,15 +111,21 @@ void XMLParser::takeRuns(XMLLex& lexer, bool stopAtLineEnd) {
     }
 }
 
+std::int32_t XMLParser::nameLength(const ByteSet& first, const ByteSet& rest, const unsigned char* bytes,
+                                   std::int32_t count) {
+    if (count < 1 || !first[bytes[0]]) return 0;
+    std::int32_t length = 1;
+    while (length < count && rest[bytes[length]]) ++length;
+    return length;
+}
+
 void XMLParser::takeAttribute(XMLLex& lexer) {
     const AttributeBytes* can = attributeBytes();
     if (can == nullptr) return;
     const unsigned char* bytes = nullptr;
     std::int32_t count = lexer.ahead(bytes);
-    if (count < 1 || !can->first[bytes[0]]) return;
-    std::int32_t equals = 1;
-    while (equals < count && can->rest[bytes[equals]]) ++equals;
-    if (equals + 1 >= count || bytes[equals] != '=') return;
+    std::int32_t equals = nameLength(can->first, can->rest, bytes, count);
+    if (equals == 0 || equals + 1 >= count || bytes[equals] != '=') return;
     unsigned char quote = bytes[equals + 1];
     if (quote != '"' && quote != '\'') return;
     const ByteSet& inValue = can->value[quote == '\'' ? 1 : 0];
@@ -204,10 +210,8 @@ void XMLParser::takeName(XMLLex& lexer) {
     if (can == nullptr) return;
     const unsigned char* bytes = nullptr;
     std::int32_t count = lexer.ahead(bytes);
-    if (count < 1 || !can->first[bytes[0]]) return;
-    std::int32_t end = 1;
-    while (end < count && can->rest[bytes[end]]) ++end;
-    if (end == count) return;  // it may go on beyond what was read ahead
+    std::int32_t end = nameLength(can->first, can->rest, bytes, count);
+    if (end == 0 || end == count) return;  // none, or it may go on beyond what was read ahead
     _eFreeze freeze(this);
     _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes, end));
     if (end > 1) lexer.take(end - 1);

@@ -140,6 +140,10 @@ private:
     // The bytes that, followed from `from`, go where `sample` goes and run what it runs.
     ByteSet bytesLike(const Configuration& from, unsigned char sample, bool untilShift = false) const;
     static ByteSet both(const ByteSet& one, const ByteSet& other);
+    // The length of the name that `bytes` begin with, by the bytes that may begin and go on
+    // with one; 0 where they begin none.
+    static std::int32_t nameLength(const ByteSet& first, const ByteSet& rest, const unsigned char* bytes,
+                                   std::int32_t count);
     const NameBytes* learnNameBytes();
     std::shared_ptr<const NameBytes> findNameBytes() const;
     const AttributeBytes* learnAttributeBytes(std::int32_t below, std::int32_t under);
