@@ -2,6 +2,7 @@
 
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -147,6 +148,34 @@ void XMLParser::takeAttribute(XMLLex& lexer) {
     stack.pop(1);
     stack.trim();
     static_cast<XMLAttributeList*>(stack.peekToChange(-1).value.uniquePointer())->addAttribute(attribute);
+}
+
+bool XMLParser::takeEndTag(XMLLex& lexer) {
+    const unsigned char* bytes = nullptr;
+    std::int32_t count = lexer.ahead(bytes);
+    if (count < 3 || bytes[0] != '/') return false;
+    const EndTagBytes* can = endTagBytes();
+    if (can == nullptr) return false;
+    std::int32_t length = nameLength(can->first, can->rest, bytes + 1, count - 1);
+    if (length == 0 || length + 1 >= count || bytes[length + 1] != '>') return false;
+
+    // What the reductions of its tokens would make, in the same order: the name, the end tag
+    // (where its "<" is), the element, and the content with the element added.
+    _eFreeze freeze(this);
+    const Position open = stack.peek(-1).value->getPosition();
+    lexer.take(1);
+    _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes + 1, length));
+    lexer.take(length);
+    _eHndl<XMLETag> endTag(new XMLETag(open, name));
+    _eFrom<XMLElement> element = ElementCreation::createElement(
+        _eHndl<XMLSTag>(static_cast<XMLSTag*>(stack.peek(-3).value.get())),
+        _eHndl<XMLcontent>(static_cast<XMLcontent*>(stack.peek(-2).value.get())), endTag, naming);
+    // The "<", the element's content and its start tag go; the content around it is on top.
+    state = can->state;
+    stack.pop(3);
+    stack.trim();
+    static_cast<XMLcontent*>(stack.peekToChange(-1).value.uniquePointer())->addItem(element);
+    return true;
 }
 
 XMLParser::Step XMLParser::followByte(const Configuration& from, unsigned char byte, bool untilShift) const {
@@ -302,6 +331,45 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(s
         for (const Configuration& from : {followByte(empty, quotes[k]).at, followByte(some, quotes[k]).at})
             bytes->after = both(bytes->after, bytesLike(from, ' ', true));
     }
+    // A line end is a token of its own, for the progress shown by line.
+    bytes->first[10] = bytes->rest[10] = false;
+    return bytes;
+}
+
+const XMLParser::EndTagBytes* XMLParser::learnEndTagBytes(const EndTagKey& below) {
+    if (std::size_t(state) >= knownEndTags.size()) knownEndTags.resize(std::size_t(state) + 1);
+    std::vector<KnownEndTags>& known = knownEndTags[std::size_t(state)];
+    std::array<std::int32_t, 5> key{state, below[0], below[1], below[2], below[3]};
+    known.push_back({below, foundOnce<EndTagBytes>(key, [&] { return findEndTagBytes(below); })});
+    return known.back().bytes.get();
+}
+
+// An end tag is read whole only where the tables, followed from where the parse stands (the "<"
+// on top, over the entries of `below`), take "/name>" as closing an element: its tokens run the
+// actions that build the name and the end tag, make the element and add it to the content
+// around it, in this order, and leave that content on top, in one state. Checked for names of one to three
+// bytes, with a name byte that runs again to the same states, as for an attribute.
+std::shared_ptr<const XMLParser::EndTagBytes> XMLParser::findEndTagBytes(const EndTagKey& below) const {
+    namespace A = SemanticAction;
+    const Configuration start{{below[3], below[2], below[1], below[0]}, state};
+    std::optional<Configuration> done;
+    for (int nameLength = 1; nameLength <= 3; ++nameLength) {
+        std::string text = "/a" + std::string(std::size_t(nameLength - 1), 'b') + ">";
+        std::vector<std::int32_t> expected{A::newString};
+        expected.insert(expected.end(), std::size_t(nameLength - 1), A::appendToString);
+        expected.insert(expected.end(), {A::endTag, A::element, A::contentElement});
+        Step whole = followText(start, text);
+        if (!done) done = whole.at;
+        if (!whole.ok || whole.at != *done || whole.at.below != std::vector{below[3]} || whole.ran != expected)
+            return nullptr;
+    }
+    Configuration slash = followText(start, "/").at, first = followText(start, "/a").at,
+                  second = followText(start, "/ab").at;
+    if (followByte(second, 'b').at != second) return nullptr;
+    auto bytes = std::make_shared<EndTagBytes>();
+    bytes->state = done->state;
+    bytes->first = bytesLike(slash, 'a');
+    bytes->rest = both(bytesLike(first, 'b'), bytesLike(second, 'b'));
     // A line end is a token of its own, for the progress shown by line.
     bytes->first[10] = bytes->rest[10] = false;
     return bytes;

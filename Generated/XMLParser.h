@@ -77,12 +77,36 @@ public:
     // by one, where `attributeBytes` allows and the whole of it has been read ahead.
     void takeAttribute(XMLLex& lexer);
 
+    // The bytes of an end tag read whole, where the parse stands after the "<" that begins it in
+    // an element's content: "/name>", whose tokens close the element and add it to the content
+    // around it. Found by following the tables, as for an attribute.
+    struct EndTagBytes {
+        ByteSet first{};  // a name's first byte
+        ByteSet rest{};   // its others
+        std::int32_t state = 0;  // the state it leaves the parse in
+    };
+    // The states of the four entries that closing an element goes down to, the top one first.
+    using EndTagKey = std::array<std::int32_t, 4>;
+    // Null unless an end tag may be read whole where the parse stands.
+    const EndTagBytes* endTagBytes() {
+        if (!steady() || stack.getTop() < 4) return nullptr;
+        const EndTagKey below{stack.peek(-1).state, stack.peek(-2).state, stack.peek(-3).state, stack.peek(-4).state};
+        if (std::size_t(state) < knownEndTags.size())
+            for (const KnownEndTags& k : knownEndTags[std::size_t(state)])
+                if (k.below == below) return k.bytes.get();
+        return learnEndTagBytes(below);
+    }
+    // Reads the end tag that `lexer` reads next whole, with the element it closes, as its tokens
+    // would have been read one by one, where `endTagBytes` allows and the whole of it has been
+    // read ahead; false where it was left to the tokens.
+    bool takeEndTag(XMLLex& lexer);
+
     // The one loop that drives a parse: takes tokens from `lexer` and offers them until the parse
     // has finished. `seen(token)` sees each token before it is offered. With `byteRuns` the bytes
     // that only loop are taken many at a time after each token (a line end left to be a token
     // of its own with `stopAtLineEnd`); without it every byte is a token.
     // The names of tags and the attributes of a tag are taken whole in the same way (see
-    // `takeName` and `takeAttribute`).
+    // `takeName` and `takeAttribute`), and so are the end tags in content (`takeEndTag`).
     template <class Seen>
     void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
         _eHndl<Terminal> token;
@@ -95,7 +119,7 @@ public:
                 std::int32_t code = token->getToken();
                 if (code == Token::whiteSpace)
                     takeAttribute(lexer);
-                else if (code == '<' || code == '/')
+                else if (code == '/' || (code == '<' && !takeEndTag(lexer)))
                     takeName(lexer);
             }
         }
@@ -148,6 +172,8 @@ private:
     std::shared_ptr<const NameBytes> findNameBytes() const;
     const AttributeBytes* learnAttributeBytes(std::int32_t below, std::int32_t under);
     std::shared_ptr<const AttributeBytes> findAttributeBytes(std::int32_t below, std::int32_t under) const;
+    const EndTagBytes* learnEndTagBytes(const EndTagKey& below);
+    std::shared_ptr<const EndTagBytes> findEndTagBytes(const EndTagKey& below) const;
 
     ImportExtensions extensions;                // asked for by the importer
     bool rootSeen = false;                      // the root's tag has been read
@@ -164,4 +190,10 @@ private:
         std::shared_ptr<const NameBytes> bytes;  // null where no name is read whole
     };
     std::vector<KnownName> knownNames;
+    // What `endTagBytes` found so far, by state, for the states of the entries below.
+    struct KnownEndTags {
+        EndTagKey below;
+        std::shared_ptr<const EndTagBytes> bytes;  // null where no end tag is read whole
+    };
+    std::vector<std::vector<KnownEndTags>> knownEndTags;
 };

@@ -175,6 +175,27 @@ TEST(XMLGrammar, NamesReadWholeAreFoundFromTheTables) {
     }
 }
 
+TEST(XMLGrammar, EndTagsReadWholeAreFoundFromTheTables) {
+    for (const char* text : {"<r><a><", "<r>\n <a b='1'>text<", "<r><a><b/><", "<r><a><b></b><"}) {
+        SCOPED_TRACE(text);
+        _eHndl<XMLParser> beforeSlash = parserAfter(text);
+        const XMLParser::EndTagBytes* can = beforeSlash->endTagBytes();
+        ASSERT_NE(can, nullptr);
+        for (unsigned char c : std::string("aZ_:\xC0")) EXPECT_TRUE(can->first[c]) << c;
+        for (unsigned char c : std::string("9-./>\n ")) EXPECT_FALSE(can->first[c]) << c;
+        for (unsigned char c : std::string("aZ9-._:\xB7")) EXPECT_TRUE(can->rest[c]) << c;
+        for (unsigned char c : std::string(" =>/\n\t")) EXPECT_FALSE(can->rest[c]) << c;
+        _eHndl<XMLParser> closed = parserAfter(std::string(text) + "/abc>");
+        EXPECT_EQ(can->state, closed->getState());
+        EXPECT_EQ(closed->getStack().getTop(), beforeSlash->getStack().getTop() - 3);
+    }
+    // Closing the root, and where no end tag may begin.
+    for (const char* text : {"<a><", "<r><", "<r><a b", "<r><a>", "<r><!"}) {
+        _eHndl<XMLParser> elsewhere = parserAfter(text);
+        EXPECT_EQ(elsewhere->endTagBytes(), nullptr) << text;
+    }
+}
+
 TEST(XMLGrammar, NamesAndAttributesReadWholeLeaveTheirValuesOnTopAndTheLexerAfterThem) {
     TempDir dir;
     std::string path = dir.write("in.xml", "<a b=\"c\" dd='e\"f'/>");
@@ -245,6 +266,11 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
         "<a b=\"1\"",
         "<a b='1' c='2'>t</a><a d='4' e='5'>",
         "<?xml version=\"1.0\" encoding='UTF-8' ?><!DOCTYPE a [<!ATTLIST a b CDATA \"x\">]><a b=\"c\"/>",
+        // End tags, read whole where they can be: unlike their start tags, with a blank or a line
+        // end before the ">", of elements that refer to others, at the root.
+        ("<r>\n <a x='1'><b>t</b><c/></a>\n <a></b>\n <d></d ><e></e\n><f></f></r>\n"
+         "<UML:Class xmi.idref='c'></UML:Class><UML:Class name='n'>x<UML:A/></UML:Class></r"),
+        "<r><a>1</a><b>2</9b></r>",
     };
     for (const char* text : texts) {
         SCOPED_TRACE(text);
@@ -260,13 +286,18 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
     }
 }
 
-TEST(XMLGrammar, AttributesAcrossTheLexersBufferGiveWhatTokensGive) {
-    // Some attribute stands across the end of what the lexer reads ahead at a time, whatever its
-    // size; its name and value differ in length from their neighbours'.
+TEST(XMLGrammar, AttributesAndEndTagsAcrossTheLexersBufferGiveWhatTokensGive) {
+    // Some attribute, and some end tag, stands across the end of what the lexer reads ahead at a
+    // time, whatever its size; their names and values differ in length from their neighbours'.
     std::string text = "<a";
     for (int i = 0; text.size() < 140000; ++i)
         text += " n" + std::to_string(i) + "=\"" + std::string(std::size_t(i % 37), char('a' + i % 26)) + "\"";
-    text += "/>\n";
+    text += ">";
+    for (int i = 0; text.size() < 280000; ++i) {
+        std::string name = "e" + std::string(std::size_t(i % 29), char('a' + i % 26));
+        text += "<" + name + ">" + std::to_string(i) + "</" + name + ">";
+    }
+    text += "</a>\n";
     TempDir dir;
     std::string path = dir.write("in.xml", text);
     ParseOutcome oneByOne = parseFile(path, false);
