@@ -165,7 +165,7 @@ bool XMLParser::takeEndTag(XMLLex& lexer) {
     const Position open = stack.peek(-1).value->getPosition();
     lexer.take(1);
     _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes + 1, length));
-    lexer.take(length);
+    lexer.take(length);  // the rest of the name and the ">"
     _eHndl<XMLETag> endTag(new XMLETag(open, name));
     _eFrom<XMLElement> element = ElementCreation::createElement(
         _eHndl<XMLSTag>(static_cast<XMLSTag*>(stack.peek(-3).value.get())),
@@ -176,6 +176,32 @@ bool XMLParser::takeEndTag(XMLLex& lexer) {
     stack.trim();
     static_cast<XMLcontent*>(stack.peekToChange(-1).value.uniquePointer())->addItem(element);
     return true;
+}
+
+void XMLParser::takeReference(XMLLex& lexer) {
+    const ReferenceBytes* can = referenceBytes();
+    if (can == nullptr) return;
+    const unsigned char* bytes = nullptr;
+    std::int32_t count = lexer.ahead(bytes);
+    std::int32_t length = nameLength(can->first, can->rest, bytes, count);
+    if (length == 0 || length >= count || bytes[length] != ';') return;
+
+    // What the reductions of its tokens would make, in the same order: the name, the reference
+    // (where its "&" is), and the value below with the reference added.
+    _eFreeze freeze(this);
+    const Position open = stack.peek(-1).value->getPosition();
+    _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes, length));
+    lexer.take(length);  // the rest of the name and the ";"
+    _eFrom<NonTerminal> reference = entityReference(open, name);
+    // The "&" goes, and the value below it is on top again.
+    state = can->state;
+    stack.pop(1);
+    stack.trim();
+    StackValue* value = stack.peekToChange(-1).value.uniquePointer();
+    if (can->addedBy == SemanticAction::contentReference)
+        static_cast<XMLcontent*>(value)->addItem(contentItem(static_cast<XMLContentItem*>(reference.get())));
+    else
+        static_cast<XMLAttributeValue*>(value)->addReference(static_cast<XMLReference*>(reference.get()));
 }
 
 XMLParser::Step XMLParser::followByte(const Configuration& from, unsigned char byte, bool untilShift) const {
@@ -275,27 +301,23 @@ std::shared_ptr<const XMLParser::NameBytes> XMLParser::findNameBytes() const {
     return bytes;
 }
 
-const XMLParser::AttributeBytes* XMLParser::learnAttributeBytes(std::int32_t below, std::int32_t under) {
-    if (std::size_t(state) >= knownAttributes.size()) knownAttributes.resize(std::size_t(state) + 1);
-    std::vector<KnownAttributes>& known = knownAttributes[std::size_t(state)];
-    known.push_back({below, under, foundOnce<AttributeBytes>(std::array{state, below, under}, [&] {
-                         return findAttributeBytes(below, under);
-                     })});
-    return known.back().bytes.get();
+const XMLParser::AttributeBytes* XMLParser::learnAttributeBytes(const Below<2>& below) {
+    return knownAttributes.add(state, below, foundOnce<AttributeBytes>(std::pair{state, below}, [&] {
+                                   return findAttributeBytes(below);
+                               }));
 }
 
 // An attribute is read whole only where the tables, followed from where the parse stands (the
-// blank before the name on top, over the entries of `below` and `under`), take it as a loop:
+// blank before the name on top, over the attribute list under it), take it as a loop:
 // its tokens run the actions that build the attribute and add it to the list below, in this
 // order, and the byte after it finds the parse with that list on top, where the blank was
 // shifted. Checked for names of one to three bytes and values of none to two, with a name or
 // value byte that runs again to the same states: one that runs as the sample byte, then, runs so
 // at any length. A byte belongs to a set where it runs exactly as the sample byte does.
-std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(std::int32_t below,
-                                                                               std::int32_t under) const {
+std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(const Below<2>& below) const {
     namespace A = SemanticAction;
-    const Configuration start{{under, below}, state};
-    const Configuration done{{under}, below};
+    const Configuration start{{below[1], below[0]}, state};
+    const Configuration done{{below[1]}, below[0]};
     const char quotes[2] = {'"', '\''};
     for (char quote : quotes)
         for (int nameLength = 1; nameLength <= 3; ++nameLength)
@@ -336,12 +358,9 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(s
     return bytes;
 }
 
-const XMLParser::EndTagBytes* XMLParser::learnEndTagBytes(const EndTagKey& below) {
-    if (std::size_t(state) >= knownEndTags.size()) knownEndTags.resize(std::size_t(state) + 1);
-    std::vector<KnownEndTags>& known = knownEndTags[std::size_t(state)];
-    std::array<std::int32_t, 5> key{state, below[0], below[1], below[2], below[3]};
-    known.push_back({below, foundOnce<EndTagBytes>(key, [&] { return findEndTagBytes(below); })});
-    return known.back().bytes.get();
+const XMLParser::EndTagBytes* XMLParser::learnEndTagBytes(const Below<4>& below) {
+    return knownEndTags.add(state, below,
+                            foundOnce<EndTagBytes>(std::pair{state, below}, [&] { return findEndTagBytes(below); }));
 }
 
 // An end tag is read whole only where the tables, followed from where the parse stands (the "<"
@@ -349,7 +368,7 @@ const XMLParser::EndTagBytes* XMLParser::learnEndTagBytes(const EndTagKey& below
 // actions that build the name and the end tag, make the element and add it to the content
 // around it, in this order, and leave that content on top, in one state. Checked for names of one to three
 // bytes, with a name byte that runs again to the same states, as for an attribute.
-std::shared_ptr<const XMLParser::EndTagBytes> XMLParser::findEndTagBytes(const EndTagKey& below) const {
+std::shared_ptr<const XMLParser::EndTagBytes> XMLParser::findEndTagBytes(const Below<4>& below) const {
     namespace A = SemanticAction;
     const Configuration start{{below[3], below[2], below[1], below[0]}, state};
     std::optional<Configuration> done;
@@ -369,6 +388,46 @@ std::shared_ptr<const XMLParser::EndTagBytes> XMLParser::findEndTagBytes(const E
     auto bytes = std::make_shared<EndTagBytes>();
     bytes->state = done->state;
     bytes->first = bytesLike(slash, 'a');
+    bytes->rest = both(bytesLike(first, 'b'), bytesLike(second, 'b'));
+    // A line end is a token of its own, for the progress shown by line.
+    bytes->first[10] = bytes->rest[10] = false;
+    return bytes;
+}
+
+const XMLParser::ReferenceBytes* XMLParser::learnReferenceBytes(const Below<2>& below) {
+    return knownReferences.add(state, below, foundOnce<ReferenceBytes>(std::pair{state, below}, [&] {
+                                   return findReferenceBytes(below);
+                               }));
+}
+
+// A reference is read whole only where the tables, followed from where the parse stands (the
+// "&" on top, over the value under it), take "name;" as making the reference to an entity and
+// adding it to that value by one action, leaving the value on top, in one state. Checked for
+// names of one to three bytes, with a name byte that runs again to the same states.
+std::shared_ptr<const XMLParser::ReferenceBytes> XMLParser::findReferenceBytes(const Below<2>& below) const {
+    namespace A = SemanticAction;
+    const Configuration start{{below[1], below[0]}, state};
+    std::optional<Step> done;
+    for (int nameLength = 1; nameLength <= 3; ++nameLength) {
+        std::string text(std::size_t(nameLength), 'b');
+        text.front() = 'a';
+        text.push_back(';');
+        Step whole = followText(start, text);
+        if (!whole.ok || whole.ran.empty()) return nullptr;
+        if (!done) done = whole;
+        std::vector<std::int32_t> expected{A::newString};
+        expected.insert(expected.end(), std::size_t(nameLength - 1), A::appendToString);
+        expected.insert(expected.end(), {A::entityReference, done->ran.back()});
+        if (whole.at != done->at || whole.at.below != std::vector{below[1]} || whole.ran != expected) return nullptr;
+    }
+    std::int32_t addedBy = done->ran.back();
+    if (addedBy != A::contentReference && addedBy != A::attributeValueReference) return nullptr;
+    Configuration first = followText(start, "a").at, second = followText(start, "ab").at;
+    if (followByte(second, 'b').at != second) return nullptr;
+    auto bytes = std::make_shared<ReferenceBytes>();
+    bytes->state = done->at.state;
+    bytes->addedBy = addedBy;
+    bytes->first = bytesLike(start, 'a');
     bytes->rest = both(bytesLike(first, 'b'), bytesLike(second, 'b'));
     // A line end is a token of its own, for the progress shown by line.
     bytes->first[10] = bytes->rest[10] = false;

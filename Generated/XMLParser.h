@@ -47,14 +47,12 @@ public:
         ByteSet value[2]{};  // inside double quotes, inside single quotes
         ByteSet after{};     // the byte after the closing quote
     };
+    // The states of the top `N` entries of the stack, the top one first.
+    template <std::size_t N>
+    using Below = std::array<std::int32_t, N>;
     // Null unless an attribute may be read whole where the parse stands.
     const AttributeBytes* attributeBytes() {
-        if (!steady() || stack.getTop() < 2) return nullptr;
-        std::int32_t below = stack.peek(-1).state, under = stack.peek(-2).state;
-        if (std::size_t(state) < knownAttributes.size())
-            for (const KnownAttributes& k : knownAttributes[std::size_t(state)])
-                if (k.below == below && k.under == under) return k.bytes.get();
-        return learnAttributeBytes(below, under);
+        return lookUp(knownAttributes, [this](const Below<2>& below) { return learnAttributeBytes(below); });
     }
     // The bytes of a name read whole, where the parse stands before one (after "<" or "</", say),
     // and the state it leaves the parse in, with the name on top.
@@ -85,28 +83,40 @@ public:
         ByteSet rest{};   // its others
         std::int32_t state = 0;  // the state it leaves the parse in
     };
-    // The states of the four entries that closing an element goes down to, the top one first.
-    using EndTagKey = std::array<std::int32_t, 4>;
-    // Null unless an end tag may be read whole where the parse stands.
+    // Null unless an end tag may be read whole where the parse stands (closing an element goes
+    // down four entries).
     const EndTagBytes* endTagBytes() {
-        if (!steady() || stack.getTop() < 4) return nullptr;
-        const EndTagKey below{stack.peek(-1).state, stack.peek(-2).state, stack.peek(-3).state, stack.peek(-4).state};
-        if (std::size_t(state) < knownEndTags.size())
-            for (const KnownEndTags& k : knownEndTags[std::size_t(state)])
-                if (k.below == below) return k.bytes.get();
-        return learnEndTagBytes(below);
+        return lookUp(knownEndTags, [this](const Below<4>& below) { return learnEndTagBytes(below); });
     }
     // Reads the end tag that `lexer` reads next whole, with the element it closes, as its tokens
     // would have been read one by one, where `endTagBytes` allows and the whole of it has been
     // read ahead; false where it was left to the tokens.
     bool takeEndTag(XMLLex& lexer);
 
+    // The bytes of an entity's reference read whole, where the parse stands after the "&" that
+    // begins it: "name;", whose tokens make the reference and add it to the content or the
+    // attribute value below. Found by following the tables, as for an attribute.
+    struct ReferenceBytes {
+        ByteSet first{};           // a name's first byte
+        ByteSet rest{};            // its others
+        std::int32_t state = 0;    // the state it leaves the parse in
+        std::int32_t addedBy = 0;  // the action that adds it to the value below
+    };
+    // Null unless a reference may be read whole where the parse stands.
+    const ReferenceBytes* referenceBytes() {
+        return lookUp(knownReferences, [this](const Below<2>& below) { return learnReferenceBytes(below); });
+    }
+    // Reads the reference that `lexer` reads next whole, where `referenceBytes` allows and the
+    // whole of it has been read ahead.
+    void takeReference(XMLLex& lexer);
+
     // The one loop that drives a parse: takes tokens from `lexer` and offers them until the parse
     // has finished. `seen(token)` sees each token before it is offered. With `byteRuns` the bytes
     // that only loop are taken many at a time after each token (a line end left to be a token
     // of its own with `stopAtLineEnd`); without it every byte is a token.
     // The names of tags and the attributes of a tag are taken whole in the same way (see
-    // `takeName` and `takeAttribute`), and so are the end tags in content (`takeEndTag`).
+    // `takeName` and `takeAttribute`), and so are the end tags in content (`takeEndTag`) and
+    // the references to entities (`takeReference`).
     template <class Seen>
     void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
         _eHndl<Terminal> token;
@@ -121,6 +131,8 @@ public:
                     takeAttribute(lexer);
                 else if (code == '/' || (code == '<' && !takeEndTag(lexer)))
                     takeName(lexer);
+                else if (code == '&')
+                    takeReference(lexer);
             }
         }
     }
@@ -170,30 +182,58 @@ private:
                                    std::int32_t count);
     const NameBytes* learnNameBytes();
     std::shared_ptr<const NameBytes> findNameBytes() const;
-    const AttributeBytes* learnAttributeBytes(std::int32_t below, std::int32_t under);
-    std::shared_ptr<const AttributeBytes> findAttributeBytes(std::int32_t below, std::int32_t under) const;
-    const EndTagBytes* learnEndTagBytes(const EndTagKey& below);
-    std::shared_ptr<const EndTagBytes> findEndTagBytes(const EndTagKey& below) const;
+    const AttributeBytes* learnAttributeBytes(const Below<2>& below);
+    std::shared_ptr<const AttributeBytes> findAttributeBytes(const Below<2>& below) const;
+    const EndTagBytes* learnEndTagBytes(const Below<4>& below);
+    std::shared_ptr<const EndTagBytes> findEndTagBytes(const Below<4>& below) const;
+    const ReferenceBytes* learnReferenceBytes(const Below<2>& below);
+    std::shared_ptr<const ReferenceBytes> findReferenceBytes(const Below<2>& below) const;
+
+    // What was found so far for one thing read whole, by state and by the states of the top `N`
+    // entries: null where nothing is read whole.
+    template <class Bytes, std::size_t N>
+    class KnownBelow {
+    public:
+        // What was found for `state` over `below`; null where it wasn't looked for yet.
+        const std::shared_ptr<const Bytes>* find(std::int32_t state, const Below<N>& below) const {
+            if (std::size_t(state) < byState.size())
+                for (const Entry& entry : byState[std::size_t(state)])
+                    if (entry.below == below) return &entry.bytes;
+            return nullptr;
+        }
+        const Bytes* add(std::int32_t state, const Below<N>& below, std::shared_ptr<const Bytes> bytes) {
+            if (std::size_t(state) >= byState.size()) byState.resize(std::size_t(state) + 1);
+            byState[std::size_t(state)].push_back({below, std::move(bytes)});
+            return byState[std::size_t(state)].back().bytes.get();
+        }
+
+    private:
+        struct Entry {
+            Below<N> below;
+            std::shared_ptr<const Bytes> bytes;
+        };
+        std::vector<std::vector<Entry>> byState;
+    };
+    // What `known` holds where the parse stands, learnt by `learn` where it holds nothing yet.
+    template <class Bytes, std::size_t N, class Learn>
+    const Bytes* lookUp(const KnownBelow<Bytes, N>& known, Learn learn) {
+        if (!steady() || stack.getTop() < std::int32_t(N)) return nullptr;
+        Below<N> below{};
+        for (std::size_t k = 0; k < N; ++k) below[k] = stack.peek(-1 - std::int32_t(k)).state;
+        const std::shared_ptr<const Bytes>* found = known.find(state, below);
+        return found != nullptr ? found->get() : learn(below);
+    }
 
     ImportExtensions extensions;                // asked for by the importer
     bool rootSeen = false;                      // the root's tag has been read
     TagNaming naming = TagNaming::specified;    // how the elements read their tags
-    // What `attributeBytes` found so far, by state, for the states of the two entries below.
-    struct KnownAttributes {
-        std::int32_t below, under;
-        std::shared_ptr<const AttributeBytes> bytes;  // null where no attribute is read whole
-    };
-    std::vector<std::vector<KnownAttributes>> knownAttributes;
+    KnownBelow<AttributeBytes, 2> knownAttributes;  // what `attributeBytes` found so far
     // What `nameBytes` found so far, by state.
     struct KnownName {
         bool learned = false;
         std::shared_ptr<const NameBytes> bytes;  // null where no name is read whole
     };
     std::vector<KnownName> knownNames;
-    // What `endTagBytes` found so far, by state, for the states of the entries below.
-    struct KnownEndTags {
-        EndTagKey below;
-        std::shared_ptr<const EndTagBytes> bytes;  // null where no end tag is read whole
-    };
-    std::vector<std::vector<KnownEndTags>> knownEndTags;
+    KnownBelow<EndTagBytes, 4> knownEndTags;        // what `endTagBytes` found so far
+    KnownBelow<ReferenceBytes, 2> knownReferences;  // what `referenceBytes` found so far
 };

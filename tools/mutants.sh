@@ -191,11 +191,20 @@ mutations() {
 - _eHndl<XMLETag> endTag(new XMLETag(open, name));
 + _eHndl<XMLETag> endTag(new XMLETag(name->getPosition(), name));
 @ Generated/XMLParser.cpp | end tags read whole: the lexer stays on the ">"
-- lexer.take(length);
+- lexer.take(length);  // the rest of the name and the ">"
 + if (length > 1) lexer.take(length - 1);
 @ Generated/XMLParser.cpp | end tags read whole: a name may begin with any byte of a name
 - std::int32_t length = nameLength(can->first, can->rest, bytes + 1, count - 1);
 + std::int32_t length = nameLength(can->rest, can->rest, bytes + 1, count - 1);
+@ Generated/XMLParser.cpp | references read whole: the reference is placed where its name begins
+- _eFrom<NonTerminal> reference = entityReference(open, name);
++ _eFrom<NonTerminal> reference = entityReference(name->getPosition(), name);
+@ Generated/XMLParser.cpp | references read whole: where the tables add them by another action
+- if (addedBy != A::contentReference && addedBy != A::attributeValueReference) return nullptr;
++ if (addedBy == 0) return nullptr;
+@ Generated/XMLParser.cpp | references read whole: the ";" is left to be read
+- lexer.take(length);  // the rest of the name and the ";"
++ if (length > 1) lexer.take(length - 1);
 @ Generated/Location.cpp | lexer positions: a tab goes one column past its stop
 - std::int32_t c = column + width - 1;
 + std::int32_t c = column + width;

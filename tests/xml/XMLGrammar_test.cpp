@@ -196,6 +196,31 @@ TEST(XMLGrammar, EndTagsReadWholeAreFoundFromTheTables) {
     }
 }
 
+TEST(XMLGrammar, ReferencesReadWholeAreFoundFromTheTables) {
+    struct Row {
+        const char* before;
+        std::int32_t addedBy;
+    };
+    for (Row row : {Row{"<r>x&", SemanticAction::contentReference}, Row{"<r><a/>&", SemanticAction::contentReference},
+                    Row{"<r a='x&", SemanticAction::attributeValueReference},
+                    Row{"<r a=\"&", SemanticAction::attributeValueReference}}) {
+        SCOPED_TRACE(row.before);
+        const XMLParser::ReferenceBytes* can = parserAfter(row.before)->referenceBytes();
+        ASSERT_NE(can, nullptr);
+        EXPECT_EQ(can->addedBy, row.addedBy);
+        for (unsigned char c : std::string("aZ_:\xC0")) EXPECT_TRUE(can->first[c]) << c;
+        for (unsigned char c : std::string("9-.#;\n ")) EXPECT_FALSE(can->first[c]) << c;
+        for (unsigned char c : std::string("aZ9-._:\xB7")) EXPECT_TRUE(can->rest[c]) << c;
+        for (unsigned char c : std::string(" ;&\n")) EXPECT_FALSE(can->rest[c]) << c;
+        EXPECT_EQ(can->state, parserAfter(std::string(row.before) + "abc;")->getState());
+    }
+    // In an entity's value, and where no reference may begin.
+    for (const char* text : {"<!DOCTYPE r [<!ENTITY e \"&", "<r>", "<r a='", "<r><!-- &"}) {
+        _eHndl<XMLParser> elsewhere = parserAfter(text);
+        EXPECT_EQ(elsewhere->referenceBytes(), nullptr) << text;
+    }
+}
+
 TEST(XMLGrammar, NamesAndAttributesReadWholeLeaveTheirValuesOnTopAndTheLexerAfterThem) {
     TempDir dir;
     std::string path = dir.write("in.xml", "<a b=\"c\" dd='e\"f'/>");
@@ -271,19 +296,23 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
         ("<r>\n <a x='1'><b>t</b><c/></a>\n <a></b>\n <d></d ><e></e\n><f></f></r>\n"
          "<UML:Class xmi.idref='c'></UML:Class><UML:Class name='n'>x<UML:A/></UML:Class></r"),
         "<r><a>1</a><b>2</9b></r>",
+        // References to entities, read whole where they can be, decoded or not.
+        ("<r a='&lt;&amp;&gt;' b=\"x&quot;&apos;&e;\" c='&a b;'>&amp;&lt;&unknown;&x:y.z-1;x&gt;\n"
+         "&;&9;&#65;&#x4a;&a\nb;<d e=\"&amp;\"/>&amp&lt</r>&amp;"),
     };
-    for (const char* text : texts) {
-        SCOPED_TRACE(text);
-        TempDir dir;
-        std::string path = dir.write("in.xml", text);
-        ParseOutcome oneByOne = parseFile(path, false);
-        ParseOutcome inRuns = parseFile(path, true);
-        EXPECT_EQ(inRuns.accepted, oneByOne.accepted);
-        EXPECT_EQ(inRuns.errors, oneByOne.errors);
-        if (oneByOne.accepted) {
-            EXPECT_TRUE(inRuns.result->isEqual(oneByOne.result.get()));
+    for (const char* text : texts)
+        for (const ImportExtensions& extensions : {ImportExtensions(), everyExtension()}) {
+            SCOPED_TRACE(text);
+            TempDir dir;
+            std::string path = dir.write("in.xml", text);
+            ParseOutcome oneByOne = parseFile(path, false, extensions);
+            ParseOutcome inRuns = parseFile(path, true, extensions);
+            EXPECT_EQ(inRuns.accepted, oneByOne.accepted);
+            EXPECT_EQ(inRuns.errors, oneByOne.errors);
+            if (oneByOne.accepted) {
+                EXPECT_TRUE(inRuns.result->isEqual(oneByOne.result.get()));
+            }
         }
-    }
 }
 
 TEST(XMLGrammar, AttributesAndEndTagsAcrossTheLexersBufferGiveWhatTokensGive) {
