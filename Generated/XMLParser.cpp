@@ -183,16 +183,32 @@ void XMLParser::takeReference(XMLLex& lexer) {
     if (can == nullptr) return;
     const unsigned char* bytes = nullptr;
     std::int32_t count = lexer.ahead(bytes);
-    std::int32_t length = nameLength(can->first, can->rest, bytes, count);
-    if (length == 0 || length >= count || bytes[length] != ';') return;
+    if (count == 0) return;
 
-    // What the reductions of its tokens would make, in the same order: the name, the reference
-    // (where its "&" is), and the value below with the reference added.
+    // What the reductions of its tokens would make, in the same order: the name or the code,
+    // the reference (where its "&" is), and the value below with the reference added.
     _eFreeze freeze(this);
     const Position open = stack.peek(-1).value->getPosition();
-    _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes, length));
-    lexer.take(length);  // the rest of the name and the ";"
-    _eFrom<NonTerminal> reference = entityReference(open, name);
+    _eFrom<NonTerminal> reference;
+    if (bytes[0] == '#') {
+        bool hexadecimal = count > 1 && bytes[1] == 'x';
+        std::int32_t first = hexadecimal ? 2 : 1;
+        const ByteSet& digits = can->digits[hexadecimal ? 1 : 0];
+        std::int32_t end = first + nameLength(digits, digits, bytes + first, count - first);
+        if (end == first || end >= count || bytes[end] != ';') return;
+        // A large code wraps around, as its number does when read by the digit.
+        std::uint32_t code = 0;
+        for (std::int32_t k = first; k < end; ++k)
+            code = code * (hexadecimal ? 16u : 10u) + std::uint32_t(digitValue(wchar_t(bytes[k])));
+        reference = new XMLCharReference(open, std::int32_t(code));
+        lexer.take(end + 1);
+    } else {
+        std::int32_t length = nameLength(can->first, can->rest, bytes, count);
+        if (length == 0 || length >= count || bytes[length] != ';') return;
+        _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes, length));
+        lexer.take(length);  // the rest of the name and the ";"
+        reference = entityReference(open, name);
+    }
     // The "&" goes, and the value below it is on top again.
     state = can->state;
     stack.pop(1);
@@ -403,7 +419,8 @@ const XMLParser::ReferenceBytes* XMLParser::learnReferenceBytes(const Below<2>& 
 // A reference is read whole only where the tables, followed from where the parse stands (the
 // "&" on top, over the value under it), take "name;" as making the reference to an entity and
 // adding it to that value by one action, leaving the value on top, in one state. Checked for
-// names of one to three bytes, with a name byte that runs again to the same states.
+// names of one to three bytes, with a name byte that runs again to the same states. Character
+// references are read whole where their digits, one to three of them, do the same.
 std::shared_ptr<const XMLParser::ReferenceBytes> XMLParser::findReferenceBytes(const Below<2>& below) const {
     namespace A = SemanticAction;
     const Configuration start{{below[1], below[0]}, state};
@@ -427,6 +444,23 @@ std::shared_ptr<const XMLParser::ReferenceBytes> XMLParser::findReferenceBytes(c
     auto bytes = std::make_shared<ReferenceBytes>();
     bytes->state = done->at.state;
     bytes->addedBy = addedBy;
+    const std::int32_t numbers[2][2] = {{A::decimalDigit, A::decimalCharReference}, {A::hexDigit, A::hexCharReference}};
+    for (int k = 0; k < 2; ++k) {
+        const std::string open = k == 0 ? "#" : "#x";
+        bool whole = true;
+        for (int digitCount = 1; digitCount <= 3; ++digitCount) {
+            std::string text = open + std::string(std::size_t(digitCount), '1');
+            text.push_back(';');
+            Step step = followText(start, text);
+            std::vector<std::int32_t> expected{A::newNumber};
+            expected.insert(expected.end(), std::size_t(digitCount - 1), numbers[k][0]);
+            expected.insert(expected.end(), {numbers[k][1], addedBy});
+            whole = whole && step.ok && step.at == done->at && step.ran == expected;
+        }
+        Configuration one = followText(start, open + "1").at, two = followText(start, open + "11").at;
+        if (!whole || followByte(two, '1').at != two) continue;
+        bytes->digits[k] = both(bytesLike(followText(start, open).at, '1'), both(bytesLike(one, '1'), bytesLike(two, '1')));
+    }
     bytes->first = bytesLike(start, 'a');
     bytes->rest = both(bytesLike(first, 'b'), bytesLike(second, 'b'));
     // A line end is a token of its own, for the progress shown by line.

@@ -93,12 +93,14 @@ public:
     // read ahead; false where it was left to the tokens.
     bool takeEndTag(XMLLex& lexer);
 
-    // The bytes of an entity's reference read whole, where the parse stands after the "&" that
-    // begins it: "name;", whose tokens make the reference and add it to the content or the
-    // attribute value below. Found by following the tables, as for an attribute.
+    // The bytes of a reference read whole, where the parse stands after the "&" that begins it:
+    // "name;", "#digits;" or "#xdigits;", whose tokens make the reference and add it to the
+    // content or the attribute value below. Found by following the tables, as for an attribute.
     struct ReferenceBytes {
         ByteSet first{};           // a name's first byte
         ByteSet rest{};            // its others
+        ByteSet digits[2]{};       // a character's code in decimal, in hexadecimal; none where
+                                   // character references are left to the tokens
         std::int32_t state = 0;    // the state it leaves the parse in
         std::int32_t addedBy = 0;  // the action that adds it to the value below
     };

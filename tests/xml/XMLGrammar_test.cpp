@@ -212,6 +212,9 @@ TEST(XMLGrammar, ReferencesReadWholeAreFoundFromTheTables) {
         for (unsigned char c : std::string("9-.#;\n ")) EXPECT_FALSE(can->first[c]) << c;
         for (unsigned char c : std::string("aZ9-._:\xB7")) EXPECT_TRUE(can->rest[c]) << c;
         for (unsigned char c : std::string(" ;&\n")) EXPECT_FALSE(can->rest[c]) << c;
+        for (unsigned char c : std::string("09")) EXPECT_TRUE(can->digits[0][c] && can->digits[1][c]) << c;
+        for (unsigned char c : std::string("afAF")) EXPECT_TRUE(!can->digits[0][c] && can->digits[1][c]) << c;
+        for (unsigned char c : std::string("gGx;#")) EXPECT_TRUE(!can->digits[0][c] && !can->digits[1][c]) << c;
         EXPECT_EQ(can->state, parserAfter(std::string(row.before) + "abc;")->getState());
     }
     // In an entity's value, and where no reference may begin.
@@ -298,7 +301,8 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
         "<r><a>1</a><b>2</9b></r>",
         // References to entities, read whole where they can be, decoded or not.
         ("<r a='&lt;&amp;&gt;' b=\"x&quot;&apos;&e;\" c='&a b;'>&amp;&lt;&unknown;&x:y.z-1;x&gt;\n"
-         "&;&9;&#65;&#x4a;&a\nb;<d e=\"&amp;\"/>&amp&lt</r>&amp;"),
+         "&;&9;&#65;&#x4a;&a\nb;<d e=\"&amp;&#x26;&#38;\"/>&#x;&#;&#X41;&#4294967361;&#xfFfFfFfFf;&#00;&#1a;"
+         "&amp&lt</r>&amp;"),
     };
     for (const char* text : texts)
         for (const ImportExtensions& extensions : {ImportExtensions(), everyExtension()}) {
