@@ -102,6 +102,23 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
     }
 }
 
+void XMLParser::takeWhole(XMLLex& lexer, std::int32_t code, bool stopAtLineEnd) {
+    takeRuns(lexer, stopAtLineEnd);
+    // Text may begin where a tag or a reference ends.
+    bool closed = code == '>';
+    if (code == Token::whiteSpace) {
+        takeAttribute(lexer);
+    } else if (code == '/') {
+        takeName(lexer);
+    } else if (code == '<') {
+        closed = takeEndTag(lexer);
+        if (!closed) takeName(lexer);
+    } else if (code == '&') {
+        closed = takeReference(lexer);
+    }
+    if (closed && takeText(lexer, stopAtLineEnd)) takeRuns(lexer, stopAtLineEnd);
+}
+
 void XMLParser::takeRuns(XMLLex& lexer, bool stopAtLineEnd) {
     constexpr std::int32_t room = 4096;
     unsigned char units[room];
@@ -178,12 +195,12 @@ bool XMLParser::takeEndTag(XMLLex& lexer) {
     return true;
 }
 
-void XMLParser::takeReference(XMLLex& lexer) {
+bool XMLParser::takeReference(XMLLex& lexer) {
     const ReferenceBytes* can = referenceBytes();
-    if (can == nullptr) return;
+    if (can == nullptr) return false;
     const unsigned char* bytes = nullptr;
     std::int32_t count = lexer.ahead(bytes);
-    if (count == 0) return;
+    if (count == 0) return false;
 
     // What the reductions of its tokens would make, in the same order: the name or the code,
     // the reference (where its "&" is), and the value below with the reference added.
@@ -195,7 +212,7 @@ void XMLParser::takeReference(XMLLex& lexer) {
         std::int32_t first = hexadecimal ? 2 : 1;
         const ByteSet& digits = can->digits[hexadecimal ? 1 : 0];
         std::int32_t end = first + nameLength(digits, digits, bytes + first, count - first);
-        if (end == first || end >= count || bytes[end] != ';') return;
+        if (end == first || end >= count || bytes[end] != ';') return false;
         // A large code wraps around, as its number does when read by the digit.
         std::uint32_t code = 0;
         for (std::int32_t k = first; k < end; ++k)
@@ -204,7 +221,7 @@ void XMLParser::takeReference(XMLLex& lexer) {
         lexer.take(end + 1);
     } else {
         std::int32_t length = nameLength(can->first, can->rest, bytes, count);
-        if (length == 0 || length >= count || bytes[length] != ';') return;
+        if (length == 0 || length >= count || bytes[length] != ';') return false;
         _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes, length));
         lexer.take(length);  // the rest of the name and the ";"
         reference = entityReference(open, name);
@@ -218,6 +235,28 @@ void XMLParser::takeReference(XMLLex& lexer) {
         static_cast<XMLcontent*>(value)->addItem(contentItem(static_cast<XMLContentItem*>(reference.get())));
     else
         static_cast<XMLAttributeValue*>(value)->addReference(static_cast<XMLReference*>(reference.get()));
+    return true;
+}
+
+bool XMLParser::takeText(XMLLex& lexer, bool stopAtLineEnd) {
+    const TextBytes* can = textBytes();
+    if (can == nullptr) return false;
+    const unsigned char* bytes = nullptr;
+    if (lexer.ahead(bytes) == 0 || !can->first[bytes[0]] || (stopAtLineEnd && bytes[0] == '\n')) return false;
+    // What the reductions of its token would make: the content where there is none yet, at the
+    // same place, and the text of one character.
+    _eFreeze freeze(this);
+    const Position at = lexer.take(1);
+    if (can->newContent) {
+        stack.push({state, _eHndl<StackValue>(new XMLcontent(at))});
+        state = can->contentState;
+    }
+    _eHndl<XMLCharData> text(new XMLCharData(at));
+    const wchar_t unit = bytes[0];
+    text->appendCharacters(&unit, 1);
+    stack.push({state, text.get()});
+    state = can->state;
+    return true;
 }
 
 XMLParser::Step XMLParser::followByte(const Configuration& from, unsigned char byte, bool untilShift) const {
@@ -249,6 +288,16 @@ std::shared_ptr<const Found> foundOnce(const Key& key, Find find) {
     auto [at, added] = found.try_emplace(key);
     if (added) at->second = find();
     return at->second;
+}
+
+// Learns what `find` finds where the parse stands in `state`, and keeps it in `known`.
+template <class Entry, class Find>
+auto learnByState(std::vector<Entry>& known, std::int32_t state, Find find) {
+    if (std::size_t(state) >= known.size()) known.resize(std::size_t(state) + 1);
+    Entry& entry = known[std::size_t(state)];
+    entry.bytes = foundOnce<typename decltype(entry.bytes)::element_type>(state, find);
+    entry.learned = true;
+    return entry.bytes.get();
 }
 
 }  // namespace
@@ -291,11 +340,33 @@ void XMLParser::takeName(XMLLex& lexer) {
 }
 
 const XMLParser::NameBytes* XMLParser::learnNameBytes() {
-    if (std::size_t(state) >= knownNames.size()) knownNames.resize(std::size_t(state) + 1);
-    KnownName& known = knownNames[std::size_t(state)];
-    known.bytes = foundOnce<NameBytes>(state, [this] { return findNameBytes(); });
-    known.learned = true;
-    return known.bytes.get();
+    return learnByState(knownNames, state, [this] { return findNameBytes(); });
+}
+
+const XMLParser::TextBytes* XMLParser::learnTextBytes() {
+    return learnByState(knownTexts, state, [this] { return findTextBytes(); });
+}
+
+// The first byte of text is read without its token only where the tables, followed from the
+// state alone, take it as making the text (after an empty content, where an element's content
+// begins) and leave it on top, with nothing below the state taken away. A byte belongs to the
+// set where it runs exactly as the sample byte does.
+std::shared_ptr<const XMLParser::TextBytes> XMLParser::findTextBytes() const {
+    namespace A = SemanticAction;
+    const Configuration start{{}, state};
+    const Step first = followByte(start, 'a');
+    auto bytes = std::make_shared<TextBytes>();
+    if (!first.ok) return nullptr;
+    if (first.ran == std::vector<std::int32_t>{A::newContent, A::newCharData} && first.at.below.size() == 2 &&
+        first.at.below[0] == state) {
+        bytes->newContent = true;
+        bytes->contentState = first.at.below[1];
+    } else if (first.ran != std::vector<std::int32_t>{A::newCharData} || first.at.below != std::vector{state}) {
+        return nullptr;
+    }
+    bytes->state = first.at.state;
+    bytes->first = bytesLike(start, 'a');
+    return bytes;
 }
 
 // A name is read whole where its first byte, shifted over the state alone, makes a string and

@@ -109,16 +109,39 @@ public:
         return lookUp(knownReferences, [this](const Below<2>& below) { return learnReferenceBytes(below); });
     }
     // Reads the reference that `lexer` reads next whole, where `referenceBytes` allows and the
-    // whole of it has been read ahead.
-    void takeReference(XMLLex& lexer);
+    // whole of it has been read ahead; false where it was left to the tokens.
+    bool takeReference(XMLLex& lexer);
+
+    // The bytes that begin the text of content where the parse stands (after a tag or a
+    // reference, say), and the states that its first byte leaves the parse in, with the text
+    // on top: where an element's content begins, an empty content is made first.
+    struct TextBytes {
+        ByteSet first{};
+        bool newContent = false;
+        std::int32_t contentState = 0;  // with the content on top, where one is made
+        std::int32_t state = 0;
+    };
+    // Null unless the first byte of text may be read without its token where the parse stands.
+    const TextBytes* textBytes() {
+        if (!steady()) return nullptr;
+        if (std::size_t(state) < knownTexts.size() && knownTexts[std::size_t(state)].learned)
+            return knownTexts[std::size_t(state)].bytes.get();
+        return learnTextBytes();
+    }
+    // Reads the first byte of the text that `lexer` reads next, as its token would have, where
+    // `textBytes` allows (a line end only without `stopAtLineEnd`); false where it was left to
+    // the token.
+    bool takeText(XMLLex& lexer, bool stopAtLineEnd);
+
+    // After `code`'s token: takes the runs that follow it and whatever may be read whole there.
+    void takeWhole(XMLLex& lexer, std::int32_t code, bool stopAtLineEnd);
 
     // The one loop that drives a parse: takes tokens from `lexer` and offers them until the parse
     // has finished. `seen(token)` sees each token before it is offered. With `byteRuns` the bytes
     // that only loop are taken many at a time after each token (a line end left to be a token
     // of its own with `stopAtLineEnd`); without it every byte is a token.
-    // The names of tags and the attributes of a tag are taken whole in the same way (see
-    // `takeName` and `takeAttribute`), and so are the end tags in content (`takeEndTag`) and
-    // the references to entities (`takeReference`).
+    // The names of tags, the attributes of a tag, end tags and references are taken whole in
+    // the same way, and so is the first byte of the text after them (see `takeWhole`).
     template <class Seen>
     void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
         _eHndl<Terminal> token;
@@ -126,16 +149,7 @@ public:
             lexer.nextToken(token);
             seen(*token);
             offerToken(token);
-            if (byteRuns) {
-                takeRuns(lexer, stopAtLineEnd);
-                std::int32_t code = token->getToken();
-                if (code == Token::whiteSpace)
-                    takeAttribute(lexer);
-                else if (code == '/' || (code == '<' && !takeEndTag(lexer)))
-                    takeName(lexer);
-                else if (code == '&')
-                    takeReference(lexer);
-            }
+            if (byteRuns) takeWhole(lexer, token->getToken(), stopAtLineEnd);
         }
     }
     void parseAll(XMLLex& lexer) {
@@ -184,6 +198,8 @@ private:
                                    std::int32_t count);
     const NameBytes* learnNameBytes();
     std::shared_ptr<const NameBytes> findNameBytes() const;
+    const TextBytes* learnTextBytes();
+    std::shared_ptr<const TextBytes> findTextBytes() const;
     const AttributeBytes* learnAttributeBytes(const Below<2>& below);
     std::shared_ptr<const AttributeBytes> findAttributeBytes(const Below<2>& below) const;
     const EndTagBytes* learnEndTagBytes(const Below<4>& below);
@@ -230,12 +246,14 @@ private:
     bool rootSeen = false;                      // the root's tag has been read
     TagNaming naming = TagNaming::specified;    // how the elements read their tags
     KnownBelow<AttributeBytes, 2> knownAttributes;  // what `attributeBytes` found so far
-    // What `nameBytes` found so far, by state.
-    struct KnownName {
+    // What was found so far for one thing read whole, by state alone: null where nothing is.
+    template <class Bytes>
+    struct Known {
         bool learned = false;
-        std::shared_ptr<const NameBytes> bytes;  // null where no name is read whole
+        std::shared_ptr<const Bytes> bytes;
     };
-    std::vector<KnownName> knownNames;
+    std::vector<Known<NameBytes>> knownNames;  // what `nameBytes` found so far
+    std::vector<Known<TextBytes>> knownTexts;  // what `textBytes` found so far
     KnownBelow<EndTagBytes, 4> knownEndTags;        // what `endTagBytes` found so far
     KnownBelow<ReferenceBytes, 2> knownReferences;  // what `referenceBytes` found so far
 };

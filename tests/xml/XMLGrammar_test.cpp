@@ -224,6 +224,25 @@ TEST(XMLGrammar, ReferencesReadWholeAreFoundFromTheTables) {
     }
 }
 
+TEST(XMLGrammar, TextReadWithoutItsFirstTokenIsFoundFromTheTables) {
+    for (const char* text : {"<r><a>", "<r><a></a>", "<r><a/>", "<r>&amp;", "<r>x&#65;", "<r><!-- c -->"}) {
+        SCOPED_TRACE(text);
+        const XMLParser::TextBytes* can = parserAfter(text)->textBytes();
+        ASSERT_NE(can, nullptr);
+        EXPECT_EQ(can->newContent, std::string(text) == "<r><a>");
+        for (unsigned char c : std::string("a \t\r\n9>\"'\xC3\xB7")) EXPECT_TRUE(can->first[c]) << c;
+        for (unsigned char c : std::string("<&")) EXPECT_FALSE(can->first[c]) << c;
+        EXPECT_EQ(can->state, parserAfter(std::string(text) + "x")->getState());
+        if (can->newContent) {
+            EXPECT_EQ(can->contentState, parserAfter(std::string(text) + "<b/>")->getState());
+        }
+    }
+    for (const char* text : {"<r><a ", "<r>x", "<r><!--", "<a/>", "<r><![CDATA["}) {
+        _eHndl<XMLParser> elsewhere = parserAfter(text);
+        EXPECT_EQ(elsewhere->textBytes(), nullptr) << text;
+    }
+}
+
 TEST(XMLGrammar, NamesAndAttributesReadWholeLeaveTheirValuesOnTopAndTheLexerAfterThem) {
     TempDir dir;
     std::string path = dir.write("in.xml", "<a b=\"c\" dd='e\"f'/>");
@@ -303,6 +322,8 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
         ("<r a='&lt;&amp;&gt;' b=\"x&quot;&apos;&e;\" c='&a b;'>&amp;&lt;&unknown;&x:y.z-1;x&gt;\n"
          "&;&9;&#65;&#x4a;&a\nb;<d e=\"&amp;&#x26;&#38;\"/>&#x;&#;&#X41;&#4294967361;&#xfFfFfFfFf;&#00;&#1a;"
          "&amp&lt</r>&amp;"),
+        // Text after tags and references, its first byte read without its token where it can be.
+        "<r><a>]x</a>\t<b>]]></b>\r\n<c/>\xC0<d>&amp;\n</d><e>&#65;\xB7<![CDATA[x]]></e>&lt;<f>\n</f></r>",
     };
     for (const char* text : texts)
         for (const ImportExtensions& extensions : {ImportExtensions(), everyExtension()}) {
