@@ -314,16 +314,17 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
         "<a b='1' c='2'>t</a><a d='4' e='5'>",
         "<?xml version=\"1.0\" encoding='UTF-8' ?><!DOCTYPE a [<!ATTLIST a b CDATA \"x\">]><a b=\"c\"/>",
         // End tags, read whole where they can be: unlike their start tags, with a blank or a line
-        // end before the ">", of elements that refer to others, at the root.
-        ("<r>\n <a x='1'><b>t</b><c/></a>\n <a></b>\n <d></d ><e></e\n><f></f></r>\n"
-         "<UML:Class xmi.idref='c'></UML:Class><UML:Class name='n'>x<UML:A/></UML:Class></r"),
-        "<r><a>1</a><b>2</9b></r>",
-        // References to entities, read whole where they can be, decoded or not.
-        ("<r a='&lt;&amp;&gt;' b=\"x&quot;&apos;&e;\" c='&a b;'>&amp;&lt;&unknown;&x:y.z-1;x&gt;\n"
-         "&;&9;&#65;&#x4a;&a\nb;<d e=\"&amp;&#x26;&#38;\"/>&#x;&#;&#X41;&#4294967361;&#xfFfFfFfFf;&#00;&#1a;"
-         "&amp&lt</r>&amp;"),
+        // end before the ">", of elements that refer to others, at the root, and after it.
+        ("<r>\n <a x='1'><b>t</b><c/></a>\n <a></b>\n <d></d ><e></e\n><f></f>\n"
+         "<UML:Class xmi.idref='c'></UML:Class><UML:Class name='n'>x<UML:A/></UML:Class></r>"),
+        "<r><a>1</a><b>2</9b></r>", "<r></r></r>",
+        // References, read whole where they can be, decoded or not; and what stops a parse in one.
+        ("<r a='&lt;&amp;&gt;' b=\"x&quot;&apos;&e;\">&amp;&lt;&unknown;&x:y.z-1;x&gt;\n&#65;&#x4a;"
+         "<d e=\"&amp;&#x26;&#38;\"/>&#4294967361;&#xfFfFfFfFf;&#00;</r>"),
+        "<r c='&a b;'/>", "<r>&;</r>", "<r>&9;</r>", "<r>&a\nb;</r>", "<r>&#x;</r>", "<r>&#X41;</r>", "<r>&#1a;</r>",
+        "<r>&amp</r>", "<r/>&amp;",
         // Text after tags and references, its first byte read without its token where it can be.
-        "<r><a>]x</a>\t<b>]]></b>\r\n<c/>\xC0<d>&amp;\n</d><e>&#65;\xB7<![CDATA[x]]></e>&lt;<f>\n</f></r>",
+        "<r><a>]x</a>\t<b>x]</b>\r\n<c/>\xC0<d>&amp;\n</d><e>&#65;\xB7<![CDATA[x]]></e>&lt;<f>\n</f></r>",
     };
     for (const char* text : texts)
         for (const ImportExtensions& extensions : {ImportExtensions(), everyExtension()}) {
