@@ -116,7 +116,7 @@ void XMLParser::takeWhole(XMLLex& lexer, std::int32_t code, bool stopAtLineEnd) 
     } else if (code == '&') {
         closed = takeReference(lexer);
     }
-    if (closed && takeText(lexer, stopAtLineEnd)) takeRuns(lexer, stopAtLineEnd);
+    if (closed && takeText(lexer)) takeRuns(lexer, stopAtLineEnd);
 }
 
 void XMLParser::takeRuns(XMLLex& lexer, bool stopAtLineEnd) {
@@ -238,11 +238,11 @@ bool XMLParser::takeReference(XMLLex& lexer) {
     return true;
 }
 
-bool XMLParser::takeText(XMLLex& lexer, bool stopAtLineEnd) {
+bool XMLParser::takeText(XMLLex& lexer) {
     const TextBytes* can = textBytes();
     if (can == nullptr) return false;
     const unsigned char* bytes = nullptr;
-    if (lexer.ahead(bytes) == 0 || !can->first[bytes[0]] || (stopAtLineEnd && bytes[0] == '\n')) return false;
+    if (lexer.ahead(bytes) == 0 || !can->first[bytes[0]]) return false;
     // What the reductions of its token would make: the content where there is none yet, at the
     // same place, and the text of one character.
     _eFreeze freeze(this);

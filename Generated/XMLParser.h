@@ -129,9 +129,10 @@ public:
         return learnTextBytes();
     }
     // Reads the first byte of the text that `lexer` reads next, as its token would have, where
-    // `textBytes` allows (a line end only without `stopAtLineEnd`); false where it was left to
-    // the token.
-    bool takeText(XMLLex& lexer, bool stopAtLineEnd);
+    // `textBytes` allows; false where it was left to the token. A line end read so stands on
+    // the line of the tag or reference before it, whose token was seen: the progress shown by
+    // line misses none.
+    bool takeText(XMLLex& lexer);
 
     // After `code`'s token: takes the runs that follow it and whatever may be read whole there.
     void takeWhole(XMLLex& lexer, std::int32_t code, bool stopAtLineEnd);

@@ -211,9 +211,6 @@ mutations() {
 @ Generated/XMLParser.cpp | character references read whole: a decimal code may hold hexadecimal digits
 - const ByteSet& digits = can->digits[hexadecimal ? 1 : 0];
 + const ByteSet& digits = can->digits[1];
-@ Generated/XMLParser.cpp | text after a tag: a line end read without its token where progress is shown by line
-- || (stopAtLineEnd && bytes[0] == '\n')) return false;
-+ ) return false;
 @ Generated/XMLParser.cpp | text after a tag: the content made where its tag ends
 - stack.push({state, _eHndl<StackValue>(new XMLcontent(at))});
 + stack.push({state, _eHndl<StackValue>(new XMLcontent(stack.peek(-1).value->getPosition()))});
