@@ -63,10 +63,7 @@ public:
     };
     // Null unless a name may be read whole where the parse stands.
     const NameBytes* nameBytes() {
-        if (!steady()) return nullptr;
-        if (std::size_t(state) < knownNames.size() && knownNames[std::size_t(state)].learned)
-            return knownNames[std::size_t(state)].bytes.get();
-        return learnNameBytes();
+        return lookUp(knownNames, [this] { return learnNameBytes(); });
     }
     // Reads the name that `lexer` reads next whole, as its first byte's token and the run after
     // it would have read it, where `nameBytes` allows and the byte after it has been read ahead.
@@ -123,10 +120,7 @@ public:
     };
     // Null unless the first byte of text may be read without its token where the parse stands.
     const TextBytes* textBytes() {
-        if (!steady()) return nullptr;
-        if (std::size_t(state) < knownTexts.size() && knownTexts[std::size_t(state)].learned)
-            return knownTexts[std::size_t(state)].bytes.get();
-        return learnTextBytes();
+        return lookUp(knownTexts, [this] { return learnTextBytes(); });
     }
     // Reads the first byte of the text that `lexer` reads next, as its token would have, where
     // `textBytes` allows; false where it was left to the token. A line end read so stands on
@@ -233,6 +227,12 @@ private:
         };
         std::vector<std::vector<Entry>> byState;
     };
+    // What was found so far for one thing read whole, by state alone: null where nothing is.
+    template <class Bytes>
+    struct Known {
+        bool learned = false;
+        std::shared_ptr<const Bytes> bytes;
+    };
     // What `known` holds where the parse stands, learnt by `learn` where it holds nothing yet.
     template <class Bytes, std::size_t N, class Learn>
     const Bytes* lookUp(const KnownBelow<Bytes, N>& known, Learn learn) {
@@ -242,19 +242,22 @@ private:
         const std::shared_ptr<const Bytes>* found = known.find(state, below);
         return found != nullptr ? found->get() : learn(below);
     }
+    template <class Bytes, class Learn>
+    const Bytes* lookUp(const std::vector<Known<Bytes>>& known, Learn learn) {
+        if (!steady()) return nullptr;
+        if (std::size_t(state) < known.size() && known[std::size_t(state)].learned)
+            return known[std::size_t(state)].bytes.get();
+        return learn();
+    }
 
     ImportExtensions extensions;                // asked for by the importer
     bool rootSeen = false;                      // the root's tag has been read
     TagNaming naming = TagNaming::specified;    // how the elements read their tags
-    KnownBelow<AttributeBytes, 2> knownAttributes;  // what `attributeBytes` found so far
-    // What was found so far for one thing read whole, by state alone: null where nothing is.
-    template <class Bytes>
-    struct Known {
-        bool learned = false;
-        std::shared_ptr<const Bytes> bytes;
-    };
-    std::vector<Known<NameBytes>> knownNames;  // what `nameBytes` found so far
-    std::vector<Known<TextBytes>> knownTexts;  // what `textBytes` found so far
-    KnownBelow<EndTagBytes, 4> knownEndTags;        // what `endTagBytes` found so far
-    KnownBelow<ReferenceBytes, 2> knownReferences;  // what `referenceBytes` found so far
+    // What each kind of thing read whole found so far, for `nameBytes`, `textBytes`,
+    // `attributeBytes`, `endTagBytes` and `referenceBytes`.
+    std::vector<Known<NameBytes>> knownNames;
+    std::vector<Known<TextBytes>> knownTexts;
+    KnownBelow<AttributeBytes, 2> knownAttributes;
+    KnownBelow<EndTagBytes, 4> knownEndTags;
+    KnownBelow<ReferenceBytes, 2> knownReferences;
 };
