@@ -319,6 +319,18 @@ XMLParser::ByteSet XMLParser::bytesLike(const Configuration& from, unsigned char
     return like;
 }
 
+bool XMLParser::nameBytesAfter(const Configuration& start, const std::string& before, ByteSet& first,
+                               ByteSet& rest) const {
+    const Configuration opened = followText(start, before).at, one = followText(start, before + "a").at,
+                        two = followText(start, before + "ab").at;
+    if (followByte(two, 'b').at != two) return false;
+    first = bytesLike(opened, 'a');
+    rest = both(bytesLike(one, 'b'), bytesLike(two, 'b'));
+    // A line end is a token of its own, for the progress shown by line.
+    first[10] = rest[10] = false;
+    return true;
+}
+
 XMLParser::ByteSet XMLParser::both(const ByteSet& one, const ByteSet& other) {
     ByteSet in{};
     for (std::size_t b = 0; b < in.size(); ++b) in[b] = one[b] && other[b];
@@ -425,11 +437,9 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(c
                 whole.ran.insert(whole.ran.end(), end.ran.begin(), end.ran.end());
                 if (!whole.ok || !end.ok || end.at != done || whole.ran != expected) return nullptr;
             }
-    Configuration first = followText(start, "a").at, second = followText(start, "ab").at;
-    if (followByte(second, 'b').at != second || followByte(first, '=').at != followByte(second, '=').at) return nullptr;
     auto bytes = std::make_shared<AttributeBytes>();
-    bytes->first = bytesLike(start, 'a');
-    bytes->rest = both(bytesLike(first, 'b'), bytesLike(second, 'b'));
+    if (!nameBytesAfter(start, "", bytes->first, bytes->rest) || followText(start, "a=").at != followText(start, "ab=").at)
+        return nullptr;
     bytes->after.fill(true);
     for (int k = 0; k < 2; ++k) {
         const std::string open{'a', '=', quotes[k]};
@@ -440,8 +450,6 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(c
         for (const Configuration& from : {followByte(empty, quotes[k]).at, followByte(some, quotes[k]).at})
             bytes->after = both(bytes->after, bytesLike(from, ' ', true));
     }
-    // A line end is a token of its own, for the progress shown by line.
-    bytes->first[10] = bytes->rest[10] = false;
     return bytes;
 }
 
@@ -469,15 +477,9 @@ std::shared_ptr<const XMLParser::EndTagBytes> XMLParser::findEndTagBytes(const B
         if (!whole.ok || whole.at != *done || whole.at.below != std::vector{below[3]} || whole.ran != expected)
             return nullptr;
     }
-    Configuration slash = followText(start, "/").at, first = followText(start, "/a").at,
-                  second = followText(start, "/ab").at;
-    if (followByte(second, 'b').at != second) return nullptr;
     auto bytes = std::make_shared<EndTagBytes>();
+    if (!nameBytesAfter(start, "/", bytes->first, bytes->rest)) return nullptr;
     bytes->state = done->state;
-    bytes->first = bytesLike(slash, 'a');
-    bytes->rest = both(bytesLike(first, 'b'), bytesLike(second, 'b'));
-    // A line end is a token of its own, for the progress shown by line.
-    bytes->first[10] = bytes->rest[10] = false;
     return bytes;
 }
 
@@ -510,9 +512,8 @@ std::shared_ptr<const XMLParser::ReferenceBytes> XMLParser::findReferenceBytes(c
     }
     std::int32_t addedBy = done->ran.back();
     if (addedBy != A::contentReference && addedBy != A::attributeValueReference) return nullptr;
-    Configuration first = followText(start, "a").at, second = followText(start, "ab").at;
-    if (followByte(second, 'b').at != second) return nullptr;
     auto bytes = std::make_shared<ReferenceBytes>();
+    if (!nameBytesAfter(start, "", bytes->first, bytes->rest)) return nullptr;
     bytes->state = done->at.state;
     bytes->addedBy = addedBy;
     const std::int32_t numbers[2][2] = {{A::decimalDigit, A::decimalCharReference}, {A::hexDigit, A::hexCharReference}};
@@ -532,10 +533,6 @@ std::shared_ptr<const XMLParser::ReferenceBytes> XMLParser::findReferenceBytes(c
         if (!whole || followByte(two, '1').at != two) continue;
         bytes->digits[k] = both(bytesLike(followText(start, open).at, '1'), both(bytesLike(one, '1'), bytesLike(two, '1')));
     }
-    bytes->first = bytesLike(start, 'a');
-    bytes->rest = both(bytesLike(first, 'b'), bytesLike(second, 'b'));
-    // A line end is a token of its own, for the progress shown by line.
-    bytes->first[10] = bytes->rest[10] = false;
     return bytes;
 }
 

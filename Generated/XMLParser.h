@@ -187,6 +187,9 @@ private:
     // The bytes that, followed from `from`, go where `sample` goes and run what it runs.
     ByteSet bytesLike(const Configuration& from, unsigned char sample, bool untilShift = false) const;
     static ByteSet both(const ByteSet& one, const ByteSet& other);
+    // The bytes that begin a name, and go on with one, read after the bytes of `before` from
+    // `start`: false where a name's further bytes don't come back to the same states.
+    bool nameBytesAfter(const Configuration& start, const std::string& before, ByteSet& first, ByteSet& rest) const;
     // The length of the name that `bytes` begin with, by the bytes that may begin and go on
     // with one; 0 where they begin none.
     static std::int32_t nameLength(const ByteSet& first, const ByteSet& rest, const unsigned char* bytes,

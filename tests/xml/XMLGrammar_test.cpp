@@ -156,16 +156,25 @@ TEST(XMLGrammar, AttributesReadWholeAreFoundFromTheTables) {
     }
 }
 
+namespace {
+
+// The bytes found to begin a name and to go on with one, wherever a name is read whole.
+void expectNameBytes(const XMLParser::ByteSet& first, const XMLParser::ByteSet& rest) {
+    for (unsigned char c : std::string("aZ_:\xC0")) EXPECT_TRUE(first[c]) << c;
+    for (unsigned char c : std::string("9-./!?>#;\n ")) EXPECT_FALSE(first[c]) << c;
+    for (unsigned char c : std::string("aZ9-._:\xB7")) EXPECT_TRUE(rest[c]) << c;
+    for (unsigned char c : std::string(" =>/;&\n\t")) EXPECT_FALSE(rest[c]) << c;
+}
+
+}  // namespace
+
 TEST(XMLGrammar, NamesReadWholeAreFoundFromTheTables) {
     for (const char* text : {"<", "<a></", "<a><", "<a ", "<!DOCTYPE "}) {
         SCOPED_TRACE(text);
         _eHndl<XMLParser> beforeName = parserAfter(text);
         const XMLParser::NameBytes* can = beforeName->nameBytes();
         ASSERT_NE(can, nullptr);
-        for (unsigned char c : std::string("aZ_:\xC0")) EXPECT_TRUE(can->first[c]) << c;
-        for (unsigned char c : std::string("9-./!?\n")) EXPECT_FALSE(can->first[c]) << c;
-        for (unsigned char c : std::string("aZ9-._:\xB7")) EXPECT_TRUE(can->rest[c]) << c;
-        for (unsigned char c : std::string(" =>/\n\t")) EXPECT_FALSE(can->rest[c]) << c;
+        expectNameBytes(can->first, can->rest);
         _eHndl<XMLParser> afterFirst = parserAfter(std::string(text) + "a");
         EXPECT_EQ(can->state, afterFirst->getState());
     }
@@ -181,10 +190,7 @@ TEST(XMLGrammar, EndTagsReadWholeAreFoundFromTheTables) {
         _eHndl<XMLParser> beforeSlash = parserAfter(text);
         const XMLParser::EndTagBytes* can = beforeSlash->endTagBytes();
         ASSERT_NE(can, nullptr);
-        for (unsigned char c : std::string("aZ_:\xC0")) EXPECT_TRUE(can->first[c]) << c;
-        for (unsigned char c : std::string("9-./>\n ")) EXPECT_FALSE(can->first[c]) << c;
-        for (unsigned char c : std::string("aZ9-._:\xB7")) EXPECT_TRUE(can->rest[c]) << c;
-        for (unsigned char c : std::string(" =>/\n\t")) EXPECT_FALSE(can->rest[c]) << c;
+        expectNameBytes(can->first, can->rest);
         _eHndl<XMLParser> closed = parserAfter(std::string(text) + "/abc>");
         EXPECT_EQ(can->state, closed->getState());
         EXPECT_EQ(closed->getStack().getTop(), beforeSlash->getStack().getTop() - 3);
@@ -208,10 +214,7 @@ TEST(XMLGrammar, ReferencesReadWholeAreFoundFromTheTables) {
         const XMLParser::ReferenceBytes* can = parserAfter(row.before)->referenceBytes();
         ASSERT_NE(can, nullptr);
         EXPECT_EQ(can->addedBy, row.addedBy);
-        for (unsigned char c : std::string("aZ_:\xC0")) EXPECT_TRUE(can->first[c]) << c;
-        for (unsigned char c : std::string("9-.#;\n ")) EXPECT_FALSE(can->first[c]) << c;
-        for (unsigned char c : std::string("aZ9-._:\xB7")) EXPECT_TRUE(can->rest[c]) << c;
-        for (unsigned char c : std::string(" ;&\n")) EXPECT_FALSE(can->rest[c]) << c;
+        expectNameBytes(can->first, can->rest);
         for (unsigned char c : std::string("09")) EXPECT_TRUE(can->digits[0][c] && can->digits[1][c]) << c;
         for (unsigned char c : std::string("afAF")) EXPECT_TRUE(!can->digits[0][c] && can->digits[1][c]) << c;
         for (unsigned char c : std::string("gGx;#")) EXPECT_TRUE(!can->digits[0][c] && !can->digits[1][c]) << c;
