@@ -1,6 +1,9 @@
 #include "Generated/Location.h"
 
 #include <cstring>
+#include <deque>
+#include <string>
+#include <unordered_map>
 
 #include "runtime/StringUtils.h"
 
@@ -64,4 +67,40 @@ void Location::passAll(wchar_t character, const unsigned char* bytes, std::int32
         return;
     }
     for (const unsigned char* at = lineStart; at != end; ++at) pass(*at, tabWidth);
+}
+
+namespace {
+
+// The files places have named, each once: number n is `files[n - 1]`. A process names few
+// files, and names each when it begins to read it, so they are kept to its end.
+struct PlaceFiles {
+    std::deque<_eHndl<FileName>> files;  // a deque: what `fileOf` gives stays in place
+    std::unordered_multimap<std::size_t, std::uint32_t> byPath;  // hash of the full path, number
+
+    static PlaceFiles& shared() {
+        static PlaceFiles kept;
+        return kept;
+    }
+};
+
+}  // namespace
+
+std::uint32_t Position::numberOf(const _eHndl<FileName>& file) {
+    if (file.isNull()) return 0;
+    PlaceFiles& kept = PlaceFiles::shared();
+    // A file read again is mostly the one named last.
+    if (!kept.files.empty() && kept.files.back() == file) return std::uint32_t(kept.files.size());
+    std::size_t hash = std::hash<std::wstring>()(toWString(file->fullPathText()));
+    auto [first, last] = kept.byPath.equal_range(hash);
+    for (auto at = first; at != last; ++at)
+        if (kept.files[at->second - 1] == file) return at->second;
+    kept.files.push_back(file);
+    auto number = std::uint32_t(kept.files.size());
+    kept.byPath.emplace(hash, number);
+    return number;
+}
+
+const _eHndl<FileName>& Position::fileOf(std::uint32_t number) {
+    static const _eHndl<FileName> none;
+    return number == 0 ? none : PlaceFiles::shared().files[number - 1];
 }

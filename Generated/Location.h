@@ -69,19 +69,25 @@ private:
 };
 
 // What a `Location` holds, kept by value: the tokens and nodes of a parse keep their places so,
-// and a `Location` of its own is made only where one is asked for.
+// and a `Location` of its own is made only where one is asked for. The file is kept as its
+// number among the files that places have named, so that a place is three plain numbers.
 struct Position {
     std::int32_t line = 0;
     std::int32_t column = 0;
-    _eHndl<FileName> file;  // null for a place without a file
+    std::uint32_t fileNumber = 0;  // 0 for a place without a file
 
     Position() = default;
-    Position(const Location& at) : line(at.getLine()), column(at.getColumn()), file(at.getFile()) {}
+    Position(const Location& at) : line(at.getLine()), column(at.getColumn()), fileNumber(numberOf(at.getFile())) {}
     // A null location is line 0, column 0, without a file, as `Location::nowhere()`.
     Position(const _eHndl<Location>& at) : Position(at.isNull() ? Position() : Position(*at)) {}
 
-    bool operator==(const Position& other) const {
-        return line == other.line && column == other.column && file == other.file;
-    }
-    _eHndl<Location> location() const { return _eHndl<Location>(new Location(file, line, column)); }
+    bool operator==(const Position& other) const = default;
+    const _eHndl<FileName>& file() const { return fileOf(fileNumber); }
+    _eHndl<Location> location() const { return _eHndl<Location>(new Location(file(), line, column)); }
+
+    // The number of `file`, the same for equal files, kept for the rest of the process; 0 for
+    // none.
+    static std::uint32_t numberOf(const _eHndl<FileName>& file);
+    // The file of a number `numberOf` gave; null for 0.
+    static const _eHndl<FileName>& fileOf(std::uint32_t number);
 };

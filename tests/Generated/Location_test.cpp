@@ -55,3 +55,30 @@ TEST_F(Locations, PassingARunEqualsPassingEachByte) {
                 EXPECT_EQ(all.getColumn(), one.getColumn()) << run << " width " << width;
             }
 }
+
+// A position keeps its file as a number: equal files, however made, have one number, and the
+// location a position makes again names the file it was made from.
+TEST_F(Locations, PositionsKeepTheirFilesByNumber) {
+    Position a(at(file(L"/m/a.xmi"), 3, 2));
+    Position again(at(file(L"/m/a.xmi"), 3, 2));
+    Position other(at(file(L"/m/b.xmi"), 3, 2));
+    Position byPath(at(file(L"/n/a.xmi"), 3, 2));
+    EXPECT_NE(a.fileNumber, 0u);
+    EXPECT_EQ(a.fileNumber, again.fileNumber);
+    EXPECT_NE(a.fileNumber, other.fileNumber);
+    EXPECT_NE(a.fileNumber, byPath.fileNumber);
+    EXPECT_TRUE(a == again);
+    EXPECT_FALSE(a == other);
+    // Naming a file named before, after others, finds its number.
+    EXPECT_EQ(Position(at(file(L"/m/a.xmi"), 1, 1)).fileNumber, a.fileNumber);
+    EXPECT_EQ(toWString(a.file()->fullPathText()), L"/m/a.xmi");
+    EXPECT_EQ(toWString(byPath.file()->fullPathText()), L"/n/a.xmi");
+    EXPECT_TRUE(*a.location() == *at(file(L"/m/a.xmi"), 3, 2));
+    EXPECT_EQ(toWString(other.location()->text(true)), L"b.xmi (3,2)");
+
+    Position none(Location::nowhere());
+    EXPECT_EQ(none.fileNumber, 0u);
+    EXPECT_TRUE(none.file().isNull());
+    EXPECT_TRUE(*none.location() == *Location::nowhere());
+    EXPECT_TRUE(Position(_eHndl<Location>()) == none);
+}
