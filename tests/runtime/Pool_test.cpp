@@ -27,34 +27,35 @@ _ePool freshPool() {
 TEST(Pool, BlocksAreCarvedFromChunksZeroedAndReusedWithinTheirClass) {
     if (MODELBRIDGE_POOL_BYPASS) GTEST_SKIP() << "every block goes to the system allocator in this build";
     constexpr auto chunk = std::int64_t(_ePool::chunkBytes);
+    constexpr std::size_t granule = _ePool::granule;
     _ePool pool = freshPool();
     auto* a = static_cast<char*>(pool.allocate(1));
     EXPECT_EQ(pool.pooledBytes(), chunk);
-    auto* b = static_cast<char*>(pool.allocate(16));  // same class as 1: the next block of the chunk
-    EXPECT_EQ(b, a + 16);
+    auto* b = static_cast<char*>(pool.allocate(granule));  // same class as 1: the next block of the chunk
+    EXPECT_EQ(b, a + granule);
     EXPECT_EQ(_ePool::chunkOf(a)->live, 2u);
-    std::memset(a, 0xAB, 16);
+    std::memset(a, 0xAB, granule);
     pool.release(a, 1);
-    EXPECT_EQ(pool.freeListBytes(), 16);
+    EXPECT_EQ(pool.freeListBytes(), std::int64_t(granule));
     EXPECT_EQ(pool.freeBlocks(0), 1u);
-    EXPECT_EQ(pool.allocate(16), a);
-    EXPECT_TRUE(allZero(a, 16));
+    EXPECT_EQ(pool.allocate(granule), a);
+    EXPECT_TRUE(allZero(a, granule));
     EXPECT_EQ(pool.freeListBytes(), 0);
 
-    void* c = pool.allocate(17);    // the next class: a chunk of its own
-    void* d = pool.allocate(1024);  // the last class
+    void* c = pool.allocate(granule + 1);           // the next class: a chunk of its own
+    void* d = pool.allocate(_ePool::largestPooled);  // the last class
     EXPECT_EQ(pool.pooledBytes(), 3 * chunk);
     EXPECT_NE(_ePool::chunkOf(c), _ePool::chunkOf(a));
-    pool.release(c, 17);
-    pool.release(d, 1024);
-    pool.release(b, 16);
+    pool.release(c, granule + 1);
+    pool.release(d, _ePool::largestPooled);
+    pool.release(b, granule);
     // The chunk of class 0 still has a live block: it stays, and so does its free block.
     pool.flush();
     EXPECT_EQ(pool.flushCount(), 1);
     EXPECT_EQ(pool.pooledBytes(), chunk);
     EXPECT_EQ(pool.freeBlocks(0), 1u);
-    EXPECT_EQ(pool.freeBlocks(63), 0u);
-    pool.release(a, 16);
+    EXPECT_EQ(pool.freeBlocks(_ePool::classCount - 1), 0u);
+    pool.release(a, granule);
     pool.flush();
     EXPECT_EQ(pool.pooledBytes(), 0);
     EXPECT_EQ(pool.freeListBytes(), 0);
