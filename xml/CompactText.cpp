@@ -123,9 +123,11 @@ void CompactText::append(const unsigned char* units, std::int32_t count) {
 void CompactText::replace(const _eString& text) { holdString(text); }
 
 void CompactText::fit() {
-    // Pooled blocks come in steps of 16 bytes: a block is moved only when a smaller one holds it.
+    // Pooled blocks come in steps of the pool's granule: a block is moved only when a smaller
+    // one holds it.
+    auto steps = [](std::uint32_t units) { return (sizeof(Bytes) + units + _ePool::granule - 1) / _ePool::granule; };
     const Bytes* held = bytes();
-    if (held == nullptr || (sizeof(Bytes) + held->capacity + 15) / 16 == (sizeof(Bytes) + held->size + 15) / 16) return;
+    if (held == nullptr || steps(held->capacity) == steps(held->size)) return;
     holdBytes(movedTo(held->size));
 }
 

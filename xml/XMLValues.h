@@ -103,15 +103,16 @@ protected:
         elements.pushBack(element);
     }
     bool hasOnlyCharacters() const { return elements.isEmpty(); }
-    // Once the value is whole: holds characters up to a name's length as a string, for they
-    // are read again and again, the string kept for them where they are short enough and
-    // `share` holds; gives back the room gathered beyond longer ones.
+    // Once the value is whole: holds short characters as the string kept for them, where
+    // `share` holds, for short values repeat all through a document; gives back the room
+    // gathered beyond other characters, which stay as they were gathered.
     void settleCharacters(bool share) {
         _eFreeze freeze(this);
-        constexpr std::size_t longestShared = 32;
-        characters.settle<XMLNames::longest>([share](std::wstring_view text) {
-            return share && text.size() <= longestShared ? XMLNames::sharedValue(text) : _eString(text);
-        });
+        constexpr std::int32_t longestShared = 32;
+        if (share)
+            characters.settle<longestShared>(XMLNames::sharedValue);
+        else
+            characters.fit();
     }
 
 private:
