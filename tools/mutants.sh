@@ -235,6 +235,9 @@ mutations() {
 @ Generated/Location.cpp | diagnostics order: errors without a file last
 - return file.isNull() ? rankBelow : rankAbove;
 + return file.isNull() ? rankAbove : rankBelow;
+@ Generated/Location.cpp | positions: a file named before, after another, takes a new number
+- if (kept.files[at->second - 1] == file) return at->second;
++ if (false) return at->second;
 @ Generated/XMLError.cpp | diagnostics order: errors ordered without their locations
 - return byLocation != rankSame ? byLocation : defaultRank(other);
 + return defaultRank(other);
