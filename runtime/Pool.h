@@ -36,7 +36,7 @@ public:
     // constant size of a class, so the choice of list and the zeroing fold to a few stores.
     [[gnu::always_inline]] void* allocate(std::size_t size) {
         if (MODELBRIDGE_POOL_BYPASS || size == 0 || size > largestPooled) return allocateLarge(size);
-        std::size_t index = (size - 1) >> 3;
+        std::size_t index = classOf(size);
         SizeClass& list = lists[index];
         void* block;
         if (list.head != nullptr) {
@@ -63,7 +63,7 @@ public:
             releaseLarge(block, size);
             return;
         }
-        std::size_t index = (size - 1) >> 3;
+        std::size_t index = classOf(size);
         Chunk* chunk = chunkOf(block);
         --chunk->live;
         if (!active) {
@@ -87,7 +87,7 @@ public:
     void shutDown();
 
     static constexpr std::size_t roundedSize(std::size_t index) { return granule * (index + 1); }
-    static constexpr std::size_t classOf(std::size_t size) { return (size - 1) >> 3; }
+    static constexpr std::size_t classOf(std::size_t size) { return (size - 1) / granule; }
     static Chunk* chunkOf(void* block) {
         return reinterpret_cast<Chunk*>(reinterpret_cast<std::uintptr_t>(block) & ~std::uintptr_t(chunkBytes - 1));
     }

@@ -123,11 +123,10 @@ void CompactText::append(const unsigned char* units, std::int32_t count) {
 void CompactText::replace(const _eString& text) { holdString(text); }
 
 void CompactText::fit() {
-    // Pooled blocks come in steps of the pool's granule: a block is moved only when a smaller
-    // one holds it.
-    auto steps = [](std::uint32_t units) { return (sizeof(Bytes) + units + _ePool::granule - 1) / _ePool::granule; };
+    // A block is moved only when one of a smaller size class of the pool holds it.
     const Bytes* held = bytes();
-    if (held == nullptr || steps(held->capacity) == steps(held->size)) return;
+    if (held == nullptr) return;
+    if (_ePool::classOf(sizeof(Bytes) + held->capacity) == _ePool::classOf(sizeof(Bytes) + held->size)) return;
     holdBytes(movedTo(held->size));
 }
 
