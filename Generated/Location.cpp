@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <deque>
-#include <string>
 #include <unordered_map>
 
 #include "runtime/StringUtils.h"
@@ -88,9 +87,7 @@ struct PlaceFiles {
 std::uint32_t Position::numberOf(const _eHndl<FileName>& file) {
     if (file.isNull()) return 0;
     PlaceFiles& kept = PlaceFiles::shared();
-    // A file read again is mostly the one named last.
-    if (!kept.files.empty() && kept.files.back() == file) return std::uint32_t(kept.files.size());
-    std::size_t hash = std::hash<std::wstring>()(toWString(file->fullPathText()));
+    std::size_t hash = StringHash()(file->fullPathText());
     auto [first, last] = kept.byPath.equal_range(hash);
     for (auto at = first; at != last; ++at)
         if (kept.files[at->second - 1] == file) return at->second;
