@@ -49,24 +49,28 @@ inline bool textIs(const _eString& text, const wchar_t (&word)[N]) {
 // lives as long as the string is unchanged), else copied into `scratch`.
 std::wstring_view unitsOf(const _eString& text, std::wstring& scratch);
 
+// The hash of `count` units, wide or bytes: the same units give the same hash either way.
+// Two units to a step of multiply and fold: names are short and their units mostly ASCII,
+// where a general byte hash spends more on its set-up than on the text.
+template <class Unit>
+std::size_t hashUnits(const Unit* units, std::size_t count) {
+    constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15ull;
+    std::uint64_t hash = count * multiplier;
+    std::size_t i = 0;
+    for (; i + 2 <= count; i += 2) {
+        std::uint64_t pair = std::uint32_t(units[i]) | std::uint64_t(std::uint32_t(units[i + 1])) << 32;
+        hash = (hash ^ pair) * multiplier;
+        hash ^= hash >> 29;
+    }
+    if (i < count) hash = (hash ^ std::uint32_t(units[i])) * multiplier;
+    return std::size_t(hash ^ (hash >> 32));
+}
+
 // The hash of a text's units, for hash tables of wide texts that are asked by views of units
 // (heterogeneous lookup: no text is made to ask).
 struct UnitsHash {
     using is_transparent = void;
-    // Two units to a step of multiply and fold: names are short and their units mostly ASCII,
-    // where a general byte hash spends more on its set-up than on the text.
-    std::size_t operator()(std::wstring_view text) const {
-        constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15ull;
-        std::uint64_t hash = text.size() * multiplier;
-        std::size_t i = 0;
-        for (; i + 2 <= text.size(); i += 2) {
-            std::uint64_t pair = std::uint32_t(text[i]) | std::uint64_t(std::uint32_t(text[i + 1])) << 32;
-            hash = (hash ^ pair) * multiplier;
-            hash ^= hash >> 29;
-        }
-        if (i < text.size()) hash = (hash ^ std::uint32_t(text[i])) * multiplier;
-        return std::size_t(hash ^ (hash >> 32));
-    }
+    std::size_t operator()(std::wstring_view text) const { return hashUnits(text.data(), text.size()); }
 };
 
 // A hash table of wide texts that is asked by views of units.

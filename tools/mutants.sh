@@ -116,13 +116,13 @@ mutations() {
 - dropped.add(id);
 + (void)id;
 @ xmi/XMLDictionary.cpp | dictionary merge: an id seen twice in one subtree stays
-- if (entries.containsKey(id))
-+ if (false && entries.containsKey(id))
+- bool entered = getEntries().containsKey(id);
++ bool entered = false && getEntries().containsKey(id);
 @ xmi/XMLDictionary.cpp | dictionary merge: a dropped id entered again by an ancestor stays
 - if (result->duplicateIds.contains(id)) result->pendingIds.add(id);
 + if (false) result->pendingIds.add(id);
 @ xmi/XMLDictionary.cpp | dictionary merge: the other side's duplicates don't remove an entry
-- if (large.entries.containsKey(smallDuplicates.get(i))) gone.add(smallDuplicates.get(i));
+- if (largeEntries.containsKey(smallDuplicates.get(i))) gone.add(smallDuplicates.get(i));
 + if (false) gone.add(smallDuplicates.get(i));
 @ xmi/XMLDictionary.cpp | dictionary: an id counted twice isn't dropped
 - if (!entered) at->second = {nullptr, true};
@@ -314,8 +314,8 @@ mutations() {
 - if (first == nullptr) first = below;
 + if (below != nullptr) first = below;
 @ xmi/XMLDictionary.cpp | the dictionary's entries are left in the order of the hash table
-- std::sort(keyed.begin(), keyed.end());
-+ (void)keyed;
+- return rankStrings(a.first, b.first) == rankBelow;
++ return false;
 @ output/TextBatch.cpp | a full batch's units are written over instead of going out first
 - if (used == capacity) flush();
 + if (used == capacity) used = 0;
@@ -367,6 +367,9 @@ mutations() {
 @ Generated/XMLParser.cpp | a character reference in content is never decoded
 - if (!extensions.decodeReferences || typeid(held) != typeid(XMLCharReference)) return item;
 + if (true) return item;
+@ xmi/XMLDictionary.cpp | a gathered dictionary forgets the marked ids it still holds
+- pendingIds(idsWhere(*gathered, [](const GatheredId& slot) { return slot.element != nullptr && slot.duplicate; })),
++ pendingIds(idsWhere(*gathered, [](const GatheredId& slot) { return false && slot.duplicate; })),
 EOF
 }
 

@@ -11,11 +11,61 @@ const _eHndl<XMLDictionary>& XMLDictionary::empty() {
     return none;
 }
 
-_eFrom<XMLElement> XMLDictionary::lookup(const _eString& id) const { return entryIndex.find(id, entries); }
+namespace {
+
+void sortStrings(std::vector<_eString>& strings) {
+    std::sort(strings.begin(), strings.end(),
+              [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; });
+}
+
+// The ids of `gathered` whose slots `wanted` picks, in their order.
+Names idsWhere(const GatheredIds& gathered, bool (*wanted)(const GatheredId&)) {
+    std::vector<_eString> ids;
+    for (const auto& [id, slot] : gathered)
+        if (wanted(slot)) ids.push_back(id.string());
+    sortStrings(ids);
+    return Names::fromAscending(_eSeq<_eString>(int(ids.size()), ids.data()));
+}
+
+}  // namespace
+
+XMLDictionary::XMLDictionary(std::shared_ptr<const GatheredIds> gathered, const Names& duplicateIds,
+                             const Associations& associations, const Generalizations& generalizations)
+    : unmade(gathered),
+      duplicateIds(duplicateIds),
+      associations(associations),
+      generalizations(generalizations),
+      pendingIds(idsWhere(*gathered, [](const GatheredId& slot) { return slot.element != nullptr && slot.duplicate; })),
+      entryIndex(std::move(gathered)) {}
+
+const ClassMap& XMLDictionary::getEntries() const {
+    if (unmade) {
+        std::vector<ClassMap::Entry> ordered;
+        ordered.reserve(unmade->size());
+        for (const auto& [id, slot] : *unmade)
+            if (slot.element != nullptr) ordered.push_back({id.string(), const_cast<XMLElement*>(slot.element)});
+        std::sort(ordered.begin(), ordered.end(), [](const ClassMap::Entry& a, const ClassMap::Entry& b) {
+            return rankStrings(a.first, b.first) == rankBelow;
+        });
+        entries = ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data()));
+        unmade.reset();
+    }
+    return entries;
+}
+
+_eFrom<XMLElement> XMLDictionary::lookup(const _eString& id) const {
+    if (!entryIndex.isBuilt()) {
+        const ClassMap& all = getEntries();
+        if (all.isEmpty()) return {};
+        entryIndex.build(all);
+    }
+    return entryIndex.find(id);
+}
 
 _eHndl<XMLDictionary> XMLDictionary::add(const _eString& id, const _eFrom<XMLElement>& element) const {
+    bool entered = getEntries().containsKey(id);
     _eHndl<XMLDictionary> result(new XMLDictionary(*this));
-    if (entries.containsKey(id))
+    if (entered)
         result->duplicateIds.add(id);
     else
         result->entries.put(id, element);
@@ -38,19 +88,20 @@ _eHndl<XMLDictionary> XMLDictionary::merge(const XMLDictionary& other) const {
     const XMLDictionary& small = otherIsSmaller ? other : *this;
     Names dropped = duplicateIds;
     dropped.addAll(other.duplicateIds);
-    ClassMap kept = large.entries;
+    const ClassMap& largeEntries = large.getEntries();
+    ClassMap kept = largeEntries;
     Names gone = large.pendingIds;
-    const _eSeq<ClassMap::Entry>& smallEntries = small.entries.elements();
+    const _eSeq<ClassMap::Entry>& smallEntries = small.getEntries().elements();
     for (int i = 0, n = smallEntries.size(); i < n; ++i) {
         const _eString& id = smallEntries.get(i).first;
-        if (large.entries.containsKey(id)) {
+        if (largeEntries.containsKey(id)) {
             dropped.add(id);
             gone.add(id);
         }
     }
     const _eSeq<_eString>& smallDuplicates = small.duplicateIds.elements();
     for (int i = 0, n = smallDuplicates.size(); i < n; ++i)
-        if (large.entries.containsKey(smallDuplicates.get(i))) gone.add(smallDuplicates.get(i));
+        if (largeEntries.containsKey(smallDuplicates.get(i))) gone.add(smallDuplicates.get(i));
     for (int i = 0, n = gone.size(); i < n; ++i) kept.remove(gone.elements().get(i));
     for (int i = 0, n = smallEntries.size(); i < n; ++i)
         if (!dropped.contains(smallEntries.get(i).first)) kept.put(smallEntries.get(i).first, smallEntries.get(i).second);
@@ -89,7 +140,7 @@ Generalizations XMLDictionary::generalizationsOf(const _eString& classId, const 
 
 void DictionaryGathering::enter() { open.emplace_back(); }
 
-void DictionaryGathering::leave(const XMLElement& element, const _eString* id, bool adds) {
+void DictionaryGathering::leave(const XMLElement& element, const DictionaryKey* id, bool adds) {
     if (id != nullptr) {
         auto [at, entered] = ids.try_emplace(*id, GatheredId{&element, false});
         if (!adds) {
@@ -173,44 +224,10 @@ _eSet<_eHndl<Element>> setOf(const std::vector<Element*>& members) {
     return _eSet<_eHndl<Element>>::fromAscending(_eSeq<_eHndl<Element>>(int(held.size()), held.data()));
 }
 
-// An entry to sort by its id, with the units of an id of one leaf at hand: the sort then reads
-// them without going through the entry and the string's tree.
-struct SortedEntry {
-    const wchar_t* units;  // null for an id of several leaves
-    int length;
-    const _eString* id;
-    const XMLElement* element;
-
-    bool operator<(const SortedEntry& other) const {
-        if (units != nullptr && other.units != nullptr)
-            return rankUnits(units, length, other.units, other.length) == rankBelow;
-        return rankStrings(*id, *other.id) == rankBelow;
-    }
-};
-
-SortedEntry sortedEntry(const _eString& id, const XMLElement* element) {
-    const _eBaseNode<wchar_t>* root = id.rootNode();
-    if (!root->isLeaf()) return {nullptr, 0, &id, element};
-    return {root->asLeaf()->data(), root->count(), &id, element};
-}
-
 }  // namespace
 
 _eHndl<XMLDictionary> DictionaryGathering::dictionary() && {
-    std::vector<SortedEntry> keyed;
-    keyed.reserve(ids.size());
-    std::vector<_eString> marked;
-    for (const auto& [id, slot] : ids) {
-        if (slot.element != nullptr) keyed.push_back(sortedEntry(id, slot.element));
-        if (slot.duplicate) marked.push_back(id);
-    }
-    std::sort(keyed.begin(), keyed.end());
-    std::vector<ClassMap::Entry> ordered;
-    ordered.reserve(keyed.size());
-    for (const SortedEntry& entry : keyed) ordered.push_back({*entry.id, const_cast<XMLElement*>(entry.element)});
-    std::sort(marked.begin(), marked.end(),
-              [](const _eString& a, const _eString& b) { return rankStrings(a, b) == rankBelow; });
-    return new XMLDictionary(ClassMap::fromAscending(_eSeq<ClassMap::Entry>(int(ordered.size()), ordered.data())),
-                             Names::fromAscending(_eSeq<_eString>(int(marked.size()), marked.data())),
-                             setOf(all.associations), setOf(all.generalizations), std::move(ids));
+    auto gathered = std::make_shared<const GatheredIds>(std::move(ids));
+    Names marked = idsWhere(*gathered, [](const GatheredId& slot) { return slot.duplicate; });
+    return new XMLDictionary(std::move(gathered), marked, setOf(all.associations), setOf(all.generalizations));
 }

@@ -2,7 +2,9 @@
 // generalizations. A value: every operation gives a new dictionary.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -53,48 +55,96 @@ private:
     std::unordered_map<_eString, Members, StringHash> byId;
 };
 
+// An id as a dictionary's hash index holds it: a string, or the value that holds it in bytes.
+// A long id is mostly held so, and a string of it would take four bytes a unit in nodes of its
+// own; the key holds the value, so its bytes stay as long as the key does.
+class DictionaryKey {
+public:
+    explicit DictionaryKey(const _eString& text) : text(text) {}
+    // `value` holds its whole text in bytes.
+    explicit DictionaryKey(const XMLAttributeValue& value) : value(const_cast<XMLAttributeValue*>(&value)) {}
+
+    // What `read(units, count)` gives for the units: the bytes, or the string's units in place
+    // where it lies in one leaf, else a copy of them.
+    template <class Read>
+    auto withUnits(Read read) const {
+        if (const CompactText* held = value.isNull() ? nullptr : value->wholeInBytes())
+            return read(held->byteUnits(), std::size_t(held->size()));
+        std::wstring scratch;
+        std::wstring_view units = unitsOf(text, scratch);
+        return read(units.data(), units.size());
+    }
+    // The id as a string, made for the asking where the key holds bytes.
+    _eString string() const { return value.isNull() ? text : value->text(Context::shared()); }
+
+private:
+    _eString text;
+    _eHndl<XMLAttributeValue> value;
+};
+
+// Hash and equality of keys by their units, whichever form each holds them in; asked by a
+// string, a table of keys makes no key of its own (the string is read where it lies).
+struct DictionaryKeyHash {
+    using is_transparent = void;
+    std::size_t operator()(const DictionaryKey& key) const {
+        return key.withUnits([](const auto* units, std::size_t count) { return hashUnits(units, count); });
+    }
+    std::size_t operator()(const _eString& id) const { return (*this)(DictionaryKey(id)); }
+};
+
+struct DictionaryKeyEqual {
+    using is_transparent = void;
+    bool operator()(const DictionaryKey& a, const DictionaryKey& b) const {
+        return a.withUnits([&](const auto* x, std::size_t n) {
+            return b.withUnits([&](const auto* y, std::size_t m) {
+                return n == m && std::equal(x, x + n, y, [](auto p, auto q) { return std::uint32_t(p) == std::uint32_t(q); });
+            });
+        });
+    }
+    bool operator()(const _eString& a, const DictionaryKey& b) const { return (*this)(DictionaryKey(a), b); }
+    bool operator()(const DictionaryKey& a, const _eString& b) const { return (*this)(a, DictionaryKey(b)); }
+};
+
 // What the gathering of a tree's ids knows of an id: its element while it is entered, and
 // whether it was found twice.
 struct GatheredId {
     const XMLElement* element;  // null once dropped
     bool duplicate;
 };
-using GatheredIds = std::unordered_map<_eString, GatheredId, StringHash>;
+using GatheredIds = std::unordered_map<DictionaryKey, GatheredId, DictionaryKeyHash, DictionaryKeyEqual>;
 
-// The entries by id in a hash table, built on the first lookup, or taken whole from the
-// gathering that made them: a lookup then costs one hash of the id instead of a search that
-// compares strings through their trees. A copy starts empty, as the indexes above do.
+// The entries by id in a hash table, built on the first lookup, or shared with the gathering
+// that made them: a lookup then costs one hash of the id instead of a search that compares
+// strings through their trees. A copy starts empty, as the indexes above do.
 class EntryIndex {
 public:
     EntryIndex() = default;
     // The ids of a gathering: the entries are those with an element.
-    explicit EntryIndex(GatheredIds&& gathered) : built(!gathered.empty()), byId(std::move(gathered)) {}
+    explicit EntryIndex(std::shared_ptr<const GatheredIds> gathered) : byId(std::move(gathered)) {}
     EntryIndex(const EntryIndex&) {}
     EntryIndex& operator=(const EntryIndex&) {
-        built = false;
-        byId.clear();
+        byId.reset();
         return *this;
     }
 
-    // The element of `id` in `entries`, or null.
-    _eFrom<XMLElement> find(const _eString& id, const ClassMap& entries) {
-        if (entries.isEmpty()) return {};
-        if (!built) build(entries);
-        auto found = byId.find(id);
+    bool isBuilt() const { return byId != nullptr; }
+    void build(const ClassMap& entries) {
+        auto made = std::make_shared<GatheredIds>();
+        const auto& all = entries.elements();
+        made->reserve(std::size_t(all.size()));
+        for (int i = 0, n = all.size(); i < n; ++i)
+            made->emplace(DictionaryKey(all.get(i).first), GatheredId{all.get(i).second.get(), false});
+        byId = std::move(made);
+    }
+    // The element of `id`, or null; the index is built.
+    _eFrom<XMLElement> find(const _eString& id) const {
+        auto found = byId->find(id);
         // The entries hold their elements.
-        return found == byId.end() ? _eFrom<XMLElement>() : const_cast<XMLElement*>(found->second.element);
+        return found == byId->end() ? _eFrom<XMLElement>() : const_cast<XMLElement*>(found->second.element);
     }
 
 private:
-    void build(const ClassMap& entries) {
-        const auto& all = entries.elements();
-        byId.reserve(std::size_t(all.size()));
-        for (int i = 0, n = all.size(); i < n; ++i) byId.emplace(all.get(i).first, GatheredId{all.get(i).second.get(), false});
-        built = true;
-    }
-
-    bool built = false;
-    GatheredIds byId;
+    std::shared_ptr<const GatheredIds> byId;
 };
 
 class XMLDictionary : public _eClass<XMLDictionary, _eAny> {
@@ -102,22 +152,24 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule18, 0};
 
     XMLDictionary() = default;
-    // `gathered`, where given, are the ids that `entries` and `duplicateIds` were made of.
     XMLDictionary(const ClassMap& entries, const Names& duplicateIds, const Associations& associations,
-                  const Generalizations& generalizations, GatheredIds gathered = {})
+                  const Generalizations& generalizations)
         : entries(entries),
           duplicateIds(duplicateIds),
           associations(associations),
           generalizations(generalizations),
-          pendingIds(entriesAmong(entries, duplicateIds)),
-          entryIndex(std::move(gathered)) {}
+          pendingIds(entriesAmong(entries, duplicateIds)) {}
+    // The dictionary of the ids a gathering found, `duplicateIds` among them: its entries are
+    // those with an element, made a map only when one is asked for (a lookup asks the ids).
+    XMLDictionary(std::shared_ptr<const GatheredIds> gathered, const Names& duplicateIds,
+                  const Associations& associations, const Generalizations& generalizations);
 
     // The one dictionary without entries.
     static const _eHndl<XMLDictionary>& empty();
 
     bool equalFields(const XMLDictionary& other) const {
-        return entries == other.entries && duplicateIds == other.duplicateIds && associations == other.associations &&
-               generalizations == other.generalizations;
+        return getEntries() == other.getEntries() && duplicateIds == other.duplicateIds &&
+               associations == other.associations && generalizations == other.generalizations;
     }
 
     // The element of `id`, or null.
@@ -130,7 +182,7 @@ public:
     Associations associationsOf(const _eString& classId, const _eHndl<Context>& context) const;
     Generalizations generalizationsOf(const _eString& classId, const _eHndl<Context>& context) const;
 
-    const ClassMap& getEntries() const { return entries; }
+    const ClassMap& getEntries() const;
     const Names& getDuplicateIds() const { return duplicateIds; }
     const Associations& getAssociations() const { return associations; }
     const Generalizations& getGeneralizations() const { return generalizations; }
@@ -139,9 +191,11 @@ private:
     // The ids of `ids` that `entries` holds, found from the smaller side.
     static Names entriesAmong(const ClassMap& entries, const Names& ids);
     // Entries and duplicates taken together: the work of a merge goes by the smaller weight.
-    int weight() const { return entries.size() + duplicateIds.size(); }
+    int weight() const { return getEntries().size() + duplicateIds.size(); }
 
-    ClassMap entries;  // id to element
+    mutable ClassMap entries;  // id to element; made from `unmade` when that is set
+    // The gathered ids the entries are still to be made of: a copy shares them.
+    mutable std::shared_ptr<const GatheredIds> unmade;
     Names duplicateIds;
     Associations associations;
     Generalizations generalizations;
@@ -165,7 +219,7 @@ public:
     // Entering an element, and leaving it with its own id, if any: added as the fold adds where
     // `adds`, else counted.
     void enter();
-    void leave(const XMLElement& element, const _eString* id, bool adds);
+    void leave(const XMLElement& element, const DictionaryKey* id, bool adds);
     // As a dictionary, its entries and marks in the order of their ids; the gathering is spent.
     _eHndl<XMLDictionary> dictionary() &&;
 

@@ -44,6 +44,11 @@ public:
             holdString(made);
     }
 
+    // The units where the text is held in bytes (`size()` of them), else null.
+    const unsigned char* byteUnits() const {
+        const Bytes* held = bytes();
+        return held != nullptr ? held->units() : nullptr;
+    }
     std::int32_t size() const {
         const Bytes* held = bytes();
         return held != nullptr ? std::int32_t(held->size) : wide().size();

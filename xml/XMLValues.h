@@ -93,6 +93,11 @@ public:
         return out;
     }
 
+    // The characters, where they are the whole value and held in bytes; else null.
+    const CompactText* wholeInBytes() const {
+        return elements.isEmpty() && characters.byteUnits() != nullptr ? &characters : nullptr;
+    }
+
 protected:
     void append(const _eFrom<XMLEntityValueElement>& element) {
         _eFreeze freeze(this);

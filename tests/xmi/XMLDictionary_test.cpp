@@ -84,18 +84,31 @@ _eHndl<XMLDictionary> foldedByOperations(const XMLElement& element) {
 
 }  // namespace
 
-// The tree's dictionary, and the fold by the dictionary's operations, against the plain rules.
+// The tree's dictionary, and the fold by the dictionary's operations, against the plain rules;
+// and the merge of two trees' dictionaries against the merge of their folds.
 TEST(XMLDictionary, RandomTreesFollowTheRulesOfMerge) {
     std::mt19937 random(20261123);
-    for (int round = 0; round < 300; ++round) {
+    ParseOutcome before;  // the tree of the round before
+    for (int round = 0; round < 400; ++round) {
         std::string text;
-        // Later rounds give ids long enough to lie in several leaves of their strings.
-        randomElement(random, 0, text, round < 200 ? "i" : std::string(300, 'x'));
+        // Later rounds give ids long enough to lie in two leaves of their strings, and then in
+        // several; such ids are held by their values in bytes, and asked for by strings.
+        std::string prefix = round < 200 ? "i" : round < 300 ? std::string(40, 'y') : std::string(300, 'x');
+        randomElement(random, 0, text, prefix);
         ParseOutcome parsed = parseText(text);
         ASSERT_TRUE(parsed.accepted) << text;
         auto* document = dynamic_cast<XMLDocument*>(parsed.result.get());
         const XMLElement& root = *document->getRoot();
         PlainDictionary expected = PlainDictionary::of(root);
+        if (round % 100 != 0) {
+            // Merging asks a gathered dictionary for its entries and for the ids it still holds
+            // though they are marked.
+            const XMLElement& other = *dynamic_cast<XMLDocument*>(before.result.get())->getRoot();
+            EXPECT_TRUE(*root.dictionary()->merge(*other.dictionary()) ==
+                        *foldedByOperations(root)->merge(*foldedByOperations(other)))
+                << text;
+        }
+        before = parsed;
         for (const _eHndl<XMLDictionary>& actual : {root.dictionary(), foldedByOperations(root)}) {
             ASSERT_EQ(actual->getEntries().size(), int(expected.entries.size())) << text;
             for (const auto& [id, element] : expected.entries) {
@@ -126,8 +139,8 @@ void gatherTree(DictionaryGathering& gathering, const XMLElement& element) {
     const auto& items = element.getContent()->getItems();
     for (int i = 0; i < items.size(); ++i)
         if (auto* child = dynamic_cast<const XMLElement*>(items.get(i).get())) gatherTree(gathering, *child);
-    std::optional<_eString> id;
-    if (element.hasAttribute(L"xmi.id")) id = element.attributeText(L"xmi.id", Context::shared());
+    std::optional<DictionaryKey> id;
+    if (element.hasAttribute(L"xmi.id")) id.emplace(element.attributeText(L"xmi.id", Context::shared()));
     gathering.leave(element, id ? &*id : nullptr, false);
 }
 
