@@ -53,13 +53,13 @@ ModelNames::ModelNames(const ModelClasses& found, const ModelReader& reader) {
         std::vector<_eString> path;
     };
     std::vector<Named> all;
-    std::map<std::wstring, std::vector<std::size_t>> byBase;
+    KeyMap<std::vector<std::size_t>> byBase;
     for (const FoundClass& each : found.inOrder) {
-        Named named{each.element.get(), reader.className(*each.element), {}, {}};
+        Named named{each.element.get(), each.name, {}, {}};
         named.base = identifier(named.written);
         for (const NameRecord& package : each.packagePath)
             named.path.push_back(identifier(ClassRenderer::nameText(package, false)));
-        byBase[toWString(named.base)].push_back(all.size());
+        byBase[DictionaryKey(named.base)].push_back(all.size());
         all.push_back(named);
         inOrder.push_back(each.element.get());
     }
@@ -81,8 +81,8 @@ ModelNames::ModelNames(const ModelClasses& found, const ModelReader& reader) {
     std::set<std::wstring> reported;
     for (std::size_t i = 0; i < all.size(); ++i) {
         byElement.emplace(all[i].element, given[i]);
-        _eString id = reader.elementId(*all[i].element);
-        if (!id.isEmpty()) byId.emplace(toWString(id), given[i]);
+        DictionaryKey id = reader.elementIdKey(*all[i].element);
+        if (!id.isEmpty()) byId.emplace(std::move(id), given[i]);
         if (!(given[i] == all[i].written) && reported.insert(toWString(all[i].written + L"\n" + given[i])).second)
             changes.push_back({all[i].written, given[i]});
     }
@@ -123,7 +123,7 @@ NameRecord ModelNames::operationName(const NameRecord& name) const {
 
 TypeRecord ModelNames::type(TypeRecord type) const {
     if (!type.resolved()) return type;
-    auto at = type.id.isEmpty() ? byId.end() : byId.find(TextView(type.id).text());
+    auto at = type.id.isEmpty() ? byId.end() : byId.find(type.id);
     if (at != byId.end())
         type.name = NameRecord::plain(at->second);
     else if (ClassRenderer::hasName(type.name))

@@ -46,6 +46,6 @@ private:
 
     std::vector<const XMLElement*> inOrder;  // the classes found
     std::unordered_map<const XMLElement*, _eString> byElement;
-    UnitsMap<_eString> byId;  // of the classes with an id
+    KeyMap<_eString> byId;  // of the classes with an id
     std::vector<Change> changes;
 };

@@ -20,9 +20,10 @@ ModelClasses ModelReader::classes() const {
         [&](const XMLElement& element) {
             Open entered{{}, isPackage(element)};
             if (isClass(element)) {
-                entered.classes.put(className(element), const_cast<XMLElement*>(&element));
+                _eString name = className(element);
+                entered.classes.put(name, const_cast<XMLElement*>(&element));
                 found.positions.emplace(&element, found.inOrder.size());
-                found.inOrder.push_back({const_cast<XMLElement*>(&element), packages});
+                found.inOrder.push_back({const_cast<XMLElement*>(&element), packages, name});
             }
             if (entered.package) packages.push_back(readName(element));
             open.push_back(entered);

@@ -14,14 +14,17 @@
 
 #include "modelbridge/ImportExtensions.h"
 #include "xmi/ClassRecords.h"
+#include "xmi/DictionaryKey.h"
 #include "xmi/TypeLibraries.h"
 #include "xmi/XMLElement.h"
 #include "xmi/XmiHelpers.h"
 
-// One class a reader found: its element and the packages it stands in.
+// One class a reader found: its element, the packages it stands in, and the name it is known by
+// (as `className` reads it).
 struct FoundClass {
     _eFrom<XMLElement> element;
     std::vector<NameRecord> packagePath;  // the packages' names, outermost first
+    _eString name;
 };
 
 // The classes of a document in document order, depth first, a class before the classes it
@@ -77,6 +80,8 @@ public:
 
     // The id of an element that `definedKind` tells, as the dialect writes ids.
     virtual _eString elementId(const XMLElement& element) const = 0;
+    // The same as a key of a table of ids.
+    virtual DictionaryKey elementIdKey(const XMLElement& element) const { return DictionaryKey(elementId(element)); }
 
     // The classes of the document, found by one walk from its root.
     ModelClasses classes() const;

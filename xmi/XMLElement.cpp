@@ -149,10 +149,7 @@ _eHndl<XMLDictionary> XMLElement::dictionary(const _eString& idAttribute, bool e
     walkTree(*this, enter, [&](const XMLElement& element) {
         const XMLAttributeValue* value = element.attributeValue(idAttribute);
         std::optional<DictionaryKey> id;
-        if (value != nullptr && value->wholeInBytes() != nullptr)
-            id.emplace(*value);
-        else if (value != nullptr)
-            id.emplace(value->text(Context::shared()));
+        if (value != nullptr) id = DictionaryKey::of(*value);
         bool onLine = &element == line.back();
         if (onLine && line.size() > 1) line.pop_back();
         gathered.leave(element, id ? &*id : nullptr, onLine);

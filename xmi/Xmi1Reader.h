@@ -22,6 +22,10 @@ public:
     // In every form, the ids of the tools' records are left out.
     bool countsExtensionIds() const override { return forms == MemberForms::specified; }
     _eString elementId(const XMLElement& element) const override { return element.ownId(); }
+    DictionaryKey elementIdKey(const XMLElement& element) const override {
+        const XMLAttributeValue* id = element.attributeValue(L"xmi.id");
+        return id != nullptr ? DictionaryKey::of(*id) : DictionaryKey(_eString());
+    }
 
 protected:
     Xmi1Reader(const XMLElement& root, MemberForms forms, ModelParts parts)
