@@ -370,6 +370,9 @@ mutations() {
 @ xmi/XMLDictionary.cpp | a gathered dictionary forgets the marked ids it still holds
 - pendingIds(idsWhere(*gathered, [](const GatheredId& slot) { return slot.element != nullptr && slot.duplicate; })),
 + pendingIds(idsWhere(*gathered, [](const GatheredId& slot) { return false && slot.duplicate; })),
+@ xmi/DictionaryKey.h | an id held in bytes never equals the same id as a string
+- return n == m && std::equal(x, x + n, y, [](auto p, auto q) { return std::uint32_t(p) == std::uint32_t(q); });
++ return n == m && sizeof(*x) == sizeof(*y) && std::equal(x, x + n, y, [](auto p, auto q) { return std::uint32_t(p) == std::uint32_t(q); });
 EOF
 }
 

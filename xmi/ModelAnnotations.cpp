@@ -8,34 +8,34 @@ template <class T>
 const std::vector<T>& ModelAnnotations::at(const ById<T>& map, const _eString& id) {
     static const std::vector<T> none;
     if (map.empty() || id.isEmpty()) return none;
-    auto found = map.find(TextView(id).text());
+    auto found = map.find(id);
     return found == map.end() ? none : found->second;
 }
 
-void ModelAnnotations::addComment(const _eString& target, const _eString& commentId, const _eString& text) {
-    if (!target.isEmpty()) comments[toWString(target)].push_back({commentId, text});
+void ModelAnnotations::addComment(const DictionaryKey& target, const _eString& commentId, const _eString& text) {
+    if (!target.isEmpty()) comments[target].push_back({commentId, text});
 }
 
-void ModelAnnotations::addComment(const _eString& target, const _eString& commentId, const XMLElement& comment,
+void ModelAnnotations::addComment(const DictionaryKey& target, const _eString& commentId, const XMLElement& comment,
                                   CommentText textOf) {
-    if (!target.isEmpty()) comments[toWString(target)].push_back({commentId, {}, &comment, textOf});
+    if (!target.isEmpty()) comments[target].push_back({commentId, {}, &comment, textOf});
 }
 
-void ModelAnnotations::addConstraint(const _eString& target, const ConstraintRecord& constraint) {
-    if (!target.isEmpty()) constraints[toWString(target)].push_back(constraint);
+void ModelAnnotations::addConstraint(const DictionaryKey& target, const ConstraintRecord& constraint) {
+    if (!target.isEmpty()) constraints[target].push_back(constraint);
 }
 
-void ModelAnnotations::addRealization(const _eString& client, const GeneralizationRecord& realization) {
+void ModelAnnotations::addRealization(const DictionaryKey& client, const GeneralizationRecord& realization) {
     if (client.isEmpty()) return;
-    std::vector<GeneralizationRecord>& list = realizations[toWString(client)];
+    std::vector<GeneralizationRecord>& list = realizations[client];
     bool known = std::any_of(list.begin(), list.end(), [&](const GeneralizationRecord& each) {
         return each.id == realization.id && each.parent.id == realization.parent.id;
     });
     if (!known) list.push_back(realization);
 }
 
-void ModelAnnotations::addAssociationClass(const _eString& classId, const XMLElement* element) {
-    std::vector<const XMLElement*>& list = associationClasses[toWString(classId)];
+void ModelAnnotations::addAssociationClass(const DictionaryKey& classId, const XMLElement* element) {
+    std::vector<const XMLElement*>& list = associationClasses[classId];
     if (std::find(list.begin(), list.end(), element) == list.end()) list.push_back(element);
 }
 

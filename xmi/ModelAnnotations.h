@@ -11,6 +11,7 @@
 #include "runtime/StringUtils.h"
 #include "xmi/ClassRecords.h"
 #include "xmi/Context.h"
+#include "xmi/DictionaryKey.h"
 
 class XMLElement;
 
@@ -21,16 +22,16 @@ public:
 
     // The text of the comment `commentId` documents the element `target` (unless it is blank:
     // `addTo` tells, for a text given and for one read).
-    void addComment(const _eString& target, const _eString& commentId, const _eString& text);
+    void addComment(const DictionaryKey& target, const _eString& commentId, const _eString& text);
     // The same for the comment element `comment`, whose text `textOf` reads only when the
     // documentation of `target` is asked for and hasn't taken the comment in already: a model's
     // comments, held as texts until then, would outweigh the rest of it.
-    void addComment(const _eString& target, const _eString& commentId, const XMLElement& comment, CommentText textOf);
-    void addConstraint(const _eString& target, const ConstraintRecord& constraint);
+    void addComment(const DictionaryKey& target, const _eString& commentId, const XMLElement& comment, CommentText textOf);
+    void addConstraint(const DictionaryKey& target, const ConstraintRecord& constraint);
     // The class `client` realises the interface that `realization` names.
-    void addRealization(const _eString& client, const GeneralizationRecord& realization);
+    void addRealization(const DictionaryKey& client, const GeneralizationRecord& realization);
     // The association class `element` has an end at the class `classId`.
-    void addAssociationClass(const _eString& classId, const XMLElement* element);
+    void addAssociationClass(const DictionaryKey& classId, const XMLElement* element);
 
     // `notes` with what is gathered for the element `id` and isn't in them yet, as far as
     // `parts` asks: its comments joined to its documentation, then its constraints.
@@ -50,9 +51,9 @@ private:
 
         _eString textIn(const _eHndl<Context>& context) const { return element ? textOf(*element, context) : text; }
     };
-    // Lists by the id of the element they belong to, asked by the units of an id in place.
+    // Lists by the id of the element they belong to.
     template <class T>
-    using ById = UnitsMap<std::vector<T>>;
+    using ById = KeyMap<std::vector<T>>;
     template <class T>
     static const std::vector<T>& at(const ById<T>& map, const _eString& id);
 

@@ -223,25 +223,32 @@ bool Xmi1Reader::isDeclaredBeyondClasses(const XMLElement& element) const {
 std::shared_ptr<const ModelAnnotations> Xmi1Reader::annotations(const _eHndl<Context>& context) const {
     std::call_once(annotationsGathered, [&] {
         auto index = std::make_shared<ModelAnnotations>();
-        std::vector<_eString> owners{_eString()};
+        // The ids of the elements entered, as keys: a long one is read where its value holds it.
+        std::vector<DictionaryKey> owners{DictionaryKey(_eString())};
         std::vector<const XMLElement*> dependencies;
         Names realizeExtended;
         walkTree(
             *root,
             [&](const XMLElement& element) {
                 const _eString& tag = element.getName();
-                _eString id = element.hasAttribute(L"xmi.idref") ? _eString() : idOf(element);
+                DictionaryKey ownKey = element.hasAttribute(L"xmi.idref") ? DictionaryKey(_eString()) : elementIdKey(element);
+                bool hasId = !ownKey.isEmpty();
                 auto targets = [&](const wchar_t* attribute, const wchar_t* holder) {
-                    std::vector<_eString> named = referencedIds(element, attribute, holder, context);
-                    return named.empty() ? std::vector<_eString>{owners.back()} : named;
+                    std::vector<DictionaryKey> keys;
+                    for (const _eString& named : referencedIds(element, attribute, holder, context))
+                        keys.emplace_back(named);
+                    if (keys.empty()) keys.push_back(owners.back());
+                    return keys;
                 };
-                if (!id.isEmpty() && parts.documentation && textIs(tag, L"UML:Comment"))
-                    for (const _eString& target : targets(L"annotatedElement", L"UML:Comment.annotatedElement"))
+                if (hasId && parts.documentation && textIs(tag, L"UML:Comment")) {
+                    _eString id = ownKey.string();
+                    for (const DictionaryKey& target : targets(L"annotatedElement", L"UML:Comment.annotatedElement"))
                         index->addComment(target, id, element, commentText);
-                if (!id.isEmpty() && parts.constraints && textIs(tag, L"UML:Constraint"))
-                    for (const _eString& target : targets(L"constrainedElement", L"UML:Constraint.constrainedElement"))
+                }
+                if (hasId && parts.constraints && textIs(tag, L"UML:Constraint"))
+                    for (const DictionaryKey& target : targets(L"constrainedElement", L"UML:Constraint.constrainedElement"))
                         index->addConstraint(target, readConstraint(element, context));
-                if (!id.isEmpty() && parts.interfaces) {
+                if (hasId && parts.interfaces) {
                     if (textIs(tag, L"UML:Stereotype") && isRealizeWord(element.readName().text))
                         for (const _eString& extended :
                              referencedIds(element, L"extendedElement", L"UML:Stereotype.extendedElement", context))
@@ -249,11 +256,11 @@ std::shared_ptr<const ModelAnnotations> Xmi1Reader::annotations(const _eHndl<Con
                     if (textIs(tag, L"UML:Abstraction") || textIs(tag, L"UML:Dependency") || textIs(tag, L"UML:Realization"))
                         dependencies.push_back(&element);
                 }
-                if (!id.isEmpty() && parts.associationClasses && textIs(tag, L"UML:AssociationClass")) {
+                if (hasId && parts.associationClasses && textIs(tag, L"UML:AssociationClass")) {
                     Names ends = FCAssociationElement::endTypeIds(element, context);
-                    for (int i = 0, n = ends.size(); i < n; ++i) index->addAssociationClass(ends.at(i), &element);
+                    for (int i = 0, n = ends.size(); i < n; ++i) index->addAssociationClass(DictionaryKey(ends.at(i)), &element);
                 }
-                owners.push_back(id.isEmpty() ? owners.back() : id);
+                owners.push_back(hasId ? ownKey : owners.back());
                 return textIs(tag, L"XMI.extension") ? WalkChildren() : WalkChildren(*element.getContent());
             },
             [&](const XMLElement&) { owners.pop_back(); });
@@ -263,7 +270,7 @@ std::shared_ptr<const ModelAnnotations> Xmi1Reader::annotations(const _eHndl<Con
                 _eFrom<XMLElement> supplier = context->lookup(supplierId);
                 if (supplier.isNull() || !textIs(supplier->getName(), L"UML:Interface")) continue;
                 for (const _eString& client : referencedIds(*dependency, L"client", L"UML:Dependency.client", context))
-                    index->addRealization(client, {idOf(*dependency), XMLElement::typeOfTarget(*supplier, context)});
+                    index->addRealization(DictionaryKey(client), {idOf(*dependency), XMLElement::typeOfTarget(*supplier, context)});
             }
         }
         gathered = index;

@@ -495,17 +495,17 @@ void Xmi2Reader::gatherAnnotations(Lookups& tables) const {
                     for (int i = 0, n = children.size(); i < n; ++i) {
                         const XMLElement& child = *children.get(i);
                         if (textIs(child.getName(), L"properties") && child.hasAttribute(L"documentation"))
-                            tables.annotations.addComment(target, {}, child.attributeText(L"documentation", Context::shared()));
+                            tables.annotations.addComment(DictionaryKey(target), {}, child.attributeText(L"documentation", Context::shared()));
                         if (textIs(child.getName(), L"documentation") && child.hasAttribute(L"value"))
-                            tables.annotations.addComment(target, {}, child.attributeText(L"value", Context::shared()));
+                            tables.annotations.addComment(DictionaryKey(target), {}, child.attributeText(L"value", Context::shared()));
                     }
                 }
             } else if (textIs(kind, L"Comment") || textIs(tag, L"ownedComment")) {
                 for (const _eString& target : targets(L"annotatedElement"))
-                    tables.annotations.addComment(target, id, vocabulary.property(element, L"body", L""));
+                    tables.annotations.addComment(DictionaryKey(target), id, vocabulary.property(element, L"body", L""));
             } else if (textIs(kind, L"Constraint") || textIs(tag, L"ownedRule")) {
                 for (const _eString& target : targets(L"constrainedElement"))
-                    tables.annotations.addConstraint(target, readConstraint(element));
+                    tables.annotations.addConstraint(DictionaryKey(target), readConstraint(element));
             } else if (textIs(kind, L"InterfaceRealization") || textIs(kind, L"Realization") ||
                        textIs(tag, L"interfaceRealization")) {
                 for (const _eString& client : targets(L"client")) tables.realizations[toWString(client)].push_back(&element);

@@ -73,20 +73,24 @@ TEST(ModelReport, FirstItemsOrEvery) {
 
 // Comments are read where a class's documentation is asked for: one inside the class and one
 // that names it from elsewhere are each written once; one without text documents nothing, and
-// the report still names it.
+// the report still names it. The same with a class id long enough that its value holds it in
+// bytes, while the comments from elsewhere name it by a string.
 TEST(ModelReport, CommentsTakenInOnceAndBlankOnesLeftOut) {
-    auto comment = [](const char* id, const char* body) {
-        return std::string("<UML:Comment xmi.id='") + id + "' body='" + body +
-               "'><UML:Comment.annotatedElement><UML:Class xmi.idref='A'/></UML:Comment.annotatedElement></UML:Comment>";
-    };
-    const std::string annotated = "<XMI xmi.version='1.2'><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
-                                  "<UML:Class xmi.id='A' name='A'><UML:ModelElement.comment><UML:Comment xmi.id='in' "
-                                  "body='Inside.'/></UML:ModelElement.comment></UML:Class>" +
-                                  comment("far", "From afar.") + comment("blank", "  ") +
-                                  "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>";
-    const std::string text = ImportRun(annotated, everyExtension()).files["A.tv"];
-    EXPECT_EQ(text.find("// Inside.\n//\n// From afar.\nclass A ^="), 0u) << text;
-    EXPECT_EQ(text.find("Inside.", text.find("Inside.") + 1), std::string::npos) << text;
-    std::vector<std::wstring> report = reportOf(annotated, everyExtension(), true);
-    EXPECT_NE(std::find(report.begin(), report.end(), L"Left out: 1 comments not generated: ?"), report.end());
+    for (const std::string& classId : {std::string("A"), "A" + std::string(40, 'z')}) {
+        auto comment = [&](const char* id, const char* body) {
+            return std::string("<UML:Comment xmi.id='") + id + "' body='" + body +
+                   "'><UML:Comment.annotatedElement><UML:Class xmi.idref='" + classId +
+                   "'/></UML:Comment.annotatedElement></UML:Comment>";
+        };
+        const std::string annotated = "<XMI xmi.version='1.2'><XMI.content><UML:Model xmi.id='m'><UML:Namespace.ownedElement>"
+                                      "<UML:Class xmi.id='" + classId + "' name='A'><UML:ModelElement.comment><UML:Comment "
+                                      "xmi.id='in' body='Inside.'/></UML:ModelElement.comment></UML:Class>" +
+                                      comment("far", "From afar.") + comment("blank", "  ") +
+                                      "</UML:Namespace.ownedElement></UML:Model></XMI.content></XMI>";
+        const std::string text = ImportRun(annotated, everyExtension()).files["A.tv"];
+        EXPECT_EQ(text.find("// Inside.\n//\n// From afar.\nclass A ^="), 0u) << text;
+        EXPECT_EQ(text.find("Inside.", text.find("Inside.") + 1), std::string::npos) << text;
+        std::vector<std::wstring> report = reportOf(annotated, everyExtension(), true);
+        EXPECT_NE(std::find(report.begin(), report.end(), L"Left out: 1 comments not generated: ?"), report.end());
+    }
 }
