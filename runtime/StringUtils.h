@@ -77,6 +77,31 @@ struct UnitsHash {
 template <class Value>
 using UnitsMap = std::unordered_map<std::wstring, Value, UnitsHash, std::equal_to<>>;
 
+// Hash and equality of strings by their units, for hash tables of strings asked by strings or by
+// views of units: the table keeps the strings it is given, no copy of their units.
+struct StringUnitsHash {
+    using is_transparent = void;
+    std::size_t operator()(std::wstring_view units) const { return hashUnits(units.data(), units.size()); }
+    std::size_t operator()(const _eString& text) const {
+        std::wstring scratch;
+        return (*this)(unitsOf(text, scratch));
+    }
+};
+
+struct StringUnitsEqual {
+    using is_transparent = void;
+    bool operator()(const _eString& a, const _eString& b) const {
+        std::wstring scratch;
+        return textIs(a, unitsOf(b, scratch));
+    }
+    bool operator()(const _eString& a, std::wstring_view b) const { return textIs(a, b); }
+    bool operator()(std::wstring_view a, const _eString& b) const { return textIs(b, a); }
+};
+
+// A hash table keyed by strings, asked by strings or by views of units.
+template <class Value>
+using StringMap = std::unordered_map<_eString, Value, StringUnitsHash, StringUnitsEqual>;
+
 // The hash of a string's units, for hash tables keyed by strings themselves.
 struct StringHash {
     std::size_t operator()(const _eString& text) const {

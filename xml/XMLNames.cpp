@@ -4,21 +4,25 @@
 
 namespace {
 
-// The string kept in `table` for `text`, or the one `make` gives, kept if there is room.
+// The string kept in `table` for `text`, or the one `make` gives, kept if there is room: kept
+// by `asked`, the string whose text it is, where there is one, else by itself.
 template <class Table, class Make>
-_eString lookUpUnits(Table& table, std::wstring_view text, Make make) {
+_eString lookUpUnits(Table& table, std::wstring_view text, const _eString* asked, Make make) {
     if (text.size() > std::size_t(XMLNames::longest) || text.empty()) return make();
     std::size_t slot = (text.size() * 31 + std::size_t(text[0]) * 7 + std::size_t(text[text.size() / 2]) * 131 +
                         std::size_t(text.back()) * 17) & 255;
     auto& found = table.found[slot];
     if (found.text == text) return found.answer;
     _eString answer;
+    _eString key;
     auto kept = table.kept.find(text);
     if (kept != table.kept.end()) {
+        key = kept->first;
         answer = kept->second;
     } else {
         answer = make();
-        if (int(table.kept.size()) < XMLNames::capacity) table.kept.emplace(std::wstring(text), answer);
+        key = asked != nullptr ? *asked : answer;
+        if (int(table.kept.size()) < XMLNames::capacity && !key.isEmpty()) table.kept.emplace(key, answer);
     }
     found.text.assign(text);
     found.answer = answer;
@@ -39,7 +43,7 @@ _eString lookUpText(Table& table, const _eString& name, Make make) {
         _eSeqReader<wchar_t> reader(name);
         for (int i = 0; i < size; ++i) units[i] = reader.next();
     }
-    return lookUpUnits(table, std::wstring_view(start, std::size_t(size)), make);
+    return lookUpUnits(table, std::wstring_view(start, std::size_t(size)), &name, make);
 }
 
 // The same, through the table's recent strings.
@@ -65,17 +69,17 @@ _eString XMLNames::shared(const _eString& name) {
 }
 
 _eString XMLNames::shared(std::wstring_view name) {
-    return lookUpUnits(names(), name, [&] { return _eString(name); });
+    return lookUpUnits(names(), name, nullptr, [&] { return _eString(name); });
 }
 
 _eString XMLNames::sharedText(std::wstring_view text) {
     static Table kept;
-    return lookUpUnits(kept, text, [&] { return int(kept.kept.size()) < capacity ? _eString(text) : _eString(); });
+    return lookUpUnits(kept, text, nullptr, [&] { return int(kept.kept.size()) < capacity ? _eString(text) : _eString(); });
 }
 
 _eString XMLNames::sharedValue(std::wstring_view text) {
     static Table kept;
-    return lookUpUnits(kept, text, [&] { return _eString(text); });
+    return lookUpUnits(kept, text, nullptr, [&] { return _eString(text); });
 }
 
 _eString XMLNames::derivedIn(Table& table, const _eString& name, Derivation derive) {

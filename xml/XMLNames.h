@@ -42,9 +42,10 @@ private:
     // Strings kept by a text, so that a lookup costs one hash of the units and one comparison;
     // in front of them the last strings asked for, by the node that holds their text: a name
     // read again from the same shared string is found by one comparison of addresses. A slot
-    // holds its string, so that its node stays what it was.
+    // holds its string, so that its node stays what it was. The text a string is kept by is a
+    // string too: the name it was asked for, which for a name shared is the string kept.
     struct Table {
-        UnitsMap<_eString> kept;
+        StringMap<_eString> kept;
         struct Recent {
             _eString asked;
             _eString answer;
