@@ -3,9 +3,12 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <ctime>
 #include <map>
+#include <string_view>
 #include <unordered_map>
 
 namespace {
@@ -38,28 +41,33 @@ bool stampOf(const std::string& directory, Stamp& stamp) {
     return true;
 }
 
-std::string folded(const std::string& name) {
-    std::string out = name;
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z') c = char(c - 'A' + 'a');
-    return out;
-}
+char folded(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
+
+// Hash and equality of names as their letters fold: a name is found by any case of them.
+struct FoldedHash {
+    std::size_t operator()(std::string_view name) const {
+        std::uint64_t hash = 0xcbf29ce484222325ull;
+        for (char c : name) hash = (hash ^ static_cast<unsigned char>(folded(c))) * 0x100000001b3ull;
+        return std::size_t(hash);
+    }
+};
+
+struct FoldedEqual {
+    bool operator()(std::string_view a, std::string_view b) const {
+        return a.size() == b.size() &&
+               std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return folded(x) == folded(y); });
+    }
+};
 
 struct Listing {
     Stamp stamp;
     bool trusted = false;
     bool ownChange = false;  // `stamp` is what the library's own last creation left
-    struct Entry {
-        std::string spelling;
-        int count = 0;
-    };
-    std::unordered_map<std::string, Entry> byFolded;
+    // The entries by their names as folded: the spelling of the first met, and how many fold to
+    // it. A spelling is read only where it is the one.
+    std::unordered_map<std::string, int, FoldedHash, FoldedEqual> byFolded;
 
-    void add(const std::string& name) {
-        Entry& entry = byFolded[folded(name)];
-        entry.spelling = name;
-        ++entry.count;
-    }
+    void add(const std::string& name) { ++byFolded.try_emplace(name, 0).first->second; }
 };
 
 std::map<std::string, Listing>& listings() {
@@ -112,9 +120,9 @@ std::string DirectoryListings::uniqueMatch(const std::string& directory, const s
                                            const struct stat* status) {
     const Listing* listing = currentListing(directory.empty() ? "/" : directory, status);
     if (listing == nullptr) return {};
-    auto entry = listing->byFolded.find(folded(component));
-    if (entry == listing->byFolded.end() || entry->second.count != 1) return {};
-    return entry->second.spelling;
+    auto entry = listing->byFolded.find(component);
+    if (entry == listing->byFolded.end() || entry->second != 1) return {};
+    return entry->first;
 }
 
 std::optional<DirectoryListings::Known> DirectoryListings::known(const std::string& directory,
@@ -125,10 +133,10 @@ std::optional<DirectoryListings::Known> DirectoryListings::known(const std::stri
     Stamp now;
     if (!stampOf(directory, now) || !(now == found->second.stamp)) return std::nullopt;
     const auto& entries = found->second.byFolded;
-    auto entry = entries.find(folded(component));
+    auto entry = entries.find(component);
     if (entry == entries.end()) return Known{};
-    if (entry->second.count != 1) return std::nullopt;
-    return Known{entry->second.spelling == component, entry->second.spelling};
+    if (entry->second != 1) return std::nullopt;
+    return Known{entry->first == component, entry->first};
 }
 
 std::FILE* DirectoryListings::openCreating(const std::string& path, const char* mode) {
