@@ -332,8 +332,8 @@ mutations() {
 - if (!stampOf(directory, now) || !(now == found->second.stamp)) return std::nullopt;
 + if (!stampOf(directory, now)) return std::nullopt;
 @ environment/DirectoryListings.cpp | a kept listing answers for a name that several entries share
-- if (entry->second.count != 1) return std::nullopt;
-+ if (entry->second.count < 1) return std::nullopt;
+- if (entry->second != 1) return std::nullopt;
++ if (entry->second < 1) return std::nullopt;
 @ output/OutputFolder.cpp | a name whose read fails for any reason counts as nothing there
 - there = reason != ENOENT && holdsAnything(name);
 + there = false;
