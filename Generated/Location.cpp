@@ -87,7 +87,7 @@ struct PlaceFiles {
 std::uint32_t Position::numberOf(const _eHndl<FileName>& file) {
     if (file.isNull()) return 0;
     PlaceFiles& kept = PlaceFiles::shared();
-    std::size_t hash = StringHash()(file->fullPathText());
+    std::size_t hash = StringUnitsHash()(file->fullPathText());
     auto [first, last] = kept.byPath.equal_range(hash);
     for (auto at = first; at != last; ++at)
         if (kept.files[at->second - 1] == file) return at->second;

@@ -102,14 +102,6 @@ struct StringUnitsEqual {
 template <class Value>
 using StringMap = std::unordered_map<_eString, Value, StringUnitsHash, StringUnitsEqual>;
 
-// The hash of a string's units, for hash tables keyed by strings themselves.
-struct StringHash {
-    std::size_t operator()(const _eString& text) const {
-        std::wstring scratch;
-        return std::hash<std::wstring_view>{}(unitsOf(text, scratch));
-    }
-};
-
 // A text that a caller asks by: a literal, or a string read in place where it lies in one leaf,
 // so that asking costs no new string. Lives as long as the call it is handed to.
 class TextView {

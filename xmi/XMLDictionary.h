@@ -53,7 +53,7 @@ private:
     }
 
     bool built = false;
-    std::unordered_map<_eString, Members, StringHash> byId;
+    StringMap<Members> byId;
 };
 
 // What the gathering of a tree's ids knows of an id: its element while it is entered, and

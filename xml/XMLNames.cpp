@@ -14,14 +14,12 @@ _eString lookUpUnits(Table& table, std::wstring_view text, const _eString* asked
     auto& found = table.found[slot];
     if (found.text == text) return found.answer;
     _eString answer;
-    _eString key;
     auto kept = table.kept.find(text);
     if (kept != table.kept.end()) {
-        key = kept->first;
         answer = kept->second;
     } else {
         answer = make();
-        key = asked != nullptr ? *asked : answer;
+        _eString key = asked != nullptr ? *asked : answer;
         if (int(table.kept.size()) < XMLNames::capacity && !key.isEmpty()) table.kept.emplace(key, answer);
     }
     found.text.assign(text);
