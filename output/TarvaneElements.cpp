@@ -244,9 +244,18 @@ std::int32_t ElementBase::writeWrapped(TextBatch& out, const _eString& lead, con
 }
 
 std::int32_t ElementBase::breakPosition(const _eString& text, std::int32_t room, const ImportOptions&) const {
+    // A long comment lies in several leaves: its units are read a leaf's run at a time, and
+    // only as far as the room.
     std::int32_t lastBlank = -1;
-    for (std::int32_t i = 3; i < room && i < text.size(); ++i)
-        if (text.at(i) == L' ') lastBlank = i;
+    std::int32_t limit = std::min(room, text.size());
+    _eSeqReader<wchar_t> reader(text);
+    for (std::int32_t at = 0, length = 0; at < limit; at += length) {
+        const wchar_t* run = reader.run(length);
+        length = std::min(length, limit - at);
+        for (std::int32_t i = std::max(at, 3); i < at + length; ++i)
+            if (run[i - at] == L' ') lastBlank = i;
+        reader.skip(length);
+    }
     return lastBlank > 0 ? lastBlank : room;
 }
 

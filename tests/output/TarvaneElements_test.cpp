@@ -150,3 +150,27 @@ TEST(TarvaneWords, WordSetsAreTheSetsThatHoldTheText) {
         ASSERT_EQ(E::wordSets(token), expected) << std::string(word.begin(), word.end());
     }
 }
+
+// A comment is cut at its last blank before the room (never within its first three units), else
+// at the room, wherever the leaves of its string begin and end.
+TEST(TarvaneLayout, CommentsBreakAtTheLastBlankBeforeTheRoomAcrossLeaves) {
+    std::mt19937 random(20261127);
+    TarvaneElements elements{Tokens()};
+    for (int round = 0; round < 300; ++round) {
+        std::wstring units;
+        _eString text;
+        // Pieces of random lengths joined, so that the string is split into leaves at random.
+        for (int pieces = 1 + int(random() % 8); pieces > 0; --pieces) {
+            std::wstring piece;
+            for (int n = int(random() % 60); n > 0; --n) piece += random() % 5 == 0 ? L' ' : wchar_t(L'a' + random() % 26);
+            units += piece;
+            text = text + _eString(std::wstring_view(piece));
+        }
+        int room = int(random() % 130) - 10;
+        int lastBlank = -1;
+        for (int i = 3; i < room && i < int(units.size()); ++i)
+            if (units[std::size_t(i)] == L' ') lastBlank = i;
+        EXPECT_EQ(elements.breakPosition(text, room, ImportOptions::defaults()), lastBlank > 0 ? lastBlank : room)
+            << "room " << room << " in \"" << toPlatformText(text) << "\"";
+    }
+}
