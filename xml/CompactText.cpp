@@ -157,6 +157,12 @@ void CompactText::appendTo(_eString& out) const {
     appendWidened(out, held->units(), held->size);
 }
 
+void CompactText::appendTo(std::wstring& out) const {
+    std::size_t at = out.size();
+    out.resize(at + std::size_t(size()));
+    copyTo(out.data() + at);
+}
+
 bool CompactText::operator==(const CompactText& other) const {
     const Bytes* mine = bytes();
     const Bytes* theirs = other.bytes();

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <string>
 #include <string_view>
 
 #include "runtime/Seq.h"
@@ -59,6 +60,7 @@ public:
     void copyTo(wchar_t* out) const;
     // Appends the text to `out`.
     void appendTo(_eString& out) const;
+    void appendTo(std::wstring& out) const;
 
     bool operator==(const CompactText& other) const;
 

@@ -15,8 +15,10 @@ public:
     // The context belongs to the fixed shape of value texts: every caller hands one on, and no
     // value reads it.
     virtual _eString text(const _eHndl<Context>& context) const = 0;
-    // Appends the text to `out`: a value is read one element after another.
-    virtual void appendText(_eString& out, const _eHndl<Context>& context) const { out.appendAll(text(context)); }
+    // Appends the text to `out`: a value is gathered element after element in one buffer.
+    virtual void appendText(std::wstring& out, const _eHndl<Context>& context) const {
+        appendUnits(out, text(context));
+    }
 };
 
 class XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
@@ -28,7 +30,7 @@ public:
 
     bool equalFields(const XMLCharValue& other) const { return characters == other.characters; }
     _eString text(const _eHndl<Context>&) const override { return characters.text(); }
-    void appendText(_eString& out, const _eHndl<Context>&) const override { characters.appendTo(out); }
+    void appendText(std::wstring& out, const _eHndl<Context>&) const override { characters.appendTo(out); }
 
 private:
     CompactText characters;
@@ -86,11 +88,11 @@ public:
     // The texts of the elements and of the characters after them, in order.
     virtual _eString text(const _eHndl<Context>& context) const {
         if (elements.isEmpty()) return characters.text();
-        _eString out;
+        std::wstring out;
         _eSeqReader<_eFrom<XMLEntityValueElement>> reader(elements);
         for (int i = 0, n = elements.size(); i < n; ++i) reader.next()->appendText(out, context);
         characters.appendTo(out);
-        return out;
+        return _eString(std::wstring_view(out));
     }
 
     // The characters, where they are the whole value and held in bytes; else null.
