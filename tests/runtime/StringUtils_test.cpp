@@ -49,3 +49,18 @@ TEST(StringUtils, TextViewsHoldTheWholeWord) {
     EXPECT_TRUE(TextView(L"UML:Class").isIn(_eString(L"UML:Class")));
     EXPECT_FALSE(TextView(L"UML:Class").isIn(_eString(L"UML:Classifier")));
 }
+
+// Only blanks go, from either end or both, in one leaf or across several; tabs and line ends
+// stay, and a text with nothing to trim is the same text.
+TEST(StringUtils, TrimmingTakesBlanksOffBothEndsOnly) {
+    const std::wstring middle(70, L'x');  // past one leaf
+    const std::pair<std::wstring, std::wstring> rows[] = {
+        {L"", L""},           {L"   ", L""},         {L" a", L"a"},          {L"a ", L"a"},
+        {L"  a b  ", L"a b"}, {L"\ta\n", L"\ta\n"}, {L" \ta ", L"\ta"},     {L"a", L"a"},
+        {L"  " + middle + L" ", middle},            {L" " + middle, middle}, {middle + L"  ", middle},
+    };
+    for (const auto& [text, trimmed] : rows)
+        EXPECT_EQ(toWString(trimSpaces(_eString(std::wstring_view(text)))), trimmed) << "\"" << text.size() << "\"";
+    _eString untouched = L"name";
+    EXPECT_EQ(trimSpaces(untouched).rootNode(), untouched.rootNode());
+}
