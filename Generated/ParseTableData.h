@@ -35,6 +35,18 @@ struct RecoveryPairData {
     std::int32_t closerCount;
 };
 
+// An action table packed for the parser's inner loop: its rows overlap where their entries
+// don't. The entry for `symbol` in row `state` lies in the slot `base[state] + symbol` when
+// `check` there holds the state; the row has none else. A cell holds the action in its three
+// low bits and the parameter above them. Every symbol below `width` of every row has a slot.
+struct PackedActionData {
+    const std::int32_t* base;    // by state
+    const std::uint16_t* check;  // the state whose entry a slot holds
+    const std::uint16_t* cells;
+    std::int32_t states;
+    std::int32_t width;  // one more than the largest symbol of any entry
+};
+
 struct ParseTableData {
     const ParseTableBlock* terminalBlocks;
     const ParseTableBlock* nonTerminalBlocks;
@@ -45,6 +57,8 @@ struct ParseTableData {
     std::int32_t recoveryCount;
     const char* const* nonTerminalNames;  // for reading only
     std::int32_t nonTerminalCount;
+    PackedActionData packedTerminal;     // the same entries as the blocks, packed
+    PackedActionData packedNonTerminal;
 };
 
 // The tables of the XML grammar.

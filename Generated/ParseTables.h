@@ -1,8 +1,8 @@
 // Parse tables as the parser reads them, and the control object that parsers hold.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <vector>
 
 #include "Generated/ParseTableData.h"
 #include "runtime/Class.h"
@@ -13,47 +13,49 @@ using ActionTable = _eSeq<_eSeq<ActionTableEntry>>;
 using ReduceTable = _eSeq<ReduceTableEntry>;
 using RecoveryTable = _eSeq<_ePair<int, _eSet<int>>>;
 
-// An action table laid out as one dense grid of state by symbol, for the lookup that runs
-// once per input byte: the entries of the `_eSeq` rows, found by one index instead of a walk
-// down two trees and a search. Each cell packs the action and its parameter (a state or a
-// production, below 8192) into 16 bits.
-class FlatActionTable {
+// An action table as the lookup that runs for every token reads it: the packed rows of the
+// generated constants, read in place (no table is built at start).
+class PackedActionTable {
 public:
-    FlatActionTable() = default;
-    explicit FlatActionTable(const ActionTable& table);
+    explicit PackedActionTable(const PackedActionData& data) : data(&data) {}
 
     // The entry for `symbol` in row `state`; an error entry if the row has none.
     ActionTableEntry find(std::int32_t state, std::int32_t symbol) const {
-        if (std::uint32_t(state) >= std::uint32_t(states) || std::uint32_t(symbol) >= std::uint32_t(width))
+        if (std::uint32_t(state) >= std::uint32_t(data->states) || std::uint32_t(symbol) >= std::uint32_t(data->width))
             return {0, ActionName::error, 0};
-        std::uint32_t cell = cells[std::size_t(state) * std::size_t(width) + std::size_t(symbol)];
-        auto action = ActionName::_eEnum(cell & actionMask);
-        if (action == ActionName::error) return {0, ActionName::error, 0};
-        return {symbol, action, std::int32_t(cell >> actionBits)};
+        std::size_t slot = std::size_t(data->base[state]) + std::size_t(symbol);
+        if (data->check[slot] != std::uint32_t(state)) return {0, ActionName::error, 0};
+        std::uint32_t cell = data->cells[slot];
+        return {symbol, ActionName::_eEnum(cell & actionMask), std::int32_t(cell >> actionBits)};
     }
 
 private:
     static constexpr std::uint32_t actionBits = 3;
     static constexpr std::uint32_t actionMask = (1u << actionBits) - 1;
-    static constexpr std::int32_t parameterLimit = 1 << (16 - actionBits);
 
-    std::int32_t states = 0;
-    std::int32_t width = 0;  // one more than the largest symbol of any row
-    std::vector<std::uint16_t> cells;
+    const PackedActionData* data;
 };
 
-// The four tables of one grammar, built from its generated blocks.
+// What a parser reads for every token and reduction, in place in the generated constants.
+struct DirectTables {
+    explicit DirectTables(const ParseTableData& data)
+        : terminal(data.packedTerminal), nonTerminal(data.packedNonTerminal), reductions(data.reductions) {}
+
+    PackedActionTable terminal;
+    PackedActionTable nonTerminal;
+    const ReduceTableEntry* reductions;  // by production
+};
+
+// The four tables of one grammar as sequences, built from its generated blocks for whoever
+// reads them whole.
 struct ParseTables {
     ActionTable terminal;     // by state, rows ascending by token code
     ActionTable nonTerminal;  // by state, rows ascending by nonterminal
     ReduceTable reductions;   // by production
     RecoveryTable recovery;   // opening token and closing set
-    // The same entries laid out flat for the parser's inner loop.
-    FlatActionTable flatTerminal;
-    FlatActionTable flatNonTerminal;
-    std::vector<ReduceTableEntry> flatReductions;
 
     static ParseTables build(const ParseTableData& data);
+    static RecoveryTable recoveryOf(const ParseTableData& data);
 };
 
 // The display name of each action, for diagnostics: "Error", "Shift", ...

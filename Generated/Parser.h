@@ -78,9 +78,9 @@ protected:
     bool follow(Configuration& at, std::int32_t token, std::vector<std::int32_t>& ran, bool untilShift) const;
     // Where the nonterminal being reduced begins, while `reduceAction` runs.
     const Position& getReducePosition() const { return *reducePosition; }
-    // A parser whose three lookups are exactly those of the flat copies in `tables` hands them
-    // over: the driver then reads them in place, without a virtual call per lookup.
-    void readTablesDirectly(const ParseTables& tables) { direct = &tables; }
+    // A parser whose three lookups are exactly those of `tables` hands them over: the driver
+    // then reads them in place, without a virtual call per lookup.
+    void readTablesDirectly(const DirectTables& tables) { direct = &tables; }
 
     // What a semantic action does to the symbols of its production.
     enum class ActionKind {
@@ -98,13 +98,13 @@ protected:
 
 private:
     ActionTableEntry terminalEntry(std::int32_t at, std::int32_t token) const {
-        return direct != nullptr ? direct->flatTerminal.find(at, token) : terminalAction(at, token);
+        return direct != nullptr ? direct->terminal.find(at, token) : terminalAction(at, token);
     }
     ActionTableEntry nonTerminalEntry(std::int32_t at, std::int32_t nonTerminal) const {
-        return direct != nullptr ? direct->flatNonTerminal.find(at, nonTerminal) : nonTerminalAction(at, nonTerminal);
+        return direct != nullptr ? direct->nonTerminal.find(at, nonTerminal) : nonTerminalAction(at, nonTerminal);
     }
     ReduceTableEntry reductionEntry(std::int32_t production) const {
-        return direct != nullptr ? direct->flatReductions[std::size_t(production)] : reduction(production);
+        return direct != nullptr ? direct->reductions[production] : reduction(production);
     }
 
     // The semantic action (or `noAction`) that `token` runs when it only loops over the value
@@ -137,7 +137,7 @@ private:
     XMLErrors errors;
     _eSeq<_eSet<int>> pendingClosers;    // closing tokens awaited while skipping brackets
     _eHndl<StackValue> result;           // set by `halt`
-    const ParseTables* direct = nullptr; // the tables read in place, if the parser handed them over
+    const DirectTables* direct = nullptr; // the tables read in place, if the parser handed them over
     // Run bytes found so far, by state, for each state below the value on top.
     struct KnownRuns {
         std::int32_t below;

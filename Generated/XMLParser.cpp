@@ -11,9 +11,20 @@
 #include "runtime/StringUtils.h"
 #include "xml/XMLDocument.h"
 
+const DirectTables& XMLParser::directTables() {
+    static const DirectTables direct(xmlParseTables);
+    return direct;
+}
+
 const ParseTables& XMLParser::tables() {
     static const ParseTables built = ParseTables::build(xmlParseTables);
     return built;
+}
+
+// Made on the first parse that needs recovery.
+RecoveryTable XMLParser::recoveryTable() const {
+    static const RecoveryTable pairs = ParseTables::recoveryOf(xmlParseTables);
+    return pairs;
 }
 
 namespace {

@@ -15,22 +15,22 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule5, 0};
 
     XMLParser(const _eHndl<ParseControl>& control, std::int32_t initialState) : _eClass(control, initialState) {
-        readTablesDirectly(tables());
+        readTablesDirectly(directTables());
     }
 
     bool equalFields(const XMLParser& other) const { return Parser::equalFields(other); }
 
     ActionTableEntry terminalAction(std::int32_t state, std::int32_t token) const override {
-        return tables().flatTerminal.find(state, token);
+        return directTables().terminal.find(state, token);
     }
     ActionTableEntry nonTerminalAction(std::int32_t state, std::int32_t nonTerminal) const override {
-        return tables().flatNonTerminal.find(state, nonTerminal);
+        return directTables().nonTerminal.find(state, nonTerminal);
     }
     ReduceTableEntry reduction(std::int32_t production) const override {
-        return tables().flatReductions[std::size_t(production)];
+        return directTables().reductions[production];
     }
     void reduceAction(std::int32_t semanticAction) override;
-    RecoveryTable recoveryTable() const override { return tables().recovery; }
+    RecoveryTable recoveryTable() const override;
 
     // Takes the bytes that `lexer` reads next while they only loop (see `runBytes`), many at a
     // time; with `stopAtLineEnd` a line end is left to be a token of its own.
@@ -156,7 +156,9 @@ public:
     // `decodeReferences`, entities and character references read as their characters.
     void chooseExtensions(const ImportExtensions& chosen) { extensions = chosen; }
 
-    // The tables of the XML grammar, built on first use and shared by all parsers.
+    // The tables of the XML grammar as every parser reads them, in place.
+    static const DirectTables& directTables();
+    // The same tables as sequences, built on first request: for those who read them whole.
     static const ParseTables& tables();
 
 protected:

@@ -592,6 +592,85 @@ void emitBlock(std::ostream& out, const std::string& prefix, const std::vector<s
     out << "\n};\n\n";
 }
 
+// A table packed for the parser's inner loop: the rows overlap where their entries don't. Row s
+// keeps its entry for symbol k at base[s] + k, where check names s; every other slot of the row
+// holds no entry. Each cell is the action in its three low bits and the parameter above them.
+// The rows with the most entries are placed first, each at the lowest base where all its
+// slots are free; the slots run on far enough that base + any symbol below the width is one.
+struct Packed {
+    std::vector<int> base;
+    std::vector<int> check;  // the state of each slot; -1 where none
+    std::vector<unsigned> cells;
+    int width = 0;  // one more than the largest symbol of any entry
+};
+
+constexpr int actionBits = 3;
+constexpr int parameterLimit = 1 << (16 - actionBits);
+constexpr int noState = 0xFFFF;
+
+Packed pack(const std::vector<std::vector<Entry>>& table) {
+    Packed p;
+    std::vector<std::vector<Entry>> rows(table.size());
+    for (std::size_t s = 0; s < table.size(); ++s)
+        for (const Entry& e : table[s]) {
+            // Negative symbols are no byte and no nonterminal; an error is no entry.
+            if (e.symbol < 0 || e.action == actError) continue;
+            if (e.parameter < 0 || e.parameter >= parameterLimit) fail("a parameter beyond 13 bits");
+            rows[s].push_back(e);
+            p.width = std::max(p.width, e.symbol + 1);
+        }
+    if (table.size() >= std::size_t(noState)) fail("too many states to pack");
+    std::vector<std::size_t> order(rows.size());
+    for (std::size_t s = 0; s < order.size(); ++s) order[s] = s;
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return rows[a].size() > rows[b].size(); });
+    p.base.assign(rows.size(), 0);
+    for (std::size_t s : order) {
+        if (rows[s].empty()) continue;
+        auto fits = [&](int base) {
+            for (const Entry& e : rows[s]) {
+                std::size_t slot = std::size_t(base + e.symbol);
+                if (slot < p.check.size() && p.check[slot] >= 0) return false;
+            }
+            return true;
+        };
+        int base = 0;
+        while (!fits(base)) ++base;
+        p.base[s] = base;
+        for (const Entry& e : rows[s]) {
+            std::size_t slot = std::size_t(base + e.symbol);
+            if (slot >= p.check.size()) {
+                p.check.resize(slot + 1, -1);
+                p.cells.resize(slot + 1, 0);
+            }
+            p.check[slot] = int(s);
+            p.cells[slot] = unsigned(e.action) | unsigned(e.parameter) << actionBits;
+        }
+    }
+    std::size_t slots = 0;
+    for (int base : p.base) slots = std::max(slots, std::size_t(base + p.width));
+    p.check.resize(std::max(slots, std::size_t(1)), -1);
+    p.cells.resize(p.check.size(), 0);
+    return p;
+}
+
+// The packed form of one table, as constants named after `prefix`.
+void emitPacked(std::ostream& out, const std::string& prefix, const Packed& p) {
+    auto list = [&](const char* type, const char* what, std::size_t count, auto value) {
+        out << "const " << type << " " << prefix << what << "[] = {";
+        for (std::size_t i = 0; i < count; ++i) {
+            if (i % 16 == 0) out << "\n    ";
+            out << value(i) << ", ";
+        }
+        out << "\n};\n";
+    };
+    list("std::int32_t", "Base", std::max(p.base.size(), std::size_t(1)),
+         [&](std::size_t i) { return i < p.base.size() ? p.base[i] : 0; });
+    list("std::uint16_t", "Check", p.check.size(), [&](std::size_t i) { return p.check[i] < 0 ? noState : p.check[i]; });
+    list("std::uint16_t", "Cells", p.cells.size(), [&](std::size_t i) { return p.cells[i]; });
+    out << "\n";
+}
+
 std::string emit(const Grammar& g, const Tables& t, const std::string& grammarPath, const std::string& name) {
     std::ostringstream out;
     std::string base = grammarPath.substr(grammarPath.rfind('/') + 1);
@@ -614,7 +693,11 @@ std::string emit(const Grammar& g, const Tables& t, const std::string& grammarPa
     for (std::size_t b = 0; b < blocks.size(); ++b)
         out << "    {nonTerminalEntries" << b << ", nonTerminalStarts" << b << ", " << blocks[b].second - blocks[b].first
             << "},\n";
-    out << "};\n\n// nonterminal, length, semantic action\nconst ReduceTableEntry reductions[] = {\n";
+    out << "};\n\n";
+    Packed terminal = pack(t.terminal), nonTerminal = pack(t.nonTerminal);
+    emitPacked(out, "packedTerminal", terminal);
+    emitPacked(out, "packedNonTerminal", nonTerminal);
+    out << "// nonterminal, length, semantic action\nconst ReduceTableEntry reductions[] = {\n";
     for (std::size_t i = 0; i + 1 < g.productions.size(); ++i) {
         const Production& p = g.productions[i];
         out << "    {" << p.lhs << ", " << p.rhs.size() << ", " << p.action << "},  // " << p.text << "\n";
@@ -638,6 +721,10 @@ std::string emit(const Grammar& g, const Tables& t, const std::string& grammarPa
         << "    reductions, " << g.productions.size() - 1 << ",\n"
         << "    recovery, " << g.recovery.size() << ",\n"
         << "    nonTerminalNames, " << g.nonTerminals.size() - 1 << ",\n"
+        << "    {packedTerminalBase, packedTerminalCheck, packedTerminalCells, " << states << ", " << terminal.width
+        << "},\n"
+        << "    {packedNonTerminalBase, packedNonTerminalCheck, packedNonTerminalCells, " << states << ", "
+        << nonTerminal.width << "},\n"
         << "};\n";
     return out.str();
 }

@@ -160,9 +160,12 @@ mutations() {
 @ runtime/Btree_2.h | B-tree: a position on a boundary belongs to the earlier child
 - if (pos < c) break;
 + if (pos <= c) break;
-@ Generated/ParseTables.cpp | table lookup: the largest symbol of a row is lost
-- width = std::max(width, row.get(row.size() - 1).symbol + 1);
-+ width = std::max(width, row.get(row.size() - 1).symbol);
+@ Generated/ParseTables.h | table lookup: a packed slot answers for whichever row it holds
+- if (data->check[slot] != std::uint32_t(state)) return {0, ActionName::error, 0};
++ if (data->check[slot] == 0xFFFF) return {0, ActionName::error, 0};
+@ tools/lalrgen.cpp | table packing: a row may be placed over the slots of state 0
+- if (slot < p.check.size() && p.check[slot] >= 0) return false;
++ if (slot < p.check.size() && p.check[slot] > 0) return false;
 @ Generated/Parser.cpp | table lookup: runs of bytes with different actions are taken as one
 - if (!action || (any && *action != run->semanticAction)) continue;
 + if (!action) continue;

@@ -14,7 +14,7 @@ extern const ParseTableData bracketParseTables;
 
 namespace {
 
-// The entry of `symbol` in row `state`, by a walk along the row: what the flat tables must give.
+// The entry of `symbol` in row `state`, by a walk along the row: what the packed tables must give.
 ActionTableEntry searchRow(const ActionTable& table, std::int32_t symbol, std::int32_t state) {
     const _eSeq<ActionTableEntry>& row = table.get(state);
     for (int i = 0; i < row.size(); ++i)
@@ -30,10 +30,10 @@ public:
 
     bool equalFields(const BracketParser& other) const { return Parser::equalFields(other); }
     ActionTableEntry terminalAction(std::int32_t state, std::int32_t token) const override {
-        return tables().flatTerminal.find(state, token);
+        return direct().terminal.find(state, token);
     }
     ActionTableEntry nonTerminalAction(std::int32_t state, std::int32_t n) const override {
-        return tables().flatNonTerminal.find(state, n);
+        return direct().nonTerminal.find(state, n);
     }
     ReduceTableEntry reduction(std::int32_t p) const override { return tables().reductions.at(p); }
     void reduceAction(std::int32_t action) override {
@@ -44,6 +44,10 @@ public:
     static const ParseTables& tables() {
         static const ParseTables built = ParseTables::build(bracketParseTables);
         return built;
+    }
+    static const DirectTables& direct() {
+        static const DirectTables tables(bracketParseTables);
+        return tables;
     }
 
     std::vector<std::pair<int, int>> log;  // semantic action, column of its location
@@ -94,23 +98,25 @@ private:
 
 }  // namespace
 
-TEST(ParserSearch, FlatTablesAnswerAsTheRowsDo) {
-    for (const ParseTables* tables : {&XMLParser::tables(), &BracketParser::tables()}) {
+// Every row of both grammars, every symbol and a few beyond: the packed rows overlap, so an
+// entry of one row must never answer for another.
+TEST(ParserSearch, PackedTablesAnswerAsTheRowsDo) {
+    const std::pair<const ParseTables*, const DirectTables*> grammars[] = {
+        {&XMLParser::tables(), &XMLParser::directTables()}, {&BracketParser::tables(), &BracketParser::direct()}};
+    for (const auto& [tables, direct] : grammars) {
         for (int state = -1; state <= tables->terminal.size(); ++state) {
             for (int symbol = -2; symbol < 300; ++symbol) {
                 ActionTableEntry expected = state < 0 || state == tables->terminal.size()
                                                 ? ActionTableEntry{0, ActionName::error, 0}
                                                 : searchRow(tables->terminal, symbol, state);
-                ASSERT_EQ(tables->flatTerminal.find(state, symbol), expected) << state << " " << symbol;
+                ASSERT_EQ(direct->terminal.find(state, symbol), expected) << state << " " << symbol;
                 if (state >= 0 && state < tables->nonTerminal.size()) {
-                    ASSERT_EQ(tables->flatNonTerminal.find(state, symbol), searchRow(tables->nonTerminal, symbol, state))
+                    ASSERT_EQ(direct->nonTerminal.find(state, symbol), searchRow(tables->nonTerminal, symbol, state))
                         << state << " " << symbol;
                 }
             }
         }
-        ASSERT_EQ(int(tables->flatReductions.size()), tables->reductions.size());
-        for (int p = 0; p < tables->reductions.size(); ++p)
-            EXPECT_TRUE(tables->flatReductions[std::size_t(p)] == tables->reductions.get(p));
+        for (int p = 0; p < tables->reductions.size(); ++p) EXPECT_TRUE(direct->reductions[p] == tables->reductions.get(p));
     }
 }
 
