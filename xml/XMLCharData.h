@@ -40,11 +40,7 @@ public:
 
     _eString getText() const { return text.text(); }
     // Appends the text to `out`.
-    void appendTextTo(std::wstring& out) const {
-        std::size_t at = out.size();
-        out.resize(at + std::size_t(text.size()));
-        text.copyTo(out.data() + at);
-    }
+    void appendTextTo(std::wstring& out) const { text.appendTo(out); }
 
 private:
     CompactText text;
