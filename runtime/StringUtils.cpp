@@ -86,9 +86,9 @@ std::wstring_view unitsOf(const _eString& text, std::wstring& scratch) {
 _eString trimSpaces(const _eString& text) {
     int from = 0;
     int to = text.size();
-    // Most texts have nothing to trim: they are handed back as they are.
-    if (to == 0 || (text.get(0) != L' ' && text.get(to - 1) != L' ')) return text;
     while (from < to && text.get(from) == L' ') ++from;
     while (to > from && text.get(to - 1) == L' ') --to;
+    // Most texts have nothing to trim: they are handed back as they are.
+    if (from == 0 && to == text.size()) return text;
     return text.take(to).drop(from);
 }

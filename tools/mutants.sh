@@ -380,8 +380,8 @@ mutations() {
 - key = asked != nullptr ? *asked : answer;
 + key = answer;
 @ runtime/StringUtils.cpp | trimming hands back a text blank at one end as it stands
-- if (to == 0 || (text.get(0) != L' ' && text.get(to - 1) != L' ')) return text;
-+ if (to == 0 || (text.get(0) != L' ' || text.get(to - 1) != L' ')) return text;
+- if (from == 0 && to == text.size()) return text;
++ if (from == 0 || to == text.size()) return text;
 @ output/TarvaneElements.cpp | a comment is never cut at a blank that ends a leaf's run
 - for (std::int32_t i = std::max(at, 3); i < at + length; ++i)
 + for (std::int32_t i = std::max(at, 3); i < at + length - 1; ++i)
