@@ -385,6 +385,12 @@ mutations() {
 @ output/TarvaneElements.cpp | a comment is never cut at a blank that ends a leaf's run
 - for (std::int32_t i = std::max(at, 3); i < at + length; ++i)
 + for (std::int32_t i = std::max(at, 3); i < at + length - 1; ++i)
+@ xml/XMLValues.h | a parameter entity reference adds nothing to an entity value
+- virtual void addPEReference(const _eHndl<XMLPEReference>& reference) { addTextOf(*reference); }
++ virtual void addPEReference(const _eHndl<XMLPEReference>&) {}
+@ xml/XMLReferences.h | a character reference is not cut to 16 bits in a value
+- out.append(&character, 1);
++ out.append(&character, code > 0xFFFF ? 0 : 1);
 EOF
 }
 

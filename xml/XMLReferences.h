@@ -4,9 +4,22 @@
 
 #include <cstdint>
 
+#include "xml/CompactText.h"
 #include "xml/XMLNames.h"
 #include "xml/XMLNode.h"
 #include "xml/XMLTokens.h"
+
+// An unexpanded reference shows as its name between a mark of its kind and this.
+inline constexpr wchar_t referenceMarkEnd[] = L"']]";
+
+// Appends "MARKname']]".
+inline void appendMarkedReference(CompactText& out, std::wstring_view mark, const _eString& name) {
+    out.append(mark.data(), std::int32_t(mark.size()));
+    std::wstring scratch;
+    std::wstring_view units = unitsOf(name, scratch);
+    out.append(units.data(), std::int32_t(units.size()));
+    out.append(referenceMarkEnd, std::int32_t(std::size(referenceMarkEnd) - 1));
+}
 
 class XMLReference : public _eAbstractClass<XMLReference, XMLContentItem> {
 public:
@@ -17,6 +30,9 @@ public:
     bool equalFields(const XMLReference& other) const { return XMLContentItem::equalFields(other); }
 
     virtual _eString referenceText(const _eHndl<Context>& context) const = 0;
+    // Appends the text that `referenceText` gives: no reference's text depends on where it is
+    // read, so a value takes it in as the reference is added.
+    virtual void appendTextTo(CompactText& out) const = 0;
 };
 
 class XMLEntityReference : public _eClass<XMLEntityReference, XMLReference> {
@@ -31,13 +47,14 @@ public:
     }
 
     // "[[EntityRef'name']]"
-    _eString referenceText(const _eHndl<Context>&) const override {
-        return _eString(L"[[EntityRef'") + name + L"']]";
-    }
+    _eString referenceText(const _eHndl<Context>&) const override { return _eString(opening) + name + referenceMarkEnd; }
+    void appendTextTo(CompactText& out) const override { appendMarkedReference(out, opening, name); }
 
     const _eString& getName() const { return name; }
 
 private:
+    static constexpr wchar_t opening[] = L"[[EntityRef'";
+
     _eString name;
 };
 
@@ -54,13 +71,17 @@ public:
     }
 
     // The character of the code, cut to 16 bits.
-    _eString referenceText(const _eHndl<Context>&) const override {
-        return _eString(wchar_t(std::uint32_t(code) & 0xFFFFu));
+    _eString referenceText(const _eHndl<Context>&) const override { return _eString(unit()); }
+    void appendTextTo(CompactText& out) const override {
+        const wchar_t character = unit();
+        out.append(&character, 1);
     }
 
     std::int32_t getCode() const { return code; }
 
 private:
+    wchar_t unit() const { return wchar_t(std::uint32_t(code) & 0xFFFFu); }
+
     std::int32_t code;
 };
 
@@ -74,10 +95,13 @@ public:
     bool equalFields(const XMLPEReference& other) const { return NonTerminal::equalFields(other) && name == other.name; }
 
     // "[[PERef'name']]"
-    _eString text(const _eHndl<Context>&) const { return _eString(L"[[PERef'") + name + L"']]"; }
+    _eString text(const _eHndl<Context>&) const { return _eString(opening) + name + referenceMarkEnd; }
+    void appendTextTo(CompactText& out) const { appendMarkedReference(out, opening, name); }
 
     const _eString& getName() const { return name; }
 
 private:
+    static constexpr wchar_t opening[] = L"[[PERef'";
+
     _eString name;
 };

@@ -1,5 +1,4 @@
-// Entity values and attribute values: lists of characters and references that give their text
-// on demand.
+// Entity values and attribute values: characters and references, held as the text they give.
 #pragma once
 
 #include "xml/CompactText.h"
@@ -8,6 +7,8 @@
 
 class XMLCharValue;
 
+// The elements a value is made of, each giving its text on demand. The parser's values hold
+// that text gathered instead (`_aValueList`), as no element's text depends on where it is read.
 class XMLEntityValueElement : public _eAbstractClass<XMLEntityValueElement, _eAny> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 0};
@@ -62,19 +63,22 @@ private:
     _eHndl<XMLPEReference> reference;
 };
 
-// Entity and attribute values share their shape: characters and references. The characters
-// since the last reference are held together, so that a value without references is its text,
-// and a reference closes the run before it into an element of the list.
+// Entity and attribute values share their shape: characters and references. A reference's
+// text never depends on where it is read: it is taken into the characters as the reference is
+// added, and the value is its text.
 template <class Self>
 class _aValueList : public _eClass<Self, NonTerminal> {
 public:
     using _eClass<Self, NonTerminal>::_eClass;
 
     bool equalFields(const _aValueList& other) const {
-        return NonTerminal::equalFields(other) && elements == other.elements && characters == other.characters;
+        return NonTerminal::equalFields(other) && characters == other.characters;
     }
 
-    virtual void addReference(const _eFrom<XMLReference>& reference) { append(new XMLReferenceValue(reference)); }
+    virtual void addReference(const _eFrom<XMLReference>& reference) {
+        _eFreeze freeze(this);
+        reference->appendTextTo(characters);
+    }
     virtual void addCharacter(const _eHndl<Terminal>& terminal) {
         wchar_t character = terminal->getCharacter();
         addCharacters(&character, 1);
@@ -85,46 +89,27 @@ public:
         characters.append(units, count);
     }
 
-    // The texts of the elements and of the characters after them, in order.
-    virtual _eString text(const _eHndl<Context>& context) const {
-        if (elements.isEmpty()) return characters.text();
-        std::wstring out;
-        _eSeqReader<_eFrom<XMLEntityValueElement>> reader(elements);
-        for (int i = 0, n = elements.size(); i < n; ++i) reader.next()->appendText(out, context);
-        characters.appendTo(out);
-        return _eString(std::wstring_view(out));
-    }
+    // The texts of the characters and references, in order.
+    virtual _eString text(const _eHndl<Context>&) const { return characters.text(); }
 
-    // The characters, where they are the whole value and held in bytes; else null.
-    const CompactText* wholeInBytes() const {
-        return elements.isEmpty() && characters.byteUnits() != nullptr ? &characters : nullptr;
-    }
+    // The text, where it is held in bytes; else null.
+    const CompactText* wholeInBytes() const { return characters.byteUnits() != nullptr ? &characters : nullptr; }
 
 protected:
-    void append(const _eFrom<XMLEntityValueElement>& element) {
+    void addTextOf(const XMLPEReference& reference) {
         _eFreeze freeze(this);
-        if (characters.size() > 0) {
-            characters.fit();
-            elements.pushBack(new XMLCharValue(std::move(characters)));
-        }
-        elements.pushBack(element);
+        reference.appendTextTo(characters);
     }
-    bool hasOnlyCharacters() const { return elements.isEmpty(); }
-    // Once the value is whole: holds short characters as the string kept for them, where
-    // `share` holds, for short values repeat all through a document; gives back the room
-    // gathered beyond other characters, which stay as they were gathered.
-    void settleCharacters(bool share) {
+    // Once the value is whole: holds short text as the string kept for it, for short values
+    // repeat all through a document; gives back the room gathered beyond other text.
+    void settleCharacters() {
         _eFreeze freeze(this);
         constexpr std::int32_t longestShared = 32;
-        if (share)
-            characters.settle<longestShared>(XMLNames::sharedValue);
-        else
-            characters.fit();
+        characters.settle<longestShared>(XMLNames::sharedValue);
     }
 
 private:
-    _eSeq<_eFrom<XMLEntityValueElement>> elements;  // up to the last reference
-    CompactText characters;                         // after it
+    CompactText characters;
 };
 
 class XMLEntityValue : public _aValueList<XMLEntityValue> {
@@ -132,7 +117,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 13};
     using _aValueList::_aValueList;
 
-    virtual void addPEReference(const _eHndl<XMLPEReference>& reference) { append(new XMLPEReferenceValue(reference)); }
+    virtual void addPEReference(const _eHndl<XMLPEReference>& reference) { addTextOf(*reference); }
 };
 
 class XMLAttributeValue : public _aValueList<XMLAttributeValue> {
@@ -140,7 +125,7 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 17};
     using _aValueList::_aValueList;
 
-    // Once the value is whole: holds the string that other values of the same characters hold,
-    // when the value is short and has no reference: short values repeat all through a document.
-    void shareElements() { settleCharacters(hasOnlyCharacters()); }
+    // Once the value is whole: holds the string that other values of the same text hold, when
+    // the value is short: short values repeat all through a document.
+    void shareElements() { settleCharacters(); }
 };

@@ -184,3 +184,43 @@ TEST(XMLNodes, AttributeValuesKeepCharactersAroundReferencesWhole) {
               value({L"public"}, false)->text(noContext()).rootNode());
     EXPECT_FALSE(value({prose}, false)->isEqual(value({prose + L"."}, false).get()));
 }
+
+// A value gives the texts of its references where they stand, of every kind, in an entity
+// value and in an attribute value: the characters of character references (cut to 16 bits,
+// above a byte too), the placeholders of the others. A short value with references is the
+// same text, and shares the same string, as the value of its characters alone.
+TEST(XMLNodes, ValuesGiveTheirReferencesTextsInPlace) {
+    auto name = [](const std::wstring& text) {
+        _eHndl<XMLString> made(new XMLString(ch(text[0])));
+        made->appendCharacters(text.data() + 1, std::int32_t(text.size() - 1));
+        return made;
+    };
+    _eHndl<XMLEntityValue> entity(new XMLEntityValue(at(1)));
+    entity->addCharacters(L"v", 1);
+    entity->addReference(new XMLCharReference(at(2), number(L"65", false)));
+    entity->addPEReference(new XMLPEReference(at(3), name(L"pe")));
+    entity->addReference(new XMLEntityReference(at(4), name(L"e")));
+    entity->addCharacters(L"w", 1);
+    EXPECT_EQ(toWString(entity->text(noContext())), L"vA[[PERef'pe']][[EntityRef'e']]w");
+
+    _eHndl<XMLAttributeValue> wide(new XMLAttributeValue(at(1)));
+    wide->addCharacters(L"caf", 3);
+    wide->addReference(new XMLCharReference(at(2), 0xE9));
+    wide->addReference(new XMLCharReference(at(3), 0x1F600));
+    wide->addCharacters(L" s", 2);
+    wide->shareElements();
+    EXPECT_EQ(toWString(wide->text(noContext())), std::wstring(L"caf\u00e9") + wchar_t(0xF600) + L" s");
+
+    const std::wstring written = L"a[[EntityRef'amp']]<";
+    _eHndl<XMLAttributeValue> referring(new XMLAttributeValue(at(1))), plain(new XMLAttributeValue(at(1)));
+    referring->addCharacters(L"a", 1);
+    referring->addReference(new XMLEntityReference(at(2), name(L"amp")));
+    referring->addReference(new XMLCharReference(at(3), 60));
+    plain->addCharacters(written.data(), std::int32_t(written.size()));
+    for (XMLAttributeValue* value : {referring.get(), plain.get()}) value->shareElements();
+    EXPECT_EQ(toWString(referring->text(noContext())), written);
+    EXPECT_TRUE(referring->isEqual(plain.get()));
+    if (!XMLNames::sharedValue(written).isEmpty()) {
+        EXPECT_EQ(referring->text(noContext()).rootNode(), plain->text(noContext()).rootNode());
+    }
+}
