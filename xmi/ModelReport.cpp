@@ -1,6 +1,5 @@
 #include "xmi/ModelReport.h"
 
-#include <map>
 #include <variant>
 
 #include "runtime/StringUtils.h"
@@ -53,9 +52,9 @@ void ModelReport::addCarried(const ClassRecord& record, std::unordered_set<std::
 std::vector<ReportKind> ModelReport::elementsLeftOut(const XMLElement& root, const ModelReader& reader,
                                                      const std::unordered_set<std::wstring>& carried) {
     std::vector<ReportKind> kinds;
-    std::map<std::wstring, std::size_t> byMetaclass;
+    StringMap<std::size_t> byMetaclass;
     for (const LeftOutKind& kind : leftOutKinds()) {
-        for (const wchar_t* metaclass : kind.metaclasses) byMetaclass.emplace(metaclass, kinds.size());
+        for (const wchar_t* metaclass : kind.metaclasses) byMetaclass.emplace(_eString(metaclass), kinds.size());
         kinds.push_back({kind.title, {}});
     }
     walkTree(
@@ -63,7 +62,7 @@ std::vector<ReportKind> ModelReport::elementsLeftOut(const XMLElement& root, con
         [&](const XMLElement& element) {
             bool descend = true;
             _eString metaclass = reader.definedKind(element, descend);
-            auto at = metaclass.isEmpty() ? byMetaclass.end() : byMetaclass.find(toWString(metaclass));
+            auto at = metaclass.isEmpty() ? byMetaclass.end() : byMetaclass.find(metaclass);
             if (at != byMetaclass.end() && (carried.empty() || !carried.count(toWString(reader.elementId(element))))) {
                 NameRecord name = reader.readName(element);
                 kinds[at->second].items.push_back(
