@@ -41,6 +41,15 @@ T* firstToChange(ParseStack& stack) {
     return static_cast<T*>(stack.peekToChange(0).value.uniquePointer());
 }
 
+// The string kept for a name of `count` bytes read whole: its units are widened on the stack
+// and looked up, with no object of its own for the name.
+_eString sharedName(const unsigned char* bytes, std::int32_t count) {
+    if (count > XMLNames::longest) return XMLNames::shared(std::wstring(bytes, bytes + count));
+    wchar_t units[XMLNames::longest];
+    std::copy(bytes, bytes + count, units);
+    return XMLNames::shared(std::wstring_view(units, std::size_t(count)));
+}
+
 }  // namespace
 
 // The semantic actions: each builds a node of the tree from the popped right-hand side, or adds
@@ -164,13 +173,13 @@ void XMLParser::takeAttribute(XMLLex& lexer) {
 
     // What the reductions of its tokens would make, in the same order, at the same places.
     _eFreeze freeze(this);
-    _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes, equals));
+    const Position at = lexer.take(1);
     _eHndl<XMLAttributeValue> value(new XMLAttributeValue(lexer.take(equals + 1)));
     std::int32_t length = close - equals - 2;
     if (length > 0) value->addCharacters(bytes + equals + 2, length);
     lexer.take(length + 1);
     value->shareElements();
-    _eHndl<XMLAttribute> attribute(new XMLAttribute(name, value));
+    _eHndl<XMLAttribute> attribute(new XMLAttribute(at, sharedName(bytes, equals), value));
     // The blank before it goes, and the attribute list below it is on top again.
     state = stack.peek(-1).state;
     stack.pop(1);
@@ -191,10 +200,8 @@ bool XMLParser::takeEndTag(XMLLex& lexer) {
     // (where its "<" is), the element, and the content with the element added.
     _eFreeze freeze(this);
     const Position open = stack.peek(-1).value->getPosition();
-    lexer.take(1);
-    _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes + 1, length));
-    lexer.take(length);  // the rest of the name and the ">"
-    _eHndl<XMLETag> endTag(new XMLETag(open, name));
+    lexer.take(length + 2);  // the "/", the name and the ">"
+    _eHndl<XMLETag> endTag(new XMLETag(open, sharedName(bytes + 1, length)));
     _eFrom<XMLElement> element = ElementCreation::createElement(
         _eHndl<XMLSTag>(static_cast<XMLSTag*>(stack.peek(-3).value.get())),
         _eHndl<XMLcontent>(static_cast<XMLcontent*>(stack.peek(-2).value.get())), endTag, naming);

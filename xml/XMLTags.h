@@ -13,7 +13,10 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 11};
 
     XMLAttribute(const _eHndl<XMLString>& name, const _eHndl<XMLAttributeValue>& value)
-        : _eClass(name->getPosition()), name(XMLNames::shared(name->units())), value(value) {}
+        : XMLAttribute(name->getPosition(), XMLNames::shared(name->units()), value) {}
+    // The same for a name read whole: `name` is the string kept for it, its first unit at `position`.
+    XMLAttribute(const Position& position, const _eString& name, const _eHndl<XMLAttributeValue>& value)
+        : _eClass(position), name(name), value(value) {}
 
     bool equalFields(const XMLAttribute& other) const {
         return NonTerminal::equalFields(other) && name == other.name && value == other.value;
@@ -67,7 +70,10 @@ template <class Self>
 class _aTag : public _eClass<Self, NonTerminal> {
 public:
     _aTag(const Position& position, const _eHndl<XMLString>& name, const _eHndl<XMLAttributeList>& attributes)
-        : _eClass<Self, NonTerminal>(position), name(XMLNames::shared(name->units())), attributes(attributes) {}
+        : _aTag(position, XMLNames::shared(name->units()), attributes) {}
+    // The same for a name read whole: `name` is the string kept for it.
+    _aTag(const Position& position, const _eString& name, const _eHndl<XMLAttributeList>& attributes)
+        : _eClass<Self, NonTerminal>(position), name(name), attributes(attributes) {}
 
     bool equalFields(const _aTag& other) const {
         return NonTerminal::equalFields(other) && name == other.name && attributes == other.attributes;
@@ -97,4 +103,5 @@ class XMLETag : public _aTag<XMLETag> {
 public:
     static constexpr _aTypeSlot _aType{&_aModule16, 10};
     XMLETag(const Position& position, const _eHndl<XMLString>& name) : _aTag(position, name, {}) {}
+    XMLETag(const Position& position, const _eString& name) : _aTag(position, name, {}) {}
 };
