@@ -16,10 +16,6 @@ public:
     // The context belongs to the fixed shape of value texts: every caller hands one on, and no
     // value reads it.
     virtual _eString text(const _eHndl<Context>& context) const = 0;
-    // Appends the text to `out`: a value is gathered element after element in one buffer.
-    virtual void appendText(std::wstring& out, const _eHndl<Context>& context) const {
-        appendUnits(out, text(context));
-    }
 };
 
 class XMLCharValue : public _eClass<XMLCharValue, XMLEntityValueElement> {
@@ -31,7 +27,6 @@ public:
 
     bool equalFields(const XMLCharValue& other) const { return characters == other.characters; }
     _eString text(const _eHndl<Context>&) const override { return characters.text(); }
-    void appendText(std::wstring& out, const _eHndl<Context>&) const override { characters.appendTo(out); }
 
 private:
     CompactText characters;
@@ -75,10 +70,7 @@ public:
         return NonTerminal::equalFields(other) && characters == other.characters;
     }
 
-    virtual void addReference(const _eFrom<XMLReference>& reference) {
-        _eFreeze freeze(this);
-        reference->appendTextTo(characters);
-    }
+    virtual void addReference(const _eFrom<XMLReference>& reference) { addTextOf(*reference); }
     virtual void addCharacter(const _eHndl<Terminal>& terminal) {
         wchar_t character = terminal->getCharacter();
         addCharacters(&character, 1);
@@ -96,7 +88,9 @@ public:
     const CompactText* wholeInBytes() const { return characters.byteUnits() != nullptr ? &characters : nullptr; }
 
 protected:
-    void addTextOf(const XMLPEReference& reference) {
+    // Takes in the text of a reference of either kind.
+    template <class Reference>
+    void addTextOf(const Reference& reference) {
         _eFreeze freeze(this);
         reference.appendTextTo(characters);
     }
