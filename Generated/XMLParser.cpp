@@ -115,7 +115,9 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
         case A::newNumber: result(new XMLNumber(symbol<T>(stack, 1))); break;
         case A::decimalDigit: firstToChange<XMLNumber>(stack)->addDigit(symbol<T>(stack, 2), false); break;
         case A::hexDigit: firstToChange<XMLNumber>(stack)->addDigit(symbol<T>(stack, 2), true); break;
-        case A::entityReference: result(entityReference(at, symbol<XMLString>(stack, 2)).get()); break;
+        case A::entityReference:
+            result(entityReference(at, XMLNames::shared(symbol<XMLString>(stack, 2)->units())).get());
+            break;
         case A::peReference: result(new XMLPEReference(at, symbol<XMLString>(stack, 2))); break;
         default:
             if (semanticAction < 0 || semanticAction > 89) raiseNoChoice(_xPlaces::parserNoAction);
@@ -240,9 +242,8 @@ bool XMLParser::takeReference(XMLLex& lexer) {
     } else {
         std::int32_t length = nameLength(can->first, can->rest, bytes, count);
         if (length == 0 || length >= count || bytes[length] != ';') return false;
-        _eHndl<XMLString> name(new XMLString(lexer.take(1), bytes, length));
-        lexer.take(length);  // the rest of the name and the ";"
-        reference = entityReference(open, name);
+        lexer.take(length + 1);  // the name and the ";"
+        reference = entityReference(open, sharedName(bytes, length));
     }
     // The "&" goes, and the value below it is on top again.
     state = can->state;
@@ -587,20 +588,20 @@ void XMLParser::appendRun(std::int32_t semanticAction, StackValue& value, const 
 namespace {
 
 // The character of a predefined entity; 0 for any other name.
-std::int32_t predefinedEntity(std::wstring_view name) {
+std::int32_t predefinedEntity(const _eString& name) {
     static const std::pair<const wchar_t*, std::int32_t> entities[] = {
         {L"amp", '&'}, {L"lt", '<'}, {L"gt", '>'}, {L"quot", '"'}, {L"apos", '\''}};
     for (const auto& [entity, code] : entities)
-        if (name == entity) return code;
+        if (textIs(name, entity)) return code;
     return 0;
 }
 
 }  // namespace
 
-_eFrom<NonTerminal> XMLParser::entityReference(const Position& at, const _eHndl<XMLString>& name) const {
+_eFrom<NonTerminal> XMLParser::entityReference(const Position& at, const _eString& sharedName) const {
     if (extensions.decodeReferences)
-        if (std::int32_t code = predefinedEntity(name->units())) return new XMLCharReference(at, code);
-    return new XMLEntityReference(at, name);
+        if (std::int32_t code = predefinedEntity(sharedName)) return new XMLCharReference(at, code);
+    return new XMLEntityReference(at, sharedName);
 }
 
 _eFrom<XMLContentItem> XMLParser::contentItem(const _eFrom<XMLContentItem>& item) const {

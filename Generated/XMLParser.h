@@ -173,7 +173,7 @@ private:
 
     // A predefined entity's reference as the character it stands for, in attribute values, and
     // a character reference in content as character data, when that is asked for.
-    _eFrom<NonTerminal> entityReference(const Position& at, const _eHndl<XMLString>& name) const;
+    _eFrom<NonTerminal> entityReference(const Position& at, const _eString& sharedName) const;
     _eFrom<XMLContentItem> contentItem(const _eFrom<XMLContentItem>& item) const;
 
     // Where following a byte, or the bytes of a text, leads from a configuration, and the

@@ -40,7 +40,9 @@ public:
     static constexpr _aTypeSlot _aType{&_aModule16, 15};
 
     XMLEntityReference(const Position& position, const _eHndl<XMLString>& name)
-        : _eClass(position), name(XMLNames::shared(name->units())) {}
+        : XMLEntityReference(position, XMLNames::shared(name->units())) {}
+    // `sharedName` is the string kept among the shared names.
+    XMLEntityReference(const Position& position, const _eString& sharedName) : _eClass(position), name(sharedName) {}
 
     bool equalFields(const XMLEntityReference& other) const {
         return XMLReference::equalFields(other) && name == other.name;
