@@ -178,9 +178,8 @@ void XMLParser::takeAttribute(XMLLex& lexer) {
     const Position at = lexer.take(1);
     _eHndl<XMLAttributeValue> value(new XMLAttributeValue(lexer.take(equals + 1)));
     std::int32_t length = close - equals - 2;
-    if (length > 0) value->addCharacters(bytes + equals + 2, length);
+    value->shareElements(bytes + equals + 2, length);
     lexer.take(length + 1);
-    value->shareElements();
     _eHndl<XMLAttribute> attribute(new XMLAttribute(at, sharedName(bytes, equals), value));
     // The blank before it goes, and the attribute list below it is on top again.
     state = stack.peek(-1).state;

@@ -179,8 +179,8 @@ mutations() {
 - if (!whole.ok || !end.ok || end.at != done || whole.ran != expected) return nullptr;
 + if (!whole.ok || !end.ok) return nullptr;
 @ Generated/XMLParser.cpp | attributes read whole: a value loses its last byte
-- if (length > 0) value->addCharacters(bytes + equals + 2, length);
-+ if (length > 0) value->addCharacters(bytes + equals + 2, length - 1);
+- value->shareElements(bytes + equals + 2, length);
++ value->shareElements(bytes + equals + 2, length > 0 ? length - 1 : 0);
 @ Generated/XMLParser.cpp | attributes read whole: the blank's state stays
 - state = stack.peek(-1).state;
 + state = stack.peek(-2).state;
@@ -359,8 +359,11 @@ mutations() {
 - appendWidened(wide(), units, std::uint32_t(count));
 + (void)wide();
 @ xml/CompactText.h | a short text given no string is held as the empty one
-- if (made.isEmpty())
-+ if (false)
+- if (made.isEmpty()) return false;
++ if (false) return false;
+@ xml/CompactText.h | a short value made from its units at once is never kept as a shared string
+- if (holdMade(widened, count, make)) return;
++ if (count < 0 && holdMade(widened, count, make)) return;
 @ xml/XMLNames.cpp | the table of short texts makes strings past its room
 - return lookUpUnits(kept, text, nullptr, [&] { return int(kept.kept.size()) < capacity ? _eString(text) : _eString(); });
 + return lookUpUnits(kept, text, nullptr, [&] { return _eString(text); });

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
@@ -32,17 +33,24 @@ public:
     template <std::int32_t longest, class Make>
     void settle(Make make) {
         std::int32_t count = size();
-        if (count == 0 || count > longest) {
-            fit();
-            return;
+        if (count > 0 && count <= longest) {
+            wchar_t units[longest];
+            copyTo(units);
+            if (holdMade(units, count, make)) return;
         }
-        wchar_t units[longest];
-        copyTo(units);
-        _eString made = make(std::wstring_view(units, std::size_t(count)));
-        if (made.isEmpty())
-            fit();
-        else
-            holdString(made);
+        fit();
+    }
+    // On an empty text, the same as `append` of the units, then `settle`: the units of a short
+    // text are looked up as they stand, without a block to gather them in.
+    template <std::int32_t longest, class Make>
+    void settleFrom(const unsigned char* units, std::int32_t count, Make make) {
+        if (count > 0 && count <= longest) {
+            wchar_t widened[longest];
+            std::copy(units, units + count, widened);
+            if (holdMade(widened, count, make)) return;
+        }
+        append(units, count);
+        fit();
     }
 
     // The units where the text is held in bytes (`size()` of them), else null.
@@ -92,6 +100,14 @@ private:
     void holdBytes(Bytes* held);
     // Holds `text` from now on, in place of the string or of the bytes before.
     void holdString(const _eString& text);
+    // Holds the string `make` gives for the units, if it gives one (not the empty string).
+    template <class Make>
+    bool holdMade(const wchar_t* units, std::int32_t count, Make make) {
+        _eString made = make(std::wstring_view(units, std::size_t(count)));
+        if (made.isEmpty()) return false;
+        holdString(made);
+        return true;
+    }
 
     // The bytes held (none yet: a new block), with room for `more` after them.
     Bytes* roomFor(std::uint32_t more);

@@ -98,11 +98,17 @@ protected:
     // repeat all through a document; gives back the room gathered beyond other text.
     void settleCharacters() {
         _eFreeze freeze(this);
-        constexpr std::int32_t longestShared = 32;
         characters.settle<longestShared>(XMLNames::sharedValue);
+    }
+    // On a value with nothing in it yet: its characters, then `settleCharacters`.
+    void settleCharacters(const unsigned char* units, std::int32_t count) {
+        _eFreeze freeze(this);
+        characters.settleFrom<longestShared>(units, count, XMLNames::sharedValue);
     }
 
 private:
+    static constexpr std::int32_t longestShared = 32;
+
     CompactText characters;
 };
 
@@ -122,4 +128,6 @@ public:
     // Once the value is whole: holds the string that other values of the same text hold, when
     // the value is short: short values repeat all through a document.
     void shareElements() { settleCharacters(); }
+    // On a value with nothing in it yet, the same as adding the units, then `shareElements`.
+    void shareElements(const unsigned char* units, std::int32_t count) { settleCharacters(units, count); }
 };

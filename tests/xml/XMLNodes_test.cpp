@@ -224,3 +224,25 @@ TEST(XMLNodes, ValuesGiveTheirReferencesTextsInPlace) {
         EXPECT_EQ(referring->text(noContext()).rootNode(), plain->text(noContext()).rootNode());
     }
 }
+
+// A value made whole from its units at once holds what one made unit by unit holds: a short
+// text as the string kept for it, a long one in bytes.
+TEST(XMLNodes, ValuesMadeFromTheirUnitsSettleAsValuesAddedTo) {
+    const std::string bytes = "caf\xE9 " + std::string(60, 'x');
+    for (std::size_t count : {0, 1, 5, 32, 33, 65}) {
+        SCOPED_TRACE(count);
+        const auto* units = reinterpret_cast<const unsigned char*>(bytes.data());
+        _eHndl<XMLAttributeValue> whole(new XMLAttributeValue(at(1))), added(new XMLAttributeValue(at(1)));
+        whole->shareElements(units, std::int32_t(count));
+        added->addCharacters(units, std::int32_t(count));
+        added->shareElements();
+        EXPECT_TRUE(whole->isEqual(added.get()));
+        std::wstring text(units, units + count);
+        EXPECT_EQ(toWString(whole->text(noContext())), text);
+        bool shared = count > 0 && count <= 32 && !XMLNames::sharedValue(text).isEmpty();
+        EXPECT_EQ(whole->wholeInBytes() != nullptr, count > 32);
+        if (shared) {
+            EXPECT_EQ(whole->text(noContext()).rootNode(), added->text(noContext()).rootNode());
+        }
+    }
+}
