@@ -361,6 +361,9 @@ mutations() {
 @ xml/CompactText.h | a short text given no string is held as the empty one
 - if (made.isEmpty()) return false;
 + if (false) return false;
+@ xmi/XMLElement.cpp | an element is made by the maker of the last tag in its slot, whatever its name
+- if (slot.maker == nullptr || slot.canonical.rootNode() != canonical.rootNode()) {
++ if (slot.maker == nullptr) {
 @ xml/CompactText.h | a short value made from its units at once is never kept as a shared string
 - if (holdMade(widened, count, make)) return;
 + if (count < 0 && holdMade(widened, count, make)) return;

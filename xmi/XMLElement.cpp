@@ -1,5 +1,6 @@
 #include "xmi/XMLElement.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <typeinfo>
@@ -280,12 +281,24 @@ _eFrom<XMLElement> elementOfTag(const _eString& canonical, const Parts&... parts
         m.emplace(L"UML:Operation", make(static_cast<FCOperationElement*>(nullptr)));
         m.emplace(L"UML:Association", make(static_cast<FCAssociationElement*>(nullptr)));
         m.emplace(L"UML:Generalization", make(static_cast<FCGeneralizationElement*>(nullptr)));
+        m.emplace(L"", make(static_cast<UnrecognisedElement*>(nullptr)));  // for any other name
         return m;
     }();
-    std::wstring scratch;
-    auto found = classes.find(unitsOf(canonical, scratch));
-    if (found == classes.end()) return new UnrecognisedElement(parts...);
-    return found->second(parts...);
+    // The makers last found, by the node that holds the name: canonical names are kept strings,
+    // so a tag met again is found by one comparison of addresses. A slot holds its name, so
+    // that the node stays what it was.
+    struct Recent {
+        _eString canonical;
+        Maker maker = nullptr;
+    };
+    static Recent recent[32];
+    Recent& slot = recent[(reinterpret_cast<std::uintptr_t>(canonical.rootNode()) >> 5) & 31];
+    if (slot.maker == nullptr || slot.canonical.rootNode() != canonical.rootNode()) {
+        std::wstring scratch;
+        auto found = classes.find(unitsOf(canonical, scratch));
+        slot = {canonical, (found != classes.end() ? found : classes.find(std::wstring_view()))->second};
+    }
+    return slot.maker(parts...);
 }
 
 // The start tag refers to an element ("xmi.idref") rather than defining one.
