@@ -51,7 +51,7 @@ std::int32_t Location::tabStopAfter(std::int32_t column, std::int32_t width) {
     return c + 1 - remainder;
 }
 
-void Location::passAll(wchar_t character, const unsigned char* bytes, std::int32_t count, std::int32_t tabWidth) {
+void Location::passAny(wchar_t character, const unsigned char* bytes, std::int32_t count, std::int32_t tabWidth) {
     pass(character, tabWidth);
     const unsigned char* end = bytes + count;
     // Only the bytes behind the last line end move the column; they count one each, but tabs.

@@ -54,13 +54,27 @@ public:
     }
 
     // Past `character` and then past each of `count` bytes, as `pass` for each in turn.
-    void passAll(wchar_t character, const unsigned char* bytes, std::int32_t count, std::int32_t tabWidth);
+    void passAll(wchar_t character, const unsigned char* bytes, std::int32_t count, std::int32_t tabWidth) {
+        // Most are a few bytes within a line, without tabs: each moves the column by one.
+        constexpr std::int32_t few = 32;
+        if (count <= few && character != 9 && character != 10) {
+            bool plain = true;
+            for (std::int32_t i = 0; i < count; ++i) plain &= bytes[i] != 9 && bytes[i] != 10;
+            if (plain) {
+                column += count + 1;
+                return;
+            }
+        }
+        passAny(character, bytes, count, tabWidth);
+    }
 
     std::int32_t getLine() const { return line; }
     std::int32_t getColumn() const { return column; }
     const _eHndl<FileName>& getFile() const { return file; }
 
 private:
+    // `passAll` for bytes of any kind and number.
+    void passAny(wchar_t character, const unsigned char* bytes, std::int32_t count, std::int32_t tabWidth);
     static std::int32_t tabStopAfter(std::int32_t column, std::int32_t width);
 
     std::int32_t line = 0;
