@@ -202,7 +202,8 @@ _eString Xmi1Reader::definedKind(const XMLElement& element, bool& descend) const
     static const _eString uml = L"UML:";
     if (!element.getName().startsWith(uml) || !element.hasAttribute(L"xmi.id") || element.hasAttribute(L"xmi.idref"))
         return {};
-    return element.getName().drop(uml.size());
+    // What follows "UML:", the string kept for it.
+    return XmiNames::local(element.getName());
 }
 
 bool Xmi1Reader::isPackage(const XMLElement& element) const {
