@@ -3,8 +3,8 @@
 // a unit is a quarter of what a string of it holds.
 #pragma once
 
-#include <cstdint>
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <string>
