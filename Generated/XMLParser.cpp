@@ -133,7 +133,7 @@ void XMLParser::takeWhole(XMLLex& lexer, std::int32_t code, bool stopAtLineEnd) 
     } else if (code == '/') {
         takeName(lexer);
     } else if (code == '<') {
-        closed = takeEndTag(lexer);
+        closed = takeEndTag(lexer) || takeTag(lexer);
         if (!closed) takeName(lexer);
     } else if (code == '&') {
         closed = takeReference(lexer);
@@ -209,6 +209,89 @@ bool XMLParser::takeEndTag(XMLLex& lexer) {
     // The "<", the element's content and its start tag go; the content around it is on top.
     state = can->state;
     stack.pop(3);
+    stack.trim();
+    static_cast<XMLcontent*>(stack.peekToChange(-1).value.uniquePointer())->addItem(element);
+    return true;
+}
+
+namespace {
+
+// Where an attribute of a tag read whole stands among the bytes read ahead.
+struct AttributeSpan {
+    std::int32_t name;    // its first byte
+    std::int32_t equals;  // the "=" after its name; the quote follows
+    std::int32_t close;   // the closing quote
+};
+
+}  // namespace
+
+bool XMLParser::takeTag(XMLLex& lexer) {
+    const TagBytes* can = tagBytes();
+    if (can == nullptr) return false;
+    const unsigned char* bytes = nullptr;
+    std::int32_t count = lexer.ahead(bytes);
+    const std::int32_t nameEnd = nameLength(can->first, can->rest, bytes, count);
+    if (nameEnd == 0) return false;
+
+    // The whole tag is looked at before anything is taken, so that a tag left to the tokens
+    // leaves the parse as it found it.
+    constexpr int room = 32;
+    AttributeSpan spans[room];
+    int attributes = 0;
+    std::int32_t at = nameEnd;
+    for (;;) {
+        const bool blank = at < count && can->blank[bytes[at]];
+        if (blank) ++at;
+        if (at + 1 >= count) return false;
+        if (bytes[at] == '>' || (bytes[at] == '/' && bytes[at + 1] == '>')) break;
+        if (!blank || attributes == room) return false;
+        std::int32_t equals = at + nameLength(can->attributeFirst, can->attributeRest, bytes + at, count - at);
+        if (equals == at || equals + 1 >= count || bytes[equals] != '=') return false;
+        unsigned char quote = bytes[equals + 1];
+        if (quote != '"' && quote != '\'') return false;
+        const ByteSet& inValue = can->value[quote == '\'' ? 1 : 0];
+        std::int32_t close = equals + 2;
+        while (close < count && inValue[bytes[close]]) ++close;
+        if (close >= count || bytes[close] != quote) return false;
+        spans[attributes++] = {at, equals, close};
+        at = close + 1;
+    }
+    const bool empty = bytes[at] == '/';
+    const std::int32_t end = empty ? at + 1 : at;
+
+    // What the reductions of its tokens would make, in the same order, at the same places: the
+    // attribute list where the name ends, each attribute added to it, and the tag where its "<"
+    // is; an empty-element tag's element added to the content around it.
+    _eFreeze freeze(this);
+    std::int32_t taken = 0;
+    auto through = [&lexer, &taken](std::int32_t last) -> const Position& {
+        const Position& place = lexer.take(last + 1 - taken);
+        taken = last + 1;
+        return place;
+    };
+    const Position open = stack.peek(-1).value->getPosition();
+    const _eString name = sharedName(bytes, nameEnd);
+    _eHndl<XMLAttributeList> list(new XMLAttributeList(through(nameEnd)));
+    for (int k = 0; k < attributes; ++k) {
+        const AttributeSpan& span = spans[k];
+        const Position attributeAt = through(span.name);
+        _eHndl<XMLAttributeValue> value(new XMLAttributeValue(through(span.equals + 1)));
+        value->shareElements(bytes + span.equals + 2, span.close - span.equals - 2);
+        list->addAttribute(new XMLAttribute(attributeAt, sharedName(bytes + span.name, span.equals - span.name), value));
+    }
+    if (taken <= end) through(end);
+    noteTag(name);
+    if (!empty) {
+        // The tag stands where the "<" stood.
+        stack.peekToChange(-1).value = new XMLSTag(open, name, list);
+        state = can->startState;
+        return true;
+    }
+    _eFrom<XMLElement> element =
+        ElementCreation::createEmptyElement(new XMLEmptyElemTag(open, name, list), naming, extensions.everyForm);
+    // The "<" goes, and the content around the element is on top again, with the element added.
+    state = can->emptyState;
+    stack.pop(1);
     stack.trim();
     static_cast<XMLcontent*>(stack.peekToChange(-1).value.uniquePointer())->addItem(element);
     return true;
@@ -471,6 +554,94 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(c
     return bytes;
 }
 
+const XMLParser::TagBytes* XMLParser::learnTagBytes(const Below<2>& below) {
+    return knownTags.add(state, below,
+                         foundOnce<TagBytes>(std::pair{state, below}, [&] { return findTagBytes(below); }));
+}
+
+// A tag is read whole only where the tables, followed from where the parse stands (the "<" on
+// top, over the content under it), take it as a start tag left on top in one state, or as an
+// empty-element tag whose element is added to that content, left on top in another: its tokens
+// run the actions that build the name, the attribute list, each attribute and the tag, in this
+// order, and for an empty-element tag the element and its addition to the content. Checked for
+// names of one to three bytes, none to two attributes with values of none to two bytes, a blank
+// before each and perhaps before the end, with bytes that run again to the same states, as for
+// an attribute.
+std::shared_ptr<const XMLParser::TagBytes> XMLParser::findTagBytes(const Below<2>& below) const {
+    namespace A = SemanticAction;
+    const Configuration start{{below[1], below[0]}, state};
+    auto name = [](std::vector<std::int32_t>& ran, std::string& text, int length) {
+        text += 'a' + std::string(std::size_t(length - 1), 'b');
+        ran.push_back(A::newString);
+        ran.insert(ran.end(), std::size_t(length - 1), A::appendToString);
+    };
+    struct Attribute {
+        int nameLength, valueLength;
+        char quote;
+    };
+    const std::vector<std::vector<Attribute>> lists = {{}, {{1, 0, '"'}}, {{2, 1, '\''}, {3, 2, '"'}}};
+    std::optional<Configuration> started, emptied;
+    for (int nameLength = 1; nameLength <= 3; ++nameLength)
+        for (const std::vector<Attribute>& list : lists)
+            for (bool trailing : {false, true})
+                for (bool empty : {false, true}) {
+                    std::string text;
+                    std::vector<std::int32_t> expected;
+                    name(expected, text, nameLength);
+                    expected.push_back(A::newAttributeList);
+                    for (const Attribute& attribute : list) {
+                        text += ' ';
+                        name(expected, text, attribute.nameLength);
+                        text += std::string{'=', attribute.quote} + std::string(std::size_t(attribute.valueLength), 'v') + attribute.quote;
+                        expected.push_back(A::newAttributeValue);
+                        expected.insert(expected.end(), std::size_t(attribute.valueLength), A::attributeValueCharacter);
+                        expected.insert(expected.end(), {A::newAttribute, A::addAttribute});
+                    }
+                    if (trailing) text += ' ';
+                    text += empty ? "/>" : ">";
+                    if (empty)
+                        expected.insert(expected.end(),
+                                        {trailing ? A::emptyTagWithSpace : A::emptyTag, A::emptyElement, A::contentElement});
+                    else
+                        expected.push_back(trailing ? A::startTagWithSpace : A::startTag);
+                    const Step whole = followText(start, text);
+                    std::optional<Configuration>& done = empty ? emptied : started;
+                    if (!done) done = whole.at;
+                    const std::vector<std::int32_t> left = empty ? std::vector{below[1]} : start.below;
+                    if (!whole.ok || whole.at != *done || whole.at.below != left || whole.ran != expected)
+                        return nullptr;
+                }
+    auto bytes = std::make_shared<TagBytes>();
+    if (!nameBytesAfter(start, "", bytes->first, bytes->rest)) return nullptr;
+    bytes->blank.fill(true);
+    bytes->attributeFirst.fill(true);
+    bytes->attributeRest.fill(true);
+    bytes->value[0].fill(true);
+    bytes->value[1].fill(true);
+    const char quotes[2] = {'"', '\''};
+    // The same bytes where the first attribute stands and where a later one does.
+    for (const std::string& before : {std::string("a"), std::string("a b='v'")}) {
+        ByteSet first{}, rest{};
+        if (!nameBytesAfter(start, before + " ", first, rest) ||
+            followText(start, before + " c=").at != followText(start, before + " cd=").at)
+            return nullptr;
+        bytes->attributeFirst = both(bytes->attributeFirst, first);
+        bytes->attributeRest = both(bytes->attributeRest, rest);
+        bytes->blank = both(bytes->blank, bytesLike(followText(start, before).at, ' '));
+        for (int k = 0; k < 2; ++k) {
+            const std::string open = before + " c=" + quotes[k];
+            Configuration none = followText(start, open).at, some = followText(start, open + "v").at;
+            if (followByte(some, 'v').at != some) return nullptr;
+            bytes->value[k] = both(bytes->value[k], both(bytesLike(none, 'v'), bytesLike(some, 'v')));
+        }
+    }
+    // A line end is a token of its own, for the progress shown by line.
+    bytes->blank[10] = bytes->value[0][10] = bytes->value[1][10] = false;
+    bytes->startState = started->state;
+    bytes->emptyState = emptied->state;
+    return bytes;
+}
+
 const XMLParser::EndTagBytes* XMLParser::learnEndTagBytes(const Below<4>& below) {
     return knownEndTags.add(state, below,
                             foundOnce<EndTagBytes>(std::pair{state, below}, [&] { return findEndTagBytes(below); }));
@@ -613,6 +784,12 @@ _eFrom<XMLContentItem> XMLParser::contentItem(const _eFrom<XMLContentItem>& item
     data->appendCharacters(&text.elementRef(0), 1);
     data->shareText();
     return data;
+}
+
+void XMLParser::noteTag(const _eString& sharedName) {
+    if (!extensions.anywhere || rootSeen) return;
+    rootSeen = true;
+    if (textIs(sharedName, L"XMI")) naming = TagNaming::unprefixedUml;
 }
 
 void XMLParser::noteTag(const _eHndl<XMLString>& name) {

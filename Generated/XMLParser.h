@@ -90,6 +90,30 @@ public:
     // read ahead; false where it was left to the tokens.
     bool takeEndTag(XMLLex& lexer);
 
+    // The bytes of a start tag or an empty-element tag read whole, where the parse stands after
+    // the "<" that begins it in an element's content: its name, then attributes as an attribute
+    // is read whole, each after a blank, then perhaps a blank, and ">" or "/>"; no line end
+    // within. Its tokens leave the tag on top, or close the element and add it to the content
+    // around it. Found by following the tables, as for an attribute.
+    struct TagBytes {
+        ByteSet first{};           // a tag name's first byte
+        ByteSet rest{};            // its others
+        ByteSet blank{};           // the blank before an attribute or the end
+        ByteSet attributeFirst{};  // an attribute name's first byte
+        ByteSet attributeRest{};   // its others
+        ByteSet value[2]{};        // inside double quotes, inside single quotes
+        std::int32_t startState = 0;  // where a start tag leaves the parse, with the tag on top
+        std::int32_t emptyState = 0;  // where an empty-element tag does, with the content on top
+    };
+    // Null unless a tag may be read whole where the parse stands.
+    const TagBytes* tagBytes() {
+        return lookUp(knownTags, [this](const Below<2>& below) { return learnTagBytes(below); });
+    }
+    // Reads the tag that `lexer` reads next whole, as its tokens would have been read one by
+    // one, where `tagBytes` allows and the whole of it has been read ahead; false where it was
+    // left to the tokens.
+    bool takeTag(XMLLex& lexer);
+
     // The bytes of a reference read whole, where the parse stands after the "&" that begins it:
     // "name;", "#digits;" or "#xdigits;", whose tokens make the reference and add it to the
     // content or the attribute value below. Found by following the tables, as for an attribute.
@@ -135,7 +159,7 @@ public:
     // has finished. `seen(token)` sees each token before it is offered. With `byteRuns` the bytes
     // that only loop are taken many at a time after each token (a line end left to be a token
     // of its own with `stopAtLineEnd`); without it every byte is a token.
-    // The names of tags, the attributes of a tag, end tags and references are taken whole in
+    // Tags, the names of tags, the attributes of a tag, end tags and references are taken whole in
     // the same way, and so is the first byte of the text after them (see `takeWhole`).
     template <class Seen>
     void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
@@ -170,6 +194,7 @@ private:
     // The first tag of the document is the root's: its start tag is read before any element
     // is built, so the root decides how every element reads its tag.
     void noteTag(const _eHndl<XMLString>& name);
+    void noteTag(const _eString& sharedName);
 
     // A predefined entity's reference as the character it stands for, in attribute values, and
     // a character reference in content as character data, when that is asked for.
@@ -202,6 +227,8 @@ private:
     std::shared_ptr<const TextBytes> findTextBytes() const;
     const AttributeBytes* learnAttributeBytes(const Below<2>& below);
     std::shared_ptr<const AttributeBytes> findAttributeBytes(const Below<2>& below) const;
+    const TagBytes* learnTagBytes(const Below<2>& below);
+    std::shared_ptr<const TagBytes> findTagBytes(const Below<2>& below) const;
     const EndTagBytes* learnEndTagBytes(const Below<4>& below);
     std::shared_ptr<const EndTagBytes> findEndTagBytes(const Below<4>& below) const;
     const ReferenceBytes* learnReferenceBytes(const Below<2>& below);
@@ -259,10 +286,11 @@ private:
     bool rootSeen = false;                      // the root's tag has been read
     TagNaming naming = TagNaming::specified;    // how the elements read their tags
     // What each kind of thing read whole found so far, for `nameBytes`, `textBytes`,
-    // `attributeBytes`, `endTagBytes` and `referenceBytes`.
+    // `attributeBytes`, `tagBytes`, `endTagBytes` and `referenceBytes`.
     std::vector<Known<NameBytes>> knownNames;
     std::vector<Known<TextBytes>> knownTexts;
     KnownBelow<AttributeBytes, 2> knownAttributes;
+    KnownBelow<TagBytes, 2> knownTags;
     KnownBelow<EndTagBytes, 4> knownEndTags;
     KnownBelow<ReferenceBytes, 2> knownReferences;
 };

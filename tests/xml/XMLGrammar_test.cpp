@@ -202,6 +202,35 @@ TEST(XMLGrammar, EndTagsReadWholeAreFoundFromTheTables) {
     }
 }
 
+TEST(XMLGrammar, TagsReadWholeAreFoundFromTheTables) {
+    for (const char* text : {"<r><", "<r>\n <a b='1'>text<", "<r><a/><", "<r><a></a>&amp;<", "<r><!-- c --><"}) {
+        SCOPED_TRACE(text);
+        _eHndl<XMLParser> afterOpen = parserAfter(text);
+        const XMLParser::TagBytes* can = afterOpen->tagBytes();
+        ASSERT_NE(can, nullptr);
+        expectNameBytes(can->first, can->rest);
+        expectNameBytes(can->attributeFirst, can->attributeRest);
+        for (unsigned char c : std::string(" \t\r")) EXPECT_TRUE(can->blank[c]) << c;
+        for (unsigned char c : std::string("\na=/>")) EXPECT_FALSE(can->blank[c]) << c;
+        for (unsigned char c : std::string("x9 '>_\t\r\xE9")) EXPECT_TRUE(can->value[0][c]) << c;
+        for (unsigned char c : std::string("\"&<\n")) EXPECT_FALSE(can->value[0][c]) << c;
+        EXPECT_TRUE(can->value[1]['"']);
+        EXPECT_FALSE(can->value[1]['\'']);
+        _eHndl<XMLParser> started = parserAfter(std::string(text) + "ab c='1' d=\"\">");
+        EXPECT_EQ(can->startState, started->getState());
+        EXPECT_EQ(started->getStack().getTop(), afterOpen->getStack().getTop());
+        _eHndl<XMLParser> closed = parserAfter(std::string(text) + "ab c='1' />");
+        EXPECT_EQ(can->emptyState, closed->getState());
+        EXPECT_EQ(closed->getStack().getTop(), afterOpen->getStack().getTop() - 1);
+    }
+    // The root's, and where no tag may begin.
+    for (const char* text : {"<", "\n<", "<?xml version='1.0'?><", "<?xml version='1.0'?>\n<!-- c -->\n<",
+                             "\n<!DOCTYPE r>\n<", "<!DOCTYPE r [<!ELEMENT r ANY>]>\n<", "<r ", "<r><!", "<r a='<", "<r></"}) {
+        _eHndl<XMLParser> elsewhere = parserAfter(text);
+        EXPECT_EQ(elsewhere->tagBytes(), nullptr) << text;
+    }
+}
+
 TEST(XMLGrammar, ReferencesReadWholeAreFoundFromTheTables) {
     struct Row {
         const char* before;
@@ -326,10 +355,25 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
          "<d e=\"&amp;&#x26;&#38;\"/>&#4294967361;&#xfFfFfFfFf;&#00;</r>"),
         "<r c='&a b;'/>", "<r>&;</r>", "<r>&9;</r>", "<r>&a\nb;</r>", "<r>&#x;</r>", "<r>&#X41;</r>", "<r>&#1a;</r>",
         "<r>&amp</r>", "<r/>&amp;",
+        // Tags read whole where they can be: blanks of each kind and number, before attributes
+        // and the end, empty and not, names repeated; and what stops a parse in one or leaves it
+        // to the tokens (a line end, a reference, more attributes than are looked at at once).
+        ("<r>\n<a\tb='1' c=\"2\" ><b d='x'/><c /><d e=\"\" f=''>t</d><e  g='1'/><f g='1'  />"
+         "<h\rk='1'/><UML:Class xmi.id='c1' name='C'><UML:Attribute xmi.idref='a'/></UML:Class>"
+         "<l m='1' m='2'/><n o='&amp;'/><p\nq='1'/><s t='1'\n/><u\n/><v w='\xC3\xA9'>x</v></r>"),
+        "<r><i j='1'k='2'/></r>", "<r><i j='1' k></r>", "<r><i j=1/></r>", "<r><i j='1'/ ></r>", "<r><i j='1' /x></r>",
+        "<r><i j='<'/></r>", "<r><i/ j='1'></r>", "<r><9/></r>", "<r><i", "<r><i j='1'", "<r><i j='1'/",
         // Text after tags and references, its first byte read without its token where it can be.
         "<r><a>]x</a>\t<b>x]</b>\r\n<c/>\xC0<d>&amp;\n</d><e>&#65;\xB7<![CDATA[x]]></e>&lt;<f>\n</f></r>",
     };
-    for (const char* text : texts)
+    std::string many = "<r><a";
+    for (int i = 0; i < 40; ++i) many += " n" + std::to_string(i) + "='" + std::to_string(i) + "'";
+    many += "/><b";
+    for (int i = 0; i < 32; ++i) many += " n" + std::to_string(i) + "='" + std::to_string(i) + "'";
+    many += "></b></r>";
+    std::vector<std::string> all(std::begin(texts), std::end(texts));
+    all.push_back(many);
+    for (const std::string& text : all)
         for (const ImportExtensions& extensions : {ImportExtensions(), everyExtension()}) {
             SCOPED_TRACE(text);
             TempDir dir;
@@ -353,7 +397,11 @@ TEST(XMLGrammar, AttributesAndEndTagsAcrossTheLexersBufferGiveWhatTokensGive) {
     text += ">";
     for (int i = 0; text.size() < 280000; ++i) {
         std::string name = "e" + std::string(std::size_t(i % 29), char('a' + i % 26));
-        text += "<" + name + ">" + std::to_string(i) + "</" + name + ">";
+        std::string attributes = i % 3 == 0 ? "" : " k=\"" + std::string(std::size_t(i % 11), 'v') + "\"";
+        if (i % 4 == 0)
+            text += "<" + name + attributes + "/>";
+        else
+            text += "<" + name + attributes + ">" + std::to_string(i) + "</" + name + ">";
     }
     text += "</a>\n";
     TempDir dir;
