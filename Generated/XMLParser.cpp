@@ -612,28 +612,20 @@ std::shared_ptr<const XMLParser::TagBytes> XMLParser::findTagBytes(const Below<2
                         return nullptr;
                 }
     auto bytes = std::make_shared<TagBytes>();
-    if (!nameBytesAfter(start, "", bytes->first, bytes->rest)) return nullptr;
-    bytes->blank.fill(true);
-    bytes->attributeFirst.fill(true);
-    bytes->attributeRest.fill(true);
-    bytes->value[0].fill(true);
-    bytes->value[1].fill(true);
+    // After the blank before an attribute the parse stands as it does before the first one, so
+    // what holds for the first holds for every later one.
+    if (!nameBytesAfter(start, "", bytes->first, bytes->rest) ||
+        followText(start, "a ").at != followText(start, "a b='' ").at ||
+        !nameBytesAfter(start, "a ", bytes->attributeFirst, bytes->attributeRest) ||
+        followText(start, "a c=").at != followText(start, "a cd=").at)
+        return nullptr;
+    bytes->blank = both(bytesLike(followText(start, "a").at, ' '), bytesLike(followText(start, "a b=''").at, ' '));
     const char quotes[2] = {'"', '\''};
-    // The same bytes where the first attribute stands and where a later one does.
-    for (const std::string& before : {std::string("a"), std::string("a b='v'")}) {
-        ByteSet first{}, rest{};
-        if (!nameBytesAfter(start, before + " ", first, rest) ||
-            followText(start, before + " c=").at != followText(start, before + " cd=").at)
-            return nullptr;
-        bytes->attributeFirst = both(bytes->attributeFirst, first);
-        bytes->attributeRest = both(bytes->attributeRest, rest);
-        bytes->blank = both(bytes->blank, bytesLike(followText(start, before).at, ' '));
-        for (int k = 0; k < 2; ++k) {
-            const std::string open = before + " c=" + quotes[k];
-            Configuration none = followText(start, open).at, some = followText(start, open + "v").at;
-            if (followByte(some, 'v').at != some) return nullptr;
-            bytes->value[k] = both(bytes->value[k], both(bytesLike(none, 'v'), bytesLike(some, 'v')));
-        }
+    for (int k = 0; k < 2; ++k) {
+        const std::string open = std::string("a c=") + quotes[k];
+        Configuration none = followText(start, open).at, some = followText(start, open + "v").at;
+        if (followByte(some, 'v').at != some) return nullptr;
+        bytes->value[k] = both(bytesLike(none, 'v'), bytesLike(some, 'v'));
     }
     // A line end is a token of its own, for the progress shown by line.
     bytes->blank[10] = bytes->value[0][10] = bytes->value[1][10] = false;
