@@ -126,19 +126,24 @@ void XMLParser::reduceAction(std::int32_t semanticAction) {
 
 void XMLParser::takeWhole(XMLLex& lexer, std::int32_t code, bool stopAtLineEnd) {
     takeRuns(lexer, stopAtLineEnd);
-    // Text may begin where a tag or a reference ends.
-    bool closed = code == '>';
-    if (code == Token::whiteSpace) {
-        takeAttribute(lexer);
-    } else if (code == '/') {
-        takeName(lexer);
-    } else if (code == '<') {
-        closed = takeEndTag(lexer) || takeTag(lexer);
-        if (!closed) takeName(lexer);
-    } else if (code == '&') {
-        closed = takeReference(lexer);
+    for (;;) {
+        // Text may begin where a tag or a reference ends.
+        bool closed = code == '>';
+        if (code == Token::whiteSpace) {
+            takeAttribute(lexer);
+        } else if (code == '/') {
+            takeName(lexer);
+        } else if (code == '<') {
+            closed = takeEndTag(lexer) || takeTag(lexer);
+            if (!closed) takeName(lexer);
+        } else if (code == '&') {
+            closed = takeReference(lexer);
+        }
+        if (closed && takeText(lexer)) takeRuns(lexer, stopAtLineEnd);
+        // A "<" read so could stand first on its line, unseen by the progress shown by line.
+        if (stopAtLineEnd || !takeOpen(lexer)) return;
+        code = '<';
     }
-    if (closed && takeText(lexer)) takeRuns(lexer, stopAtLineEnd);
 }
 
 void XMLParser::takeRuns(XMLLex& lexer, bool stopAtLineEnd) {
@@ -339,6 +344,37 @@ bool XMLParser::takeReference(XMLLex& lexer) {
     return true;
 }
 
+void XMLParser::beginContent(const Position& at, std::int32_t contentState) {
+    stack.push({state, _eHndl<StackValue>(new XMLcontent(at))});
+    state = contentState;
+}
+
+bool XMLParser::takeOpen(XMLLex& lexer) {
+    const unsigned char* bytes = nullptr;
+    if (lexer.ahead(bytes) == 0 || bytes[0] != '<') return false;
+    const OpenBytes* can = openBytes();
+    if (can == nullptr) return false;
+    // What the reductions before its token is shifted would make: the text on top added to the
+    // content below it, or an empty content at the "<".
+    _eFreeze freeze(this);
+    const Position at = lexer.take(1);
+    if (can->made == OpenBytes::Made::textAdded) {
+        auto* text = static_cast<XMLCharData*>(stack.peekToChange(-1).value.uniquePointer());
+        text->shareText();
+        static_cast<XMLcontent*>(stack.peekToChange(-2).value.uniquePointer())->addItem(text);
+        stack.pop(1);
+        stack.trim();
+        state = can->contentState;
+    } else if (can->made == OpenBytes::Made::newContent) {
+        beginContent(at, can->contentState);
+    } else {
+        state = can->contentState;
+    }
+    stack.push({state, _eHndl<StackValue>(new SimpleTerminal(at, std::int32_t('<')))});
+    state = can->state;
+    return true;
+}
+
 bool XMLParser::takeText(XMLLex& lexer) {
     const TextBytes* can = textBytes();
     if (can == nullptr) return false;
@@ -348,10 +384,7 @@ bool XMLParser::takeText(XMLLex& lexer) {
     // same place, and the text of one character.
     _eFreeze freeze(this);
     const Position at = lexer.take(1);
-    if (can->newContent) {
-        stack.push({state, _eHndl<StackValue>(new XMLcontent(at))});
-        state = can->contentState;
-    }
+    if (can->newContent) beginContent(at, can->contentState);
     _eHndl<XMLCharData> text(new XMLCharData(at));
     const wchar_t unit = bytes[0];
     text->appendCharacters(&unit, 1);
@@ -551,6 +584,39 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(c
         for (const Configuration& from : {followByte(empty, quotes[k]).at, followByte(some, quotes[k]).at})
             bytes->after = both(bytes->after, bytesLike(from, ' ', true));
     }
+    return bytes;
+}
+
+const XMLParser::OpenBytes* XMLParser::learnOpenBytes(const Below<2>& below) {
+    return knownOpens.add(state, below,
+                          foundOnce<OpenBytes>(std::pair{state, below}, [&] { return findOpenBytes(below); }));
+}
+
+// A "<" is read without its token only where the tables, followed from where the parse stands,
+// shift it after running nothing (the value on top stays, perhaps as another symbol), or after
+// adding the text on top to the content below it, or after making an empty content; nothing
+// below that is taken away.
+std::shared_ptr<const XMLParser::OpenBytes> XMLParser::findOpenBytes(const Below<2>& below) const {
+    namespace A = SemanticAction;
+    using Made = OpenBytes::Made;
+    const Step step = followByte({{below[1], below[0]}, state}, '<');
+    if (!step.ok) return nullptr;
+    auto bytes = std::make_shared<OpenBytes>();
+    const std::vector<std::int32_t>& left = step.at.below;
+    if (step.ran.empty() && left.size() == 3 && left[0] == below[1] && left[1] == below[0]) {
+        bytes->made = Made::nothing;
+        bytes->contentState = left[2];
+    } else if (step.ran == std::vector<std::int32_t>{A::contentCharData} && left.size() == 2 && left[0] == below[1]) {
+        bytes->made = Made::textAdded;
+        bytes->contentState = left[1];
+    } else if (step.ran == std::vector<std::int32_t>{A::newContent} && left.size() == 4 &&
+               std::vector(left.begin(), left.begin() + 3) == std::vector{below[1], below[0], state}) {
+        bytes->made = Made::newContent;
+        bytes->contentState = left[3];
+    } else {
+        return nullptr;
+    }
+    bytes->state = step.at.state;
     return bytes;
 }
 

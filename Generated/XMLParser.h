@@ -152,6 +152,22 @@ public:
     // line misses none.
     bool takeText(XMLLex& lexer);
 
+    // What the "<" that begins a tag does where the parse stands in an element's content, read
+    // without its token: the text before it added to the content, or an empty content made
+    // first where the content begins, or nothing; then the "<" is on top.
+    struct OpenBytes {
+        enum class Made { nothing, textAdded, newContent } made = Made::nothing;
+        std::int32_t contentState = 0;  // with the content on top, before the "<" is
+        std::int32_t state = 0;         // with the "<" on top
+    };
+    // Null unless a "<" may be read without its token where the parse stands.
+    const OpenBytes* openBytes() {
+        return lookUp(knownOpens, [this](const Below<2>& below) { return learnOpenBytes(below); });
+    }
+    // Reads the "<" that `lexer` reads next as its token would have, where `openBytes` allows;
+    // false where it was left to the token.
+    bool takeOpen(XMLLex& lexer);
+
     // After `code`'s token: takes the runs that follow it and whatever may be read whole there.
     void takeWhole(XMLLex& lexer, std::int32_t code, bool stopAtLineEnd);
 
@@ -160,7 +176,8 @@ public:
     // that only loop are taken many at a time after each token (a line end left to be a token
     // of its own with `stopAtLineEnd`); without it every byte is a token.
     // Tags, the names of tags, the attributes of a tag, end tags and references are taken whole in
-    // the same way, and so is the first byte of the text after them (see `takeWhole`).
+    // the same way, and so is the first byte of the text after them (see `takeWhole`); without
+    // `stopAtLineEnd`, so is the "<" of the next tag.
     template <class Seen>
     void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
         _eHndl<Terminal> token;
@@ -196,6 +213,10 @@ private:
     void noteTag(const _eHndl<XMLString>& name);
     void noteTag(const _eString& sharedName);
 
+    // Pushes the empty content that an element's content begins with, made at `at`, as its
+    // reduction would, and goes to `contentState`.
+    void beginContent(const Position& at, std::int32_t contentState);
+
     // A predefined entity's reference as the character it stands for, in attribute values, and
     // a character reference in content as character data, when that is asked for.
     _eFrom<NonTerminal> entityReference(const Position& at, const _eString& sharedName) const;
@@ -227,6 +248,8 @@ private:
     std::shared_ptr<const TextBytes> findTextBytes() const;
     const AttributeBytes* learnAttributeBytes(const Below<2>& below);
     std::shared_ptr<const AttributeBytes> findAttributeBytes(const Below<2>& below) const;
+    const OpenBytes* learnOpenBytes(const Below<2>& below);
+    std::shared_ptr<const OpenBytes> findOpenBytes(const Below<2>& below) const;
     const TagBytes* learnTagBytes(const Below<2>& below);
     std::shared_ptr<const TagBytes> findTagBytes(const Below<2>& below) const;
     const EndTagBytes* learnEndTagBytes(const Below<4>& below);
@@ -286,10 +309,11 @@ private:
     bool rootSeen = false;                      // the root's tag has been read
     TagNaming naming = TagNaming::specified;    // how the elements read their tags
     // What each kind of thing read whole found so far, for `nameBytes`, `textBytes`,
-    // `attributeBytes`, `tagBytes`, `endTagBytes` and `referenceBytes`.
+    // `attributeBytes`, `openBytes`, `tagBytes`, `endTagBytes` and `referenceBytes`.
     std::vector<Known<NameBytes>> knownNames;
     std::vector<Known<TextBytes>> knownTexts;
     KnownBelow<AttributeBytes, 2> knownAttributes;
+    KnownBelow<OpenBytes, 2> knownOpens;
     KnownBelow<TagBytes, 2> knownTags;
     KnownBelow<EndTagBytes, 4> knownEndTags;
     KnownBelow<ReferenceBytes, 2> knownReferences;

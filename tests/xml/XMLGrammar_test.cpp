@@ -275,6 +275,30 @@ TEST(XMLGrammar, TextReadWithoutItsFirstTokenIsFoundFromTheTables) {
     }
 }
 
+TEST(XMLGrammar, TagOpeningsReadWithoutTheirTokenAreFoundFromTheTables) {
+    using Made = XMLParser::OpenBytes::Made;
+    struct Row {
+        const char* before;
+        Made made;
+    };
+    for (Row row : {Row{"<r>x", Made::textAdded}, Row{"<r><a b='1'>\n ", Made::textAdded}, Row{"<r>", Made::newContent},
+                    Row{"<r><a/>", Made::nothing}, Row{"<r><a></a>", Made::nothing}, Row{"<r>&amp;", Made::nothing},
+                    Row{"<r><!-- c -->", Made::nothing}}) {
+        SCOPED_TRACE(row.before);
+        const XMLParser::OpenBytes* can = parserAfter(row.before)->openBytes();
+        ASSERT_NE(can, nullptr);
+        EXPECT_EQ(can->made, row.made);
+        _eHndl<XMLParser> opened = parserAfter(std::string(row.before) + "<");
+        EXPECT_EQ(can->state, opened->getState());
+        EXPECT_EQ(can->contentState, opened->getStack().peek(-1).state);
+    }
+    // Where a "<" is refused, or needs more than these.
+    for (const char* text : {"<r", "<r a='x", "<r><!-- ", "<r/>", "<r>x<", "<r><![CDATA[x"}) {
+        _eHndl<XMLParser> elsewhere = parserAfter(text);
+        EXPECT_EQ(elsewhere->openBytes(), nullptr) << text;
+    }
+}
+
 TEST(XMLGrammar, NamesAndAttributesReadWholeLeaveTheirValuesOnTopAndTheLexerAfterThem) {
     TempDir dir;
     std::string path = dir.write("in.xml", "<a b=\"c\" dd='e\"f'/>");
