@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <typeinfo>
 
 #include "xml/XMLCharData.h"
@@ -140,9 +141,10 @@ void XMLParser::takeWhole(XMLLex& lexer, std::int32_t code, bool stopAtLineEnd) 
             closed = takeReference(lexer);
         }
         if (closed && takeText(lexer)) takeRuns(lexer, stopAtLineEnd);
-        // A "<" read so could stand first on its line, unseen by the progress shown by line.
-        if (stopAtLineEnd || !takeOpen(lexer)) return;
-        code = '<';
+        // A "<" or "&" read so could stand first on its line, unseen by the progress shown by line.
+        if (stopAtLineEnd) return;
+        code = takeOpen(lexer);
+        if (code == 0) return;
     }
 }
 
@@ -349,11 +351,12 @@ void XMLParser::beginContent(const Position& at, std::int32_t contentState) {
     state = contentState;
 }
 
-bool XMLParser::takeOpen(XMLLex& lexer) {
+std::int32_t XMLParser::takeOpen(XMLLex& lexer) {
     const unsigned char* bytes = nullptr;
-    if (lexer.ahead(bytes) == 0 || bytes[0] != '<') return false;
-    const OpenBytes* can = openBytes();
-    if (can == nullptr) return false;
+    if (lexer.ahead(bytes) == 0 || (bytes[0] != '<' && bytes[0] != '&')) return 0;
+    const unsigned char opener = bytes[0];
+    const OpenBytes* can = openBytes(opener);
+    if (can == nullptr) return 0;
     // What the reductions before its token is shifted would make: the text on top added to the
     // content below it, or an empty content at the "<".
     _eFreeze freeze(this);
@@ -370,9 +373,10 @@ bool XMLParser::takeOpen(XMLLex& lexer) {
     } else {
         state = can->contentState;
     }
-    stack.push({state, _eHndl<StackValue>(new SimpleTerminal(at, std::int32_t('<')))});
+    const std::int32_t code = XMLLex::tokenCode(opener);
+    stack.push({state, _eHndl<StackValue>(new SimpleTerminal(at, code))});
     state = can->state;
-    return true;
+    return code;
 }
 
 bool XMLParser::takeText(XMLLex& lexer) {
@@ -587,19 +591,21 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(c
     return bytes;
 }
 
-const XMLParser::OpenBytes* XMLParser::learnOpenBytes(const Below<2>& below) {
-    return knownOpens.add(state, below,
-                          foundOnce<OpenBytes>(std::pair{state, below}, [&] { return findOpenBytes(below); }));
+const XMLParser::OpenBytes* XMLParser::learnOpenBytes(unsigned char opener, const Below<2>& below) {
+    return knownOpens[opener == '&' ? 1 : 0].add(
+        state, below,
+        foundOnce<OpenBytes>(std::tuple{opener, state, below}, [&] { return findOpenBytes(opener, below); }));
 }
 
-// A "<" is read without its token only where the tables, followed from where the parse stands,
-// shift it after running nothing (the value on top stays, perhaps as another symbol), or after
-// adding the text on top to the content below it, or after making an empty content; nothing
-// below that is taken away.
-std::shared_ptr<const XMLParser::OpenBytes> XMLParser::findOpenBytes(const Below<2>& below) const {
+// A "<" or "&" is read without its token only where the tables, followed from where the parse
+// stands, shift it after running nothing (the value on top stays, perhaps as another symbol), or
+// after adding the text on top to the content below it, or after making an empty content;
+// nothing below that is taken away.
+std::shared_ptr<const XMLParser::OpenBytes> XMLParser::findOpenBytes(unsigned char opener,
+                                                                     const Below<2>& below) const {
     namespace A = SemanticAction;
     using Made = OpenBytes::Made;
-    const Step step = followByte({{below[1], below[0]}, state}, '<');
+    const Step step = followByte({{below[1], below[0]}, state}, opener);
     if (!step.ok) return nullptr;
     auto bytes = std::make_shared<OpenBytes>();
     const std::vector<std::int32_t>& left = step.at.below;

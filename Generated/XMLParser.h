@@ -152,21 +152,23 @@ public:
     // line misses none.
     bool takeText(XMLLex& lexer);
 
-    // What the "<" that begins a tag does where the parse stands in an element's content, read
-    // without its token: the text before it added to the content, or an empty content made
-    // first where the content begins, or nothing; then the "<" is on top.
+    // What the "<" that begins a tag, or the "&" that begins a reference, does where the parse
+    // stands (in an element's content, say), read without its token: the text before it added
+    // to the content, or an empty content made first where the content begins, or nothing; then
+    // it is on top.
     struct OpenBytes {
         enum class Made { nothing, textAdded, newContent } made = Made::nothing;
-        std::int32_t contentState = 0;  // with the content on top, before the "<" is
-        std::int32_t state = 0;         // with the "<" on top
+        std::int32_t contentState = 0;  // with the value below it on top, before it is
+        std::int32_t state = 0;         // with it on top
     };
-    // Null unless a "<" may be read without its token where the parse stands.
-    const OpenBytes* openBytes() {
-        return lookUp(knownOpens, [this](const Below<2>& below) { return learnOpenBytes(below); });
+    // Null unless `opener` ("<" or "&") may be read without its token where the parse stands.
+    const OpenBytes* openBytes(unsigned char opener) {
+        return lookUp(knownOpens[opener == '&' ? 1 : 0],
+                      [this, opener](const Below<2>& below) { return learnOpenBytes(opener, below); });
     }
-    // Reads the "<" that `lexer` reads next as its token would have, where `openBytes` allows;
-    // false where it was left to the token.
-    bool takeOpen(XMLLex& lexer);
+    // Reads the "<" or "&" that `lexer` reads next as its token would have, where `openBytes`
+    // allows: gives its token's code, or 0 where it was left to the token.
+    std::int32_t takeOpen(XMLLex& lexer);
 
     // After `code`'s token: takes the runs that follow it and whatever may be read whole there.
     void takeWhole(XMLLex& lexer, std::int32_t code, bool stopAtLineEnd);
@@ -177,7 +179,7 @@ public:
     // of its own with `stopAtLineEnd`); without it every byte is a token.
     // Tags, the names of tags, the attributes of a tag, end tags and references are taken whole in
     // the same way, and so is the first byte of the text after them (see `takeWhole`); without
-    // `stopAtLineEnd`, so is the "<" of the next tag.
+    // `stopAtLineEnd`, so is the "<" or "&" that begins the next tag or reference.
     template <class Seen>
     void parseAll(XMLLex& lexer, bool byteRuns, bool stopAtLineEnd, Seen seen) {
         _eHndl<Terminal> token;
@@ -248,8 +250,8 @@ private:
     std::shared_ptr<const TextBytes> findTextBytes() const;
     const AttributeBytes* learnAttributeBytes(const Below<2>& below);
     std::shared_ptr<const AttributeBytes> findAttributeBytes(const Below<2>& below) const;
-    const OpenBytes* learnOpenBytes(const Below<2>& below);
-    std::shared_ptr<const OpenBytes> findOpenBytes(const Below<2>& below) const;
+    const OpenBytes* learnOpenBytes(unsigned char opener, const Below<2>& below);
+    std::shared_ptr<const OpenBytes> findOpenBytes(unsigned char opener, const Below<2>& below) const;
     const TagBytes* learnTagBytes(const Below<2>& below);
     std::shared_ptr<const TagBytes> findTagBytes(const Below<2>& below) const;
     const EndTagBytes* learnEndTagBytes(const Below<4>& below);
@@ -313,7 +315,7 @@ private:
     std::vector<Known<NameBytes>> knownNames;
     std::vector<Known<TextBytes>> knownTexts;
     KnownBelow<AttributeBytes, 2> knownAttributes;
-    KnownBelow<OpenBytes, 2> knownOpens;
+    KnownBelow<OpenBytes, 2> knownOpens[2];  // for "<", for "&"
     KnownBelow<TagBytes, 2> knownTags;
     KnownBelow<EndTagBytes, 4> knownEndTags;
     KnownBelow<ReferenceBytes, 2> knownReferences;

@@ -275,7 +275,7 @@ TEST(XMLGrammar, TextReadWithoutItsFirstTokenIsFoundFromTheTables) {
     }
 }
 
-TEST(XMLGrammar, TagOpeningsReadWithoutTheirTokenAreFoundFromTheTables) {
+TEST(XMLGrammar, TagAndReferenceOpeningsReadWithoutTheirTokenAreFoundFromTheTables) {
     using Made = XMLParser::OpenBytes::Made;
     struct Row {
         const char* before;
@@ -283,19 +283,27 @@ TEST(XMLGrammar, TagOpeningsReadWithoutTheirTokenAreFoundFromTheTables) {
     };
     for (Row row : {Row{"<r>x", Made::textAdded}, Row{"<r><a b='1'>\n ", Made::textAdded}, Row{"<r>", Made::newContent},
                     Row{"<r><a/>", Made::nothing}, Row{"<r><a></a>", Made::nothing}, Row{"<r>&amp;", Made::nothing},
-                    Row{"<r><!-- c -->", Made::nothing}}) {
-        SCOPED_TRACE(row.before);
-        const XMLParser::OpenBytes* can = parserAfter(row.before)->openBytes();
-        ASSERT_NE(can, nullptr);
-        EXPECT_EQ(can->made, row.made);
-        _eHndl<XMLParser> opened = parserAfter(std::string(row.before) + "<");
-        EXPECT_EQ(can->state, opened->getState());
-        EXPECT_EQ(can->contentState, opened->getStack().peek(-1).state);
+                    Row{"<r><!-- c -->", Made::nothing}})
+        for (char opener : {'<', '&'}) {
+            SCOPED_TRACE(std::string(row.before) + opener);
+            const XMLParser::OpenBytes* can = parserAfter(row.before)->openBytes(static_cast<unsigned char>(opener));
+            ASSERT_NE(can, nullptr);
+            EXPECT_EQ(can->made, row.made);
+            _eHndl<XMLParser> opened = parserAfter(row.before + std::string(1, opener));
+            EXPECT_EQ(can->state, opened->getState());
+            EXPECT_EQ(can->contentState, opened->getStack().peek(-1).state);
+        }
+    // In a value, a reference begins after nothing made; a tag may not.
+    const XMLParser::OpenBytes* inValue = parserAfter("<r a='x")->openBytes('&');
+    ASSERT_NE(inValue, nullptr);
+    EXPECT_EQ(inValue->made, Made::nothing);
+    EXPECT_EQ(inValue->state, parserAfter("<r a='x&")->getState());
+    // Where each is refused, or needs more than these.
+    for (const char* text : {"<r", "<r a='x", "<r><!-- ", "<r/>", "<r>x<", "<r><![CDATA[x", "<r>x&"}) {
+        EXPECT_EQ(parserAfter(text)->openBytes('<'), nullptr) << text;
     }
-    // Where a "<" is refused, or needs more than these.
-    for (const char* text : {"<r", "<r a='x", "<r><!-- ", "<r/>", "<r>x<", "<r><![CDATA[x"}) {
-        _eHndl<XMLParser> elsewhere = parserAfter(text);
-        EXPECT_EQ(elsewhere->openBytes(), nullptr) << text;
+    for (const char* text : {"<r", "<r><!-- ", "<r/>", "<r>x<", "<r>x&"}) {
+        EXPECT_EQ(parserAfter(text)->openBytes('&'), nullptr) << text;
     }
 }
 
