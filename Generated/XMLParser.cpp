@@ -1,5 +1,6 @@
 #include "Generated/XMLParser.h"
 
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -269,24 +270,34 @@ bool XMLParser::takeTag(XMLLex& lexer) {
     // What the reductions of its tokens would make, in the same order, at the same places: the
     // attribute list where the name ends, each attribute added to it, and the tag where its "<"
     // is; an empty-element tag's element added to the content around it.
+    // The tag holds no line end. Without a tab each byte stands one column after the one before,
+    // so that the lexer is moved past the whole tag at once and the places are counted back from
+    // its end; with one, it is moved piece by piece.
     _eFreeze freeze(this);
+    const bool tabbed = std::memchr(bytes, '\t', std::size_t(end + 1)) != nullptr;
+    const Position last = tabbed ? Position() : lexer.take(end + 1);
     std::int32_t taken = 0;
-    auto through = [&lexer, &taken](std::int32_t last) -> const Position& {
-        const Position& place = lexer.take(last + 1 - taken);
-        taken = last + 1;
+    auto placeOf = [&](std::int32_t byte) {
+        if (tabbed) {
+            Position place = lexer.take(byte + 1 - taken);
+            taken = byte + 1;
+            return place;
+        }
+        Position place = last;
+        place.column -= end - byte;
         return place;
     };
     const Position open = stack.peek(-1).value->getPosition();
     const _eString name = sharedName(bytes, nameEnd);
-    _eHndl<XMLAttributeList> list(new XMLAttributeList(through(nameEnd)));
+    _eHndl<XMLAttributeList> list(new XMLAttributeList(placeOf(nameEnd)));
     for (int k = 0; k < attributes; ++k) {
         const AttributeSpan& span = spans[k];
-        const Position attributeAt = through(span.name);
-        _eHndl<XMLAttributeValue> value(new XMLAttributeValue(through(span.equals + 1)));
+        const Position attributeAt = placeOf(span.name);
+        _eHndl<XMLAttributeValue> value(new XMLAttributeValue(placeOf(span.equals + 1)));
         value->shareElements(bytes + span.equals + 2, span.close - span.equals - 2);
         list->addAttribute(new XMLAttribute(attributeAt, sharedName(bytes + span.name, span.equals - span.name), value));
     }
-    if (taken <= end) through(end);
+    if (tabbed && taken <= end) lexer.take(end + 1 - taken);
     noteTag(name);
     if (!empty) {
         // The tag stands where the "<" stood.

@@ -387,12 +387,15 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
          "<d e=\"&amp;&#x26;&#38;\"/>&#4294967361;&#xfFfFfFfFf;&#00;</r>"),
         "<r c='&a b;'/>", "<r>&;</r>", "<r>&9;</r>", "<r>&a\nb;</r>", "<r>&#x;</r>", "<r>&#X41;</r>", "<r>&#1a;</r>",
         "<r>&amp</r>", "<r/>&amp;",
-        // Tags read whole where they can be: blanks of each kind and number, before attributes
-        // and the end, empty and not, names repeated; and what stops a parse in one or leaves it
-        // to the tokens (a line end, a reference, more attributes than are looked at at once).
-        ("<r>\n<a\tb='1' c=\"2\" ><b d='x'/><c /><d e=\"\" f=''>t</d><e  g='1'/><f g='1'  />"
-         "<h\rk='1'/><UML:Class xmi.id='c1' name='C'><UML:Attribute xmi.idref='a'/></UML:Class>"
-         "<l m='1' m='2'/><n o='&amp;'/><p\nq='1'/><s t='1'\n/><u\n/><v w='\xC3\xA9'>x</v></r>"),
+        // Tags read whole where they can be: blanks of each kind (tabs before and after values,
+        // and in them) and number, before attributes and the end, empty and not, names repeated;
+        // and what stops a parse in one or leaves it to the tokens (a line end, a reference, a
+        // byte above 127 in a value, more attributes than are looked at at once).
+        "<r>\n<a\tb='1' c=\"2\" ><b d='x'/><c /><d e=\"\" f=''>t</d><e  g='1'/></a>\n</r>\n",
+        ("<r><h\rk='1'/><g h='1'\ti='2'/><gg h='1'\ti='2'/><ggg h='1'\ti='2'/><j k='a\tb' l='2'>\t<m n='1' o='2'\t/>"
+         "</j><UML:Class xmi.id='c1' name='C'><UML:Attribute xmi.idref='a'/></UML:Class></r>\n"),
+        "<r><l m='1' m='2'/><n o='&amp;'/><p\nq='1'/><s t='1'\n/><u\n/></r>\n", "<r><f g='1'  /></r>\n",
+        "<r><v w='\xC3\xA9'>x</v></r>",
         "<r><i j='1'k='2'/></r>", "<r><i j='1' k></r>", "<r><i j=1/></r>", "<r><i j='1'/ ></r>", "<r><i j='1' /x></r>",
         "<r><i j='<'/></r>", "<r><i/ j='1'></r>", "<r><9/></r>", "<r><i", "<r><i j='1'", "<r><i j='1'/",
         // Text after tags and references, its first byte read without its token where it can be.
@@ -402,7 +405,7 @@ TEST(XMLGrammar, RunsGiveWhatTokensOneByOneGive) {
     for (int i = 0; i < 40; ++i) many += " n" + std::to_string(i) + "='" + std::to_string(i) + "'";
     many += "/><b";
     for (int i = 0; i < 32; ++i) many += " n" + std::to_string(i) + "='" + std::to_string(i) + "'";
-    many += "></b></r>";
+    many += "></b></r>\n";
     std::vector<std::string> all(std::begin(texts), std::end(texts));
     all.push_back(many);
     for (const std::string& text : all)
