@@ -167,19 +167,26 @@ std::int32_t XMLParser::nameLength(const ByteSet& first, const ByteSet& rest, co
     return length;
 }
 
+std::int32_t XMLParser::closingQuote(const ByteSet& first, const ByteSet& rest, const ByteSet (&value)[2],
+                                     const unsigned char* bytes, std::int32_t count, std::int32_t& equals) {
+    equals = nameLength(first, rest, bytes, count);
+    if (equals == 0 || equals + 1 >= count || bytes[equals] != '=') return 0;
+    unsigned char quote = bytes[equals + 1];
+    if (quote != '"' && quote != '\'') return 0;
+    const ByteSet& inValue = value[quote == '\'' ? 1 : 0];
+    std::int32_t close = equals + 2;
+    while (close < count && inValue[bytes[close]]) ++close;
+    return close < count && bytes[close] == quote ? close : 0;
+}
+
 void XMLParser::takeAttribute(XMLLex& lexer) {
     const AttributeBytes* can = attributeBytes();
     if (can == nullptr) return;
     const unsigned char* bytes = nullptr;
     std::int32_t count = lexer.ahead(bytes);
-    std::int32_t equals = nameLength(can->first, can->rest, bytes, count);
-    if (equals == 0 || equals + 1 >= count || bytes[equals] != '=') return;
-    unsigned char quote = bytes[equals + 1];
-    if (quote != '"' && quote != '\'') return;
-    const ByteSet& inValue = can->value[quote == '\'' ? 1 : 0];
-    std::int32_t close = equals + 2;
-    while (close < count && inValue[bytes[close]]) ++close;
-    if (close + 1 >= count || bytes[close] != quote || !can->after[bytes[close + 1]]) return;
+    std::int32_t equals = 0;
+    std::int32_t close = closingQuote(can->first, can->rest, can->value, bytes, count, equals);
+    if (close == 0 || close + 1 >= count || !can->after[bytes[close + 1]]) return;
 
     // What the reductions of its tokens would make, in the same order, at the same places.
     _eFreeze freeze(this);
@@ -253,16 +260,11 @@ bool XMLParser::takeTag(XMLLex& lexer) {
         if (at + 1 >= count) return false;
         if (bytes[at] == '>' || (bytes[at] == '/' && bytes[at + 1] == '>')) break;
         if (!blank || attributes == room) return false;
-        std::int32_t equals = at + nameLength(can->attributeFirst, can->attributeRest, bytes + at, count - at);
-        if (equals == at || equals + 1 >= count || bytes[equals] != '=') return false;
-        unsigned char quote = bytes[equals + 1];
-        if (quote != '"' && quote != '\'') return false;
-        const ByteSet& inValue = can->value[quote == '\'' ? 1 : 0];
-        std::int32_t close = equals + 2;
-        while (close < count && inValue[bytes[close]]) ++close;
-        if (close >= count || bytes[close] != quote) return false;
-        spans[attributes++] = {at, equals, close};
-        at = close + 1;
+        std::int32_t equals = 0;
+        std::int32_t close = closingQuote(can->attributeFirst, can->attributeRest, can->value, bytes + at, count - at, equals);
+        if (close == 0) return false;
+        spans[attributes++] = {at, at + equals, at + close};
+        at += close + 1;
     }
     const bool empty = bytes[at] == '/';
     const std::int32_t end = empty ? at + 1 : at;
@@ -270,6 +272,7 @@ bool XMLParser::takeTag(XMLLex& lexer) {
     // What the reductions of its tokens would make, in the same order, at the same places: the
     // attribute list where the name ends, each attribute added to it, and the tag where its "<"
     // is; an empty-element tag's element added to the content around it.
+    //
     // The tag holds no line end. Without a tab each byte stands one column after the one before,
     // so that the lexer is moved past the whole tag at once and the places are counted back from
     // its end; with one, it is moved piece by piece.
@@ -449,6 +452,26 @@ auto learnByState(std::vector<Entry>& known, std::int32_t state, Find find) {
     return entry.bytes.get();
 }
 
+// Appends to a sample text a name of `length` bytes ("a", "ab", "abb", ...), and to `ran` the
+// actions its tokens run: the string made, then a byte appended for each further one.
+void addNameSample(std::string& text, std::vector<std::int32_t>& ran, int length) {
+    text += 'a' + std::string(std::size_t(length - 1), 'b');
+    ran.push_back(SemanticAction::newString);
+    ran.insert(ran.end(), std::size_t(length - 1), SemanticAction::appendToString);
+}
+
+// The same for an attribute `name="value"` or `name='value'`, up to its addition to the list
+// below it, which the byte after it brings about.
+void addAttributeSample(std::string& text, std::vector<std::int32_t>& ran, int nameLength, char quote,
+                        int valueLength) {
+    namespace A = SemanticAction;
+    addNameSample(text, ran, nameLength);
+    text += std::string{'=', quote} + std::string(std::size_t(valueLength), 'v') + quote;
+    ran.push_back(A::newAttributeValue);
+    ran.insert(ran.end(), std::size_t(valueLength), A::attributeValueCharacter);
+    ran.insert(ran.end(), {A::newAttribute, A::addAttribute});
+}
+
 }  // namespace
 
 XMLParser::ByteSet XMLParser::bytesLike(const Configuration& from, unsigned char sample, bool untilShift) const {
@@ -570,19 +593,11 @@ std::shared_ptr<const XMLParser::AttributeBytes> XMLParser::findAttributeBytes(c
     for (char quote : quotes)
         for (int nameLength = 1; nameLength <= 3; ++nameLength)
             for (int valueLength = 0; valueLength <= 2; ++valueLength) {
-                std::string text(std::size_t(nameLength), 'b');
-                text.front() = 'a';
-                text.push_back('=');
-                text.push_back(quote);
-                text.append(std::size_t(valueLength), 'v');
-                text.push_back(quote);
+                std::string text;
+                std::vector<std::int32_t> expected;
+                addAttributeSample(text, expected, nameLength, quote, valueLength);
                 Step whole = followText(start, text);
                 Step end = followByte(whole.at, ' ', true);
-                std::vector<std::int32_t> expected{A::newString};
-                expected.insert(expected.end(), std::size_t(nameLength - 1), A::appendToString);
-                expected.push_back(A::newAttributeValue);
-                expected.insert(expected.end(), std::size_t(valueLength), A::attributeValueCharacter);
-                expected.insert(expected.end(), {A::newAttribute, A::addAttribute});
                 whole.ran.insert(whole.ran.end(), end.ran.begin(), end.ran.end());
                 if (!whole.ok || !end.ok || end.at != done || whole.ran != expected) return nullptr;
             }
@@ -653,11 +668,6 @@ const XMLParser::TagBytes* XMLParser::learnTagBytes(const Below<2>& below) {
 std::shared_ptr<const XMLParser::TagBytes> XMLParser::findTagBytes(const Below<2>& below) const {
     namespace A = SemanticAction;
     const Configuration start{{below[1], below[0]}, state};
-    auto name = [](std::vector<std::int32_t>& ran, std::string& text, int length) {
-        text += 'a' + std::string(std::size_t(length - 1), 'b');
-        ran.push_back(A::newString);
-        ran.insert(ran.end(), std::size_t(length - 1), A::appendToString);
-    };
     struct Attribute {
         int nameLength, valueLength;
         char quote;
@@ -670,15 +680,11 @@ std::shared_ptr<const XMLParser::TagBytes> XMLParser::findTagBytes(const Below<2
                 for (bool empty : {false, true}) {
                     std::string text;
                     std::vector<std::int32_t> expected;
-                    name(expected, text, nameLength);
+                    addNameSample(text, expected, nameLength);
                     expected.push_back(A::newAttributeList);
                     for (const Attribute& attribute : list) {
                         text += ' ';
-                        name(expected, text, attribute.nameLength);
-                        text += std::string{'=', attribute.quote} + std::string(std::size_t(attribute.valueLength), 'v') + attribute.quote;
-                        expected.push_back(A::newAttributeValue);
-                        expected.insert(expected.end(), std::size_t(attribute.valueLength), A::attributeValueCharacter);
-                        expected.insert(expected.end(), {A::newAttribute, A::addAttribute});
+                        addAttributeSample(text, expected, attribute.nameLength, attribute.quote, attribute.valueLength);
                     }
                     if (trailing) text += ' ';
                     text += empty ? "/>" : ">";
@@ -732,9 +738,10 @@ std::shared_ptr<const XMLParser::EndTagBytes> XMLParser::findEndTagBytes(const B
     const Configuration start{{below[3], below[2], below[1], below[0]}, state};
     std::optional<Configuration> done;
     for (int nameLength = 1; nameLength <= 3; ++nameLength) {
-        std::string text = "/a" + std::string(std::size_t(nameLength - 1), 'b') + ">";
-        std::vector<std::int32_t> expected{A::newString};
-        expected.insert(expected.end(), std::size_t(nameLength - 1), A::appendToString);
+        std::string text = "/";
+        std::vector<std::int32_t> expected;
+        addNameSample(text, expected, nameLength);
+        text += '>';
         expected.insert(expected.end(), {A::endTag, A::element, A::contentElement});
         Step whole = followText(start, text);
         if (!done) done = whole.at;
@@ -763,14 +770,13 @@ std::shared_ptr<const XMLParser::ReferenceBytes> XMLParser::findReferenceBytes(c
     const Configuration start{{below[1], below[0]}, state};
     std::optional<Step> done;
     for (int nameLength = 1; nameLength <= 3; ++nameLength) {
-        std::string text(std::size_t(nameLength), 'b');
-        text.front() = 'a';
+        std::string text;
+        std::vector<std::int32_t> expected;
+        addNameSample(text, expected, nameLength);
         text.push_back(';');
         Step whole = followText(start, text);
         if (!whole.ok || whole.ran.empty()) return nullptr;
         if (!done) done = whole;
-        std::vector<std::int32_t> expected{A::newString};
-        expected.insert(expected.end(), std::size_t(nameLength - 1), A::appendToString);
         expected.insert(expected.end(), {A::entityReference, done->ran.back()});
         if (whole.at != done->at || whole.at.below != std::vector{below[1]} || whole.ran != expected) return nullptr;
     }
@@ -868,7 +874,5 @@ void XMLParser::noteTag(const _eString& sharedName) {
 }
 
 void XMLParser::noteTag(const _eHndl<XMLString>& name) {
-    if (!extensions.anywhere || rootSeen) return;
-    rootSeen = true;
-    if (name->units() == L"XMI") naming = TagNaming::unprefixedUml;
+    if (extensions.anywhere && !rootSeen) noteTag(XMLNames::shared(name->units()));
 }

@@ -244,6 +244,11 @@ private:
     // with one; 0 where they begin none.
     static std::int32_t nameLength(const ByteSet& first, const ByteSet& rest, const unsigned char* bytes,
                                    std::int32_t count);
+    // The closing quote of the attribute `name="value"` or `name='value'` that `bytes` begin
+    // with, by the bytes of its name and of its values inside double and single quotes, with
+    // `equals` where its "=" stands; 0 where none stands whole among the `count` bytes.
+    static std::int32_t closingQuote(const ByteSet& first, const ByteSet& rest, const ByteSet (&value)[2],
+                                     const unsigned char* bytes, std::int32_t count, std::int32_t& equals);
     const NameBytes* learnNameBytes();
     std::shared_ptr<const NameBytes> findNameBytes() const;
     const TextBytes* learnTextBytes();
