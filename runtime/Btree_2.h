@@ -108,7 +108,13 @@ private:
 
     void destroy(std::uint32_t from, std::uint32_t to) {
         if constexpr (!std::is_trivially_destructible_v<T>)
-            for (std::uint32_t i = from; i < to; ++i) data[i].~T();
+            for (std::uint32_t i = from; i < to; ++i) {
+                // Handles: the object after this one is fetched while this one goes, with
+                // all it holds.
+                if constexpr (requires(const T& x) { x.get(); })
+                    if (i + 1 < to) __builtin_prefetch(data[i + 1].get(), 1);
+                data[i].~T();
+            }
     }
 };
 
