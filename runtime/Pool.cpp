@@ -26,7 +26,6 @@ void* _ePool::allocateLarge(std::size_t size) {
         flush();
         block = ::operator new(size);
     }
-    std::memset(block, 0, size);
     return block;
 }
 

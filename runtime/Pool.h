@@ -35,6 +35,14 @@ public:
     // A block of at least `size` bytes, all of them zero. Always inlined: `size` is mostly the
     // constant size of a class, so the choice of list and the zeroing fold to a few stores.
     [[gnu::always_inline]] void* allocate(std::size_t size) {
+        void* block = allocateUnzeroed(size);
+        std::memset(block, 0, size);
+        return block;
+    }
+
+    // The same, its bytes left as they are: for a holder that writes each byte before reading
+    // it, such as a buffer of text or the storage of a vector.
+    [[gnu::always_inline]] void* allocateUnzeroed(std::size_t size) {
         if (MODELBRIDGE_POOL_BYPASS || size == 0 || size > largestPooled) return allocateLarge(size);
         std::size_t index = classOf(size);
         SizeClass& list = lists[index];
@@ -56,7 +64,6 @@ public:
             block = carveFromNewChunk(index);
         }
         ++chunkOf(block)->live;
-        std::memset(block, 0, size);
         return block;
     }
 

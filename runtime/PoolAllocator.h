@@ -15,7 +15,7 @@ struct PoolAllocator {
     template <class U>
     PoolAllocator(const PoolAllocator<U>&) {}
 
-    T* allocate(std::size_t n) { return static_cast<T*>(_ePool::shared.allocate(n * sizeof(T))); }
+    T* allocate(std::size_t n) { return static_cast<T*>(_ePool::shared.allocateUnzeroed(n * sizeof(T))); }
     void deallocate(T* block, std::size_t n) { _ePool::shared.release(block, n * sizeof(T)); }
 
     template <class U>

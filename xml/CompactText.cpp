@@ -67,8 +67,9 @@ void CompactText::holdString(const _eString& text) {
 }
 
 CompactText::Bytes* CompactText::movedTo(std::uint32_t capacity) const {
-    auto* moved = static_cast<Bytes*>(_ePool::shared.allocate(sizeof(Bytes) + capacity));
+    auto* moved = static_cast<Bytes*>(_ePool::shared.allocateUnzeroed(sizeof(Bytes) + capacity));
     moved->capacity = capacity;
+    moved->size = 0;
     if (const Bytes* held = bytes()) {
         moved->size = std::min(held->size, capacity);
         std::memcpy(moved->units(), held->units(), moved->size);

@@ -41,6 +41,18 @@ TEST(Pool, BlocksAreCarvedFromChunksZeroedAndReusedWithinTheirClass) {
     EXPECT_EQ(pool.allocate(granule), a);
     EXPECT_TRUE(allZero(a, granule));
     EXPECT_EQ(pool.freeListBytes(), 0);
+    // A block above the largest class comes from the system allocator, zeroed all the same,
+    // whatever the block it reuses held; one left unzeroed is still taken from the free list.
+    constexpr std::size_t large = _ePool::largestPooled + 8;
+    auto* big = static_cast<char*>(pool.allocate(large));
+    std::memset(big, 0xAB, large);
+    pool.release(big, large);
+    big = static_cast<char*>(pool.allocate(large));
+    EXPECT_TRUE(allZero(big, large));
+    EXPECT_EQ(pool.liveLargeBytes(), std::int64_t(large));
+    pool.release(big, large);
+    pool.release(a, granule);
+    EXPECT_EQ(pool.allocateUnzeroed(granule), a);
 
     void* c = pool.allocate(granule + 1);           // the next class: a chunk of its own
     void* d = pool.allocate(_ePool::largestPooled);  // the last class
