@@ -273,7 +273,7 @@ private:
         const std::shared_ptr<const Bytes>* find(std::int32_t state, const Below<N>& below) const {
             if (std::size_t(state) < byState.size())
                 for (const Entry& entry : byState[std::size_t(state)])
-                    if (entry.below == below) return &entry.bytes;
+                    if (same(entry.below, below)) return &entry.bytes;
             return nullptr;
         }
         const Bytes* add(std::int32_t state, const Below<N>& below, std::shared_ptr<const Bytes> bytes) {
@@ -283,6 +283,12 @@ private:
         }
 
     private:
+        // Compared state by state: the array's own comparison goes through a call to memcmp.
+        static bool same(const Below<N>& a, const Below<N>& b) {
+            for (std::size_t k = 0; k < N; ++k)
+                if (a[k] != b[k]) return false;
+            return true;
+        }
         struct Entry {
             Below<N> below;
             std::shared_ptr<const Bytes> bytes;
