@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -27,10 +28,23 @@ bool readOpened(int fd, const std::string& path, std::string& text, std::string&
         if (fd >= 0) ::close(fd);
         return false;
     }
-    text.clear();
-    char buffer[65536];
-    ssize_t got;
-    while ((got = ::read(fd, buffer, sizeof buffer)) > 0) text.append(buffer, std::size_t(got));
+    // Read straight into the text, with room for one byte more than the file had: a read that
+    // leaves room over has met the end, so a file that didn't grow takes one read.
+    std::size_t size = 0;
+    std::size_t room = std::size_t(std::max<off_t>(info.st_size, 0)) + 1;
+    ssize_t got = 0;
+    for (;;) {
+        text.resize(size + room);
+        got = ::read(fd, text.data() + size, room);
+        if (got <= 0) break;
+        size += std::size_t(got);
+        if (std::size_t(got) < room) {
+            got = 0;
+            break;
+        }
+        room = 65536;
+    }
+    text.resize(size);
     if (got < 0) error = "cannot read '" + path + "': " + systemReason();
     ::close(fd);
     return got == 0;
