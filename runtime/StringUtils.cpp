@@ -71,9 +71,16 @@ _eString seqText(const _eString& s) {
 }
 
 bool textIsSpread(const _eString& text, std::wstring_view word) {
+    // Leaf by leaf: the caller has checked that the lengths agree.
     _eSeqReader<wchar_t> reader(text);
-    for (wchar_t unit : word)
-        if (reader.next() != unit) return false;
+    for (std::size_t at = 0; at < word.size();) {
+        int length = 0;
+        const wchar_t* units = reader.run(length);
+        std::size_t n = std::min(std::size_t(length), word.size() - at);
+        if (std::wmemcmp(units, word.data() + at, n) != 0) return false;
+        reader.skip(int(n));
+        at += n;
+    }
     return true;
 }
 

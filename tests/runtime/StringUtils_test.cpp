@@ -50,6 +50,23 @@ TEST(StringUtils, TextViewsHoldTheWholeWord) {
     EXPECT_FALSE(TextView(L"UML:Class").isIn(_eString(L"UML:Classifier")));
 }
 
+// A text of several leaves, of uneven lengths, equals a word only where every unit does: a
+// difference is found in any leaf, at either end of one.
+TEST(StringUtils, WordsAreComparedAcrossLeaves) {
+    const std::wstring word = std::wstring(20, L'a') + std::wstring(30, L'b') + std::wstring(33, L'c');
+    const _eString spread = _eString(word.substr(0, 20)) + _eString(word.substr(20, 30)) + _eString(word.substr(50));
+    ASSERT_FALSE(spread.rootNode()->isLeaf());
+    EXPECT_TRUE(textIs(spread, word));
+    EXPECT_TRUE(textIs(_eString(std::wstring_view(word)), word));
+    for (std::size_t at : {std::size_t(0), std::size_t(19), std::size_t(20), std::size_t(49), std::size_t(50),
+                           word.size() - 1}) {
+        std::wstring other = word;
+        other[at] = L'x';
+        EXPECT_FALSE(textIs(spread, other)) << at;
+    }
+    EXPECT_FALSE(textIs(spread, word.substr(1)));
+}
+
 // Only blanks go, from either end or both, in one leaf or across several; tabs and line ends
 // stay, and a text with nothing to trim is the same text.
 TEST(StringUtils, TrimmingTakesBlanksOffBothEndsOnly) {
