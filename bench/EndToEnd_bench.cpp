@@ -1,10 +1,11 @@
 // The whole path against libxml2 on the same files, for both shapes of synthetic model at 1, 10
 // and 50 MB. Every comparison is made within one run: in each round the contenders are measured
 // one after the other, the one that goes first changing from round to round, and the medians of
-// the rounds are compared. The contenders within the process each run in a process of their own,
-// forked once and asked for one run at a time: a tree builder that frees a million small blocks
-// leaves the C heap in a state that helps itself and costs the next one, so that each is
-// measured with the heap it would have, run alone again and again.
+// the rounds are compared. With --own-processes, the contenders within the process each run in
+// a process of their own instead, forked once and asked for one run at a time: a tree builder
+// that frees a million small blocks leaves the C heap in a state that helps itself and costs the
+// next one, and so each is measured with the heap it would have run alone again and again. A
+// worker waits between its runs, though, and a run after a wait is slower on some machines.
 //
 //   libxml2 tree    xmlReadFile + xmlFreeDoc
 //   pugixml tree    xml_document::load_file (when pugixml is installed)
@@ -18,7 +19,7 @@
 // Peak memory: the peak resident memory of a fresh process doing the work once, less that of a
 // fresh process doing nothing, over the file size.
 //
-// Usage: end_to_end_bench [--rounds N] [--shape synthetic|prose] [MEGABYTES...]
+// Usage: end_to_end_bench [--rounds N] [--shape synthetic|prose] [--own-processes] [MEGABYTES...]
 //        (default: 5 rounds, 11 at 1 MB; both shapes; 1 10 50)
 // The program runs itself as the measured fresh process: end_to_end_bench --measure TASK FILE
 // prints the peak in kilobytes.
@@ -232,7 +233,7 @@ bool alternate(std::vector<Contender>& contenders, int rounds, bool ownProcesses
 
 bool commandSucceeds(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
 
-bool measure(const std::string& shape, int megabytes, int rounds) {
+bool measure(const std::string& shape, int megabytes, int rounds, bool ownProcesses) {
     auto bytes = std::size_t(megabytes) << 20;
     BenchFile file(shape == "prose" ? XmiProseGenerator::model(bytes) : XmiGenerator::model(bytes));
     _eHndl<Environment> environment(new Environment());
@@ -280,7 +281,7 @@ bool measure(const std::string& shape, int megabytes, int rounds) {
     };
     if (commandSucceeds("command -v xmllint"))
         processes.push_back({"xmllint", [&] { return commandSucceeds("xmllint --noout '" + file.path + "'"); }, {}});
-    if (!alternate(inProcess, rounds, true) || !alternate(processes, rounds, false)) return false;
+    if (!alternate(inProcess, rounds, ownProcesses) || !alternate(processes, rounds, false)) return false;
 
     auto ms = [](const Contender& c) { return median(c.seconds) * 1e3; };
     auto perByte = [&](const Contender& c) { return median(c.seconds) * 1e9 / double(file.size); };
@@ -295,8 +296,8 @@ bool measure(const std::string& shape, int megabytes, int rounds) {
         const Contender* b = named(under);
         if (a != nullptr && b != nullptr) std::printf("  %s: %.2f\n", label, ms(*a) / ms(*b));
     };
-    std::printf("\n%s, %d MB (%zu bytes, %d classes), medians of %d alternating rounds\n", shape.c_str(), megabytes,
-                file.size, classes, rounds);
+    std::printf("\n%s, %d MB (%zu bytes, %d classes), medians of %d alternating rounds%s\n", shape.c_str(), megabytes,
+                file.size, classes, rounds, ownProcesses ? ", each in a process of its own" : "");
     for (const auto* list : {&inProcess, &processes})
         for (const Contender& c : *list)
             std::printf("  %-17s %9.1f ms %7.1f ns/byte\n", c.name.c_str(), ms(c), perByte(c));
@@ -335,10 +336,13 @@ int main(int argc, char** argv) {
         return failed;
     }
     int rounds = 5;
+    bool ownProcesses = false;
     std::vector<std::string> shapes = {"synthetic", "prose"};
     std::vector<int> sizes;
     for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--rounds") == 0 && i + 1 < argc)
+        if (std::strcmp(argv[i], "--own-processes") == 0)
+            ownProcesses = true;
+        else if (std::strcmp(argv[i], "--rounds") == 0 && i + 1 < argc)
             rounds = std::max(1, std::atoi(argv[++i]));
         else if (std::strcmp(argv[i], "--shape") == 0 && i + 1 < argc)
             shapes = {argv[++i]};
@@ -349,7 +353,7 @@ int main(int argc, char** argv) {
     xmlInitParser();
     for (const std::string& shape : shapes)
         for (int megabytes : sizes)
-            if (!measure(shape, megabytes, megabytes == 1 ? std::max(rounds, 11) : rounds)) return 1;
+            if (!measure(shape, megabytes, megabytes == 1 ? std::max(rounds, 11) : rounds, ownProcesses)) return 1;
     xmlCleanupParser();
     return 0;
 }
