@@ -36,18 +36,14 @@ bool readOpened(int fd, const std::string& path, std::string& text, std::string&
     for (;;) {
         text.resize(size + room);
         got = ::read(fd, text.data() + size, room);
-        if (got <= 0) break;
-        size += std::size_t(got);
-        if (std::size_t(got) < room) {
-            got = 0;
-            break;
-        }
+        if (got > 0) size += std::size_t(got);
+        if (got <= 0 || std::size_t(got) < room) break;
         room = 65536;
     }
     text.resize(size);
     if (got < 0) error = "cannot read '" + path + "': " + systemReason();
     ::close(fd);
-    return got == 0;
+    return got >= 0;
 }
 
 // The bytes of a plain file; false with the reason.
