@@ -61,7 +61,8 @@ private:
     };
 
     // `header` gives the file's header where `file` holds none, when a write or a merge needs it.
-    Step settle(GeneratedFile file, const std::function<std::string()>& header);
+    // `file` is the record's own where it came from there; it moves into the new record.
+    Step settle(GeneratedFile& file, const std::function<std::string()>& header);
     void stale(const RecordEntry& entry);
     // The file's bytes, with one look: false with `there` false where nothing stands at the
     // name, else false with the failure in `step`.
@@ -77,17 +78,17 @@ private:
     }
     void apply(Step& step);
 
-    // The file of the new generation: from the record when it was made from the same source.
-    GeneratedFile made(const PlannedFile& planned) const;
+    // The file of the new generation: the record's own when it was made from the same source,
+    // else laid out into `laidOut`.
+    GeneratedFile& made(const PlannedFile& planned, std::vector<GeneratedFile>& laidOut);
 
     OutputFolder folder;
     std::set<std::string> modelClasses;
     const UpdateOptions& options;
     GenerationRecord record;
     // The record's entries by file name, and those of one class by its id: the first of each.
-    std::unordered_map<std::string, const RecordEntry*> lastByName, lastByClass;
-    static const RecordEntry* recorded(const std::unordered_map<std::string, const RecordEntry*>& index,
-                                       const std::string& key) {
+    std::unordered_map<std::string, RecordEntry*> lastByName, lastByClass;
+    static RecordEntry* recorded(const std::unordered_map<std::string, RecordEntry*>& index, const std::string& key) {
         auto found = index.find(key);
         return found == index.end() ? nullptr : found->second;
     }
@@ -106,7 +107,7 @@ bool Update::readFile(const std::string& name, std::string& text, bool& there, S
     return false;
 }
 
-Update::Step Update::settle(GeneratedFile file, const std::function<std::string()>& header) {
+Update::Step Update::settle(GeneratedFile& file, const std::function<std::string()>& header) {
     Step step;
     step.report.file = file.name;
     const RecordEntry* last = recorded(lastByName, file.name);
@@ -171,7 +172,7 @@ Update::Step Update::settle(GeneratedFile file, const std::function<std::string(
         return step;
     }
     if (same(body, last->file.lines) && last->kept.empty()) {
-        bool unchanged = same(body, file.lines) && !renamed;
+        bool unchanged = (&file == &last->file || same(body, file.lines)) && !renamed;
         step.report.outcome = unchanged ? FileOutcome::unchanged : FileOutcome::updated;
         if (!unchanged) step.write = whole();
         keep({});
@@ -246,11 +247,12 @@ void Update::apply(Step& step) {
     }
 }
 
-GeneratedFile Update::made(const PlannedFile& planned) const {
-    const RecordEntry* last = planned.source.empty() ? nullptr : recorded(lastByName, planned.name);
-    if (last != nullptr && last->file.source == planned.source)
-        return last->file;  // without its header, which `settle` asks for only where it is written
-    GeneratedFile file = planned.layOut();
+GeneratedFile& Update::made(const PlannedFile& planned, std::vector<GeneratedFile>& laidOut) {
+    RecordEntry* last = planned.source.empty() ? nullptr : recorded(lastByName, planned.name);
+    // Without its header, which `settle` asks for only where it is written. No other file of
+    // this generation looks at the entry once its own is settled: it goes by this name.
+    if (last != nullptr && last->file.source == planned.source) return last->file;
+    GeneratedFile& file = laidOut.emplace_back(planned.layOut());
     file.source = planned.source;
     return file;
 }
@@ -264,19 +266,25 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     report.error.clear();
     if (!folder.readRecord(text, present, report.error)) return report;
     if (present && !GenerationRecord::read(text, folder.recordPath(), record, report.error)) return report;
-    for (const RecordEntry& entry : record.entries) {
+    for (RecordEntry& entry : record.entries) {
         lastByName.emplace(entry.file.name, &entry);
         if (entry.file.classIds.size() == 1) lastByClass.emplace(entry.file.classIds[0], &entry);
     }
-    std::vector<GeneratedFile> files;
+    std::vector<GeneratedFile> laidOut;
+    laidOut.reserve(planned.size());  // `files` points into it
+    std::vector<GeneratedFile*> files;
     for (const PlannedFile& each : planned) {
-        files.push_back(made(each));
-        modelClasses.insert(files.back().classIds.begin(), files.back().classIds.end());
+        files.push_back(&made(each, laidOut));
+        modelClasses.insert(files.back()->classIds.begin(), files.back()->classIds.end());
     }
-    for (const GeneratedFile& file : files) newNames.insert(file.name);
-    for (std::size_t i = 0; i < files.size(); ++i) steps.push_back(settle(std::move(files[i]), planned[i].header));
+    for (const GeneratedFile* file : files) newNames.insert(file->name);
+    // Recorded files of other names, taken before settling moves files out of the record.
+    std::vector<const RecordEntry*> others;
     for (const RecordEntry& entry : record.entries)
-        if (!settled.count(entry.file.name) && !newNames.count(entry.file.name)) stale(entry);
+        if (!newNames.count(entry.file.name)) others.push_back(&entry);
+    for (std::size_t i = 0; i < files.size(); ++i) steps.push_back(settle(*files[i], planned[i].header));
+    for (const RecordEntry* entry : others)
+        if (!settled.count(entry->file.name)) stale(*entry);
     // Every file is settled: the last record goes before the next one is written out.
     lastByName.clear();
     lastByClass.clear();
