@@ -211,7 +211,7 @@ void Update::stale(const RecordEntry& entry) {
     std::string text;
     bool there = false;
     if (!readFile(entry.file.name, text, there, step)) {
-        if (there) steps.push_back(step);
+        if (there) steps.push_back(std::move(step));
         return;
     }
     if (options.diff) step.before = text;
@@ -224,7 +224,7 @@ void Update::stale(const RecordEntry& entry) {
                               (options.prune ? "; you changed it, so it stays" : "; --prune removes it");
         entries[entry.file.name] = entry;
     }
-    steps.push_back(step);
+    steps.push_back(std::move(step));
 }
 
 void Update::apply(Step& step) {
@@ -282,6 +282,7 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     std::vector<const RecordEntry*> others;
     for (const RecordEntry& entry : record.entries)
         if (!newNames.count(entry.file.name)) others.push_back(&entry);
+    steps.reserve(files.size() + others.size());
     for (std::size_t i = 0; i < files.size(); ++i) steps.push_back(settle(*files[i], planned[i].header));
     for (const RecordEntry* entry : others)
         if (!settled.count(entry->file.name)) stale(*entry);
@@ -289,14 +290,19 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     lastByName.clear();
     lastByClass.clear();
     record = GenerationRecord();
-    std::sort(steps.begin(), steps.end(), [](const Step& a, const Step& b) { return a.report.file < b.report.file; });
+    // In the order of the file names; a step is large, so only pointers to them are sorted.
+    std::vector<Step*> ordered;
+    ordered.reserve(steps.size());
+    for (Step& step : steps) ordered.push_back(&step);
+    std::sort(ordered.begin(), ordered.end(), [](const Step* a, const Step* b) { return a->report.file < b->report.file; });
     report.ok = true;
-    for (Step& step : steps) {
-        apply(step);
-        FileOutcome outcome = step.report.outcome;
+    report.files.reserve(ordered.size());
+    for (Step* step : ordered) {
+        apply(*step);
+        FileOutcome outcome = step->report.outcome;
         report.ok = report.ok && outcome != FileOutcome::conflict && outcome != FileOutcome::foreign &&
                     outcome != FileOutcome::failed;
-        report.files.push_back(step.report);
+        report.files.push_back(std::move(step->report));
     }
     GenerationRecord next;
     // Texts that depended on more than their source keep none, so that no later run takes a

@@ -1,5 +1,6 @@
 #include "output/GenerationRecord.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <unordered_set>
@@ -156,6 +157,20 @@ public:
         return true;
     }
 
+    // Lines from here on that start with `word`, up to the first that starts with none of
+    // `words`: what a list about to be read will hold.
+    std::size_t ahead(std::string_view word, std::initializer_list<std::string_view> words) const {
+        std::size_t count = 0;
+        for (std::size_t from = at; from < text.size();) {
+            std::string_view rest = text.substr(from);
+            if (rest.starts_with(word)) ++count;
+            else if (std::none_of(words.begin(), words.end(), [&](std::string_view each) { return rest.starts_with(each); })) break;
+            std::size_t end = text.find('\n', from);
+            from = end == std::string_view::npos ? text.size() : end + 1;
+        }
+        return count;
+    }
+
     std::string error;
 
 private:
@@ -182,6 +197,10 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
     bool begun = false;
     RecordEntry* entry = nullptr;
     std::unordered_set<std::string> names;
+    std::size_t files = 0;
+    for (std::size_t at = text.find("\nfile "); at != std::string::npos; at = text.find("\nfile ", at + 1)) ++files;
+    record.entries.reserve(files);
+    names.reserve(files);
     bool ok = true;
     while (ok && !reader.atEnd()) {
         std::string_view line = reader.line();
@@ -218,6 +237,8 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
         } else if (word == "piece") {
             auto [first, afterFirst] = firstWord(rest);
             auto [end, key] = firstWord(afterFirst);
+            // The pieces of a file stand together: room for all of them at once.
+            if (entry->file.pieces.empty()) entry->file.pieces.reserve(reader.ahead("piece ", {"body "}) + 1);
             TextPiece piece;
             piece.key = key;
             ok = (RecordReader::number(first, limit, piece.first) && RecordReader::number(end, limit, piece.end) && piece.first < piece.end &&
