@@ -314,8 +314,7 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
         if (madeFrom.count(entry.file.source)) entry.file.source.clear();
         next.entries.push_back(std::move(entry));
     }
-    std::string nextText = next.text();
-    if (options.write && (!present || nextText != text) && !folder.writeRecord(nextText, error)) {
+    if (options.write && (!present || !next.writes(text)) && !folder.writeRecord(next.text(), error)) {
         report.ok = false;
         report.error = error;
     }

@@ -67,11 +67,68 @@ namespace {
 const char* const firstLine = "modelbridge-record 1";
 const char* const sourceMark = "# from ";
 
-void appendLines(std::string& text, const Lines& lines) {
-    for (const std::string& line : lines) {
-        text += '|';
-        text.append(line, 0, line.empty() || line.back() != '\n' ? line.size() : line.size() - 1);
-        text += '\n';
+// Where a record's text goes: appended to a string, or compared with a text piece by piece, so
+// that a record that would be written as it stands is never built whole.
+class RecordText {
+public:
+    explicit RecordText(std::string& into) : into(&into) {}
+    explicit RecordText(std::string_view against) : against(against) {}
+
+    void add(std::string_view piece) {
+        if (into != nullptr) {
+            into->append(piece);
+            return;
+        }
+        // `at` stays within the text: it moves on only past what matched.
+        differs = differs || against.substr(at, piece.size()) != piece;
+        if (!differs) at += piece.size();
+    }
+    void add(std::initializer_list<std::string_view> pieces) {
+        for (std::string_view piece : pieces) add(piece);
+    }
+    void addLines(const Lines& lines) {
+        for (const std::string& line : lines) {
+            add("|");
+            add(std::string_view(line).substr(0, line.empty() || line.back() != '\n' ? line.size() : line.size() - 1));
+            add("\n");
+        }
+    }
+    // Compared: whether every piece matched and the text ended with the last.
+    bool matched() const { return !differs && at == against.size(); }
+
+private:
+    std::string* into = nullptr;
+    std::string_view against;
+    std::size_t at = 0;
+    bool differs = false;
+};
+
+void writeRecord(const GenerationRecord& record, RecordText& out) {
+    // Numbers are added as they are written: joining them first makes a string of each join.
+    auto number = [](std::size_t value, char (&digits)[24]) {
+        return std::string_view(digits, std::size_t(std::to_chars(digits, digits + sizeof digits, value).ptr - digits));
+    };
+    char a[24], b[24];
+    out.add({"# What ModelBridge generated last into this folder. Keep it with the generated files:\n"
+             "# updates merge the model's changes into your text by it.\n",
+             firstLine, "\n"});
+    for (const RecordEntry& entry : record.entries) {
+        const GeneratedFile& file = entry.file;
+        out.add({"file ", file.name, "\n"});
+        for (const std::string& id : file.classIds) out.add({"class ", GenerationRecord::keyText(id), "\n"});
+        // A comment to readers that don't know it, so that they still read the record.
+        if (!file.source.empty()) out.add({sourceMark, file.source, "\n"});
+        for (const TextPiece& piece : file.pieces) {
+            out.add({"piece ", number(piece.first, a), " ", number(piece.end, b), " ", piece.key, "\n"});
+            for (const auto& [line, column] : piece.bodies) out.add({"body ", number(line, a), " ", number(column, b), "\n"});
+        }
+        out.add({"text ", number(file.lines.size(), a), "\n"});
+        out.addLines(file.lines);
+        for (const KeptMember& kept : entry.kept) {
+            out.add({"kept ", number(kept.lines.size(), a), " ", kept.key, "\n"});
+            out.addLines(kept.lines);
+        }
+        out.add("end\n");
     }
 }
 
@@ -85,36 +142,15 @@ std::string GenerationRecord::text() const {
     }
     std::string text;
     text.reserve(size + 256);
-    // Pieces and numbers are appended one by one: joining them first makes a string of each join.
-    auto add = [&text](std::initializer_list<std::string_view> pieces) {
-        for (std::string_view piece : pieces) text.append(piece);
-    };
-    auto number = [](std::size_t value, char (&digits)[24]) {
-        return std::string_view(digits, std::size_t(std::to_chars(digits, digits + sizeof digits, value).ptr - digits));
-    };
-    char a[24], b[24];
-    add({"# What ModelBridge generated last into this folder. Keep it with the generated files:\n"
-         "# updates merge the model's changes into your text by it.\n",
-         firstLine, "\n"});
-    for (const RecordEntry& entry : entries) {
-        const GeneratedFile& file = entry.file;
-        add({"file ", file.name, "\n"});
-        for (const std::string& id : file.classIds) add({"class ", keyText(id), "\n"});
-        // A comment to readers that don't know it, so that they still read the record.
-        if (!file.source.empty()) add({sourceMark, file.source, "\n"});
-        for (const TextPiece& piece : file.pieces) {
-            add({"piece ", number(piece.first, a), " ", number(piece.end, b), " ", piece.key, "\n"});
-            for (const auto& [line, column] : piece.bodies) add({"body ", number(line, a), " ", number(column, b), "\n"});
-        }
-        add({"text ", number(file.lines.size(), a), "\n"});
-        appendLines(text, file.lines);
-        for (const KeptMember& kept : entry.kept) {
-            add({"kept ", number(kept.lines.size(), a), " ", kept.key, "\n"});
-            appendLines(text, kept.lines);
-        }
-        text += "end\n";
-    }
+    RecordText out(text);
+    writeRecord(*this, out);
     return text;
+}
+
+bool GenerationRecord::writes(std::string_view text) const {
+    RecordText out(text);
+    writeRecord(*this, out);
+    return out.matched();
 }
 
 namespace {

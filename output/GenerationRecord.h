@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "output/LineDiff.h"
@@ -68,6 +69,8 @@ public:
     static bool read(const std::string& text, const std::string& path, GenerationRecord& record, std::string& error);
     // The record's text: stable, one item per line, without paths or times.
     std::string text() const;
+    // Whether `text()` would give `text`, found without building it.
+    bool writes(std::string_view text) const;
 
     const RecordEntry* byName(const std::string& name) const;
     // The entry of a file that holds the one class `classId` alone.

@@ -27,6 +27,19 @@ TEST(GenerationRecord, ReadsBackWhatItWrites) {
     EXPECT_EQ(back.byClass("c 1"), &back.entries[0]);
     EXPECT_EQ(back.byName("B.tv"), &back.entries[1]);
     EXPECT_EQ(back.byName("C.tv"), nullptr);
+    // Whether a text is the record's, found without writing it: any byte changed, missing or
+    // added, at the start, within a line of text or at the end, makes it another record's.
+    EXPECT_TRUE(record.writes(text));
+    for (std::size_t at : {std::size_t(0), text.find("schema"), text.size() - 1}) {
+        std::string changed = text;
+        changed[at] ^= 1;
+        EXPECT_FALSE(record.writes(changed)) << at;
+        EXPECT_FALSE(record.writes(std::string(text).erase(at, 1))) << at;
+        EXPECT_FALSE(record.writes(std::string(text).insert(at, "x"))) << at;
+    }
+    EXPECT_FALSE(record.writes(text + "\n"));
+    EXPECT_FALSE(record.writes(""));
+    EXPECT_FALSE(record.writes(unknown));
     EXPECT_EQ(GenerationRecord::keyText("a b%\n"), "a%20b%25%0A");
     EXPECT_EQ(GenerationRecord::idOfKeyText("a%20b%25%0A%"), "a b%\n%");
 }
