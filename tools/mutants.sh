@@ -436,6 +436,9 @@ mutations() {
 @ output/OutputFolder.cpp | a file read whole keeps the byte of room after its text
 - text.resize(size);
 + text.resize(size + 1);
+@ output/GenerationRecord.cpp | a record taken for the text it begins, whatever follows
+- bool matched() const { return !differs && at == against.size(); }
++ bool matched() const { return !differs; }
 EOF
 }
 
