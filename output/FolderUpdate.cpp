@@ -73,7 +73,8 @@ private:
         std::size_t header = MemberMerge::headerOf(lines, TarvaneOutput::headerLines);
         return LineViews(lines.begin() + long(header), lines.end());
     }
-    static bool same(const LineViews& body, const Lines& lines) {
+    static bool same(const LineViews& body, const GeneratedFile& file) {
+        LineViews lines = file.textLines();
         return std::equal(body.begin(), body.end(), lines.begin(), lines.end());
     }
     void apply(Step& step);
@@ -110,7 +111,7 @@ bool Update::readFile(const std::string& name, std::string& text, bool& there, S
 Update::Step Update::settle(GeneratedFile& file, const std::function<std::string()>& header) {
     Step step;
     step.report.file = file.name;
-    const RecordEntry* last = recorded(lastByName, file.name);
+    RecordEntry* last = recorded(lastByName, file.name);
     bool renamed = false;
     if (last == nullptr && file.classIds.size() == 1) {
         last = recorded(lastByClass, file.classIds[0]);
@@ -122,7 +123,10 @@ Update::Step Update::settle(GeneratedFile& file, const std::function<std::string
         if (file.header.empty()) file.header = header();
         return file;
     };
-    auto whole = [&] { return headed().header + joinLines(file.lines); };
+    auto whole = [&] {
+        file.split();
+        return headed().header + joinLines(file.lines);
+    };
     // The file goes into the new record, without its header, once nothing else needs it.
     auto keep = [&](std::vector<KeptMember> kept) {
         RecordEntry& entry = entries[file.name];
@@ -157,7 +161,7 @@ Update::Step Update::settle(GeneratedFile& file, const std::function<std::string
     if (renamed) step.remove = source;
     LineViews body = bodyOf(text);
     if (last == nullptr) {
-        if (same(body, file.lines)) {
+        if (same(body, file)) {
             step.report.outcome = FileOutcome::unchanged;
         } else if (options.overwrite) {
             step.report.outcome = FileOutcome::updated;
@@ -171,13 +175,15 @@ Update::Step Update::settle(GeneratedFile& file, const std::function<std::string
         keep({});
         return step;
     }
-    if (same(body, last->file.lines) && last->kept.empty()) {
-        bool unchanged = (&file == &last->file || same(body, file.lines)) && !renamed;
+    if (same(body, last->file) && last->kept.empty()) {
+        bool unchanged = (&file == &last->file || same(body, file)) && !renamed;
         step.report.outcome = unchanged ? FileOutcome::unchanged : FileOutcome::updated;
         if (!unchanged) step.write = whole();
         keep({});
         return step;
     }
+    last->file.split();
+    file.split();
     MergeOutcome merged = MemberMerge::merge(*last, text, headed());
     step.report.orphaned = merged.orphaned;
     step.report.restored = merged.restored;
@@ -215,7 +221,7 @@ void Update::stale(const RecordEntry& entry) {
         return;
     }
     if (options.diff) step.before = text;
-    if (options.prune && same(bodyOf(text), entry.file.lines)) {
+    if (options.prune && same(bodyOf(text), entry.file)) {
         step.report.outcome = FileOutcome::pruned;
         step.remove = entry.file.name;
     } else {
@@ -265,7 +271,8 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     if (!folder.usable(report.error) && (options.write || folder.present())) return report;
     report.error.clear();
     if (!folder.readRecord(text, present, report.error)) return report;
-    if (present && !GenerationRecord::read(text, folder.recordPath(), record, report.error)) return report;
+    // Only the texts of files to merge are split into lines.
+    if (present && !GenerationRecord::read(text, folder.recordPath(), record, report.error, false)) return report;
     for (RecordEntry& entry : record.entries) {
         lastByName.emplace(entry.file.name, &entry);
         if (entry.file.classIds.size() == 1) lastByClass.emplace(entry.file.classIds[0], &entry);

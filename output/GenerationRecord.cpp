@@ -12,6 +12,21 @@ std::string GeneratedFile::classOf(std::size_t index) const {
     return {};
 }
 
+LineViews GeneratedFile::textLines() const {
+    if (unsplit.empty()) return LineViews(lines.begin(), lines.end());
+    LineViews views = lineViews(unsplit);
+    for (std::string_view& view : views) view.remove_prefix(1);  // the "|"
+    return views;
+}
+
+void GeneratedFile::split() {
+    if (unsplit.empty()) return;
+    LineViews views = textLines();
+    lines.assign(views.begin(), views.end());
+    unsplit = std::string();
+    unsplitLines = 0;
+}
+
 bool GenerationRecord::plainFileName(const std::string& name) {
     if (name.empty() || name == "." || name == ".." || name.size() > 255) return false;
     for (char c : name)
@@ -122,8 +137,11 @@ void writeRecord(const GenerationRecord& record, RecordText& out) {
             out.add({"piece ", number(piece.first, a), " ", number(piece.end, b), " ", piece.key, "\n"});
             for (const auto& [line, column] : piece.bodies) out.add({"body ", number(line, a), " ", number(column, b), "\n"});
         }
-        out.add({"text ", number(file.lines.size(), a), "\n"});
-        out.addLines(file.lines);
+        out.add({"text ", number(file.lineCount(), a), "\n"});
+        if (file.unsplit.empty())
+            out.addLines(file.lines);
+        else
+            out.add(file.unsplit);
         for (const KeptMember& kept : entry.kept) {
             out.add({"kept ", number(kept.lines.size(), a), " ", kept.key, "\n"});
             out.addLines(kept.lines);
@@ -138,6 +156,7 @@ std::string GenerationRecord::text() const {
     std::size_t size = 0;
     for (const RecordEntry& entry : entries) {
         for (const std::string& line : entry.file.lines) size += line.size() + 2;
+        size += entry.file.unsplit.size();
         size += 64 * (entry.file.pieces.size() + entry.file.classIds.size() + 4) + entry.file.source.size();
     }
     std::string text;
@@ -179,7 +198,19 @@ public:
         auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
         return status == std::errc() && end == text.data() + text.size() && value < limit;
     }
-    // `count` lines, each "|" and the text of the line.
+    // `count` lines, each "|" and the text of the line, as they stand, each with its line end.
+    bool unsplitLines(std::size_t count, std::string& into) {
+        std::size_t from = at;
+        for (std::size_t i = 0; i < count; ++i) {
+            if (atEnd()) return fail("the record ends within a text");
+            std::string_view text = line();
+            if (text.empty() || text[0] != '|') return fail("a line of text must start with '|'");
+        }
+        // A record goes on after a text ("end" at least), so its last line has its end too.
+        into.assign(text.substr(from, at - from));
+        return true;
+    }
+    // The same, split.
     bool textLines(std::size_t count, Lines& into) {
         if (count <= text.size() - at) into.reserve(into.size() + count);
         for (std::size_t i = 0; i < count; ++i) {
@@ -226,7 +257,7 @@ std::pair<std::string_view, std::string_view> firstWord(std::string_view line) {
 }  // namespace
 
 bool GenerationRecord::read(const std::string& text, const std::string& path, GenerationRecord& record,
-                            std::string& error) {
+                            std::string& error, bool split) {
     record.entries.clear();
     RecordReader reader(text, path);
     const std::size_t limit = std::size_t(1) << 31;
@@ -293,12 +324,17 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
             ok = (RecordReader::number(countText, limit, count) && (word == "text" ? key.empty() : !key.empty())) ||
                  reader.fail("'" + std::string(word) + "' needs its number of lines" + (word == "kept" ? " and its key" : ""));
             if (word == "kept") entry->kept.push_back({std::string(key), {}});
-            ok = ok && reader.textLines(count, word == "text" ? entry->file.lines : entry->kept.back().lines);
+            if (ok && word == "text" && !split) {
+                ok = reader.unsplitLines(count, entry->file.unsplit);
+                entry->file.unsplitLines = count;
+            } else {
+                ok = ok && reader.textLines(count, word == "text" ? entry->file.lines : entry->kept.back().lines);
+            }
         } else if (word == "end") {
             // Each piece must stand within the text, in order, and each body within its piece.
             std::size_t after = 0;
             for (const TextPiece& piece : entry->file.pieces) {
-                ok = ok && piece.first >= after && piece.end <= entry->file.lines.size();
+                ok = ok && piece.first >= after && piece.end <= entry->file.lineCount();
                 for (const auto& [at, column] : piece.bodies) ok = ok && at >= piece.first && at < piece.end;
                 after = piece.end;
             }

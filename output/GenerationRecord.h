@@ -34,8 +34,17 @@ struct GeneratedFile {
     // A digest of what the text was made from (the model's bytes and every option that shapes
     // the text); the same digest gives the same text. Empty when unknown.
     std::string source;
+    // A text read from a record and not split into `lines` yet: "|", the line and its end, for
+    // each of `unsplitLines` lines. Empty once split, and for a text laid out.
+    std::string unsplit{};
+    std::size_t unsplitLines = 0;
 
     bool operator==(const GeneratedFile&) const = default;
+    // The lines of the text, split or not.
+    LineViews textLines() const;
+    std::size_t lineCount() const { return unsplit.empty() ? lines.size() : unsplitLines; }
+    // Moves an unsplit text into `lines`.
+    void split();
     // The key of the class whose declaration holds the piece at `index`: the head before it.
     std::string classOf(std::size_t index) const;
 };
@@ -65,8 +74,10 @@ public:
     static constexpr const char* file = "record";
 
     // Reads a record's text; false with "FILE:LINE: reason" in `error` when it can't be read,
-    // `path` naming the file.
-    static bool read(const std::string& text, const std::string& path, GenerationRecord& record, std::string& error);
+    // `path` naming the file. With `split` false the files' texts stay unsplit, for a reader
+    // that needs the lines of only a few.
+    static bool read(const std::string& text, const std::string& path, GenerationRecord& record, std::string& error,
+                     bool split = true);
     // The record's text: stable, one item per line, without paths or times.
     std::string text() const;
     // Whether `text()` would give `text`, found without building it.

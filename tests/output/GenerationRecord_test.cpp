@@ -40,6 +40,19 @@ TEST(GenerationRecord, ReadsBackWhatItWrites) {
     EXPECT_FALSE(record.writes(text + "\n"));
     EXPECT_FALSE(record.writes(""));
     EXPECT_FALSE(record.writes(unknown));
+    // Read without splitting, each text stays as the record holds it until it is split, and
+    // the record writes the same text either way.
+    GenerationRecord unsplit;
+    ASSERT_TRUE(GenerationRecord::read(text, "r", unsplit, error, false)) << error;
+    GeneratedFile& account = unsplit.entries[0].file;
+    EXPECT_TRUE(account.lines.empty());
+    EXPECT_EQ(account.lineCount(), 3u);
+    EXPECT_EQ(account.textLines(), entry.file.textLines());
+    EXPECT_EQ(unsplit.entries[1].file.textLines(), LineViews{"|x\n"});
+    EXPECT_EQ(unsplit.text(), text);
+    EXPECT_TRUE(unsplit.writes(text));
+    account.split();
+    EXPECT_EQ(unsplit.entries[0], record.entries[0]);
     EXPECT_EQ(GenerationRecord::keyText("a b%\n"), "a%20b%25%0A");
     EXPECT_EQ(GenerationRecord::idOfKeyText("a%20b%25%0A%"), "a b%\n%");
 }
@@ -69,11 +82,14 @@ TEST(GenerationRecord, RefusesWhatItCantReadByFileAndLine) {
         {start + "file A.tv\npiece 5 6 member o\nfile B.tv\n", "rec:4: the file 'A.tv' has no 'end' before the next file"},
         {start + "file A.tv\nwhat\n", "rec:3: unknown item 'what'"},
     };
-    for (const Row& row : rows) {
-        GenerationRecord record;
-        std::string error;
-        EXPECT_FALSE(GenerationRecord::read(row.text, "rec", record, error)) << row.text;
-        EXPECT_EQ(error, row.error) << row.text;
-        EXPECT_TRUE(record.entries.empty());
+    // Texts split or not, the same faults are found at the same lines.
+    for (bool split : {true, false}) {
+        for (const Row& row : rows) {
+            GenerationRecord record;
+            std::string error;
+            EXPECT_FALSE(GenerationRecord::read(row.text, "rec", record, error, split)) << row.text;
+            EXPECT_EQ(error, row.error) << row.text;
+            EXPECT_TRUE(record.entries.empty());
+        }
     }
 }
