@@ -124,7 +124,7 @@ Update::Step Update::settle(GeneratedFile& file, const std::function<std::string
         return file;
     };
     auto whole = [&] {
-        file.split();
+        file.split();  // a text from the record, split only where it is written
         return headed().header + joinLines(file.lines);
     };
     // The file goes into the new record, without its header, once nothing else needs it.

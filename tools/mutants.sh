@@ -287,8 +287,8 @@ mutations() {
 - if (c == '/' || (unsigned char)c < 0x20 || c == 0x7f) return false;
 + if ((unsigned char)c < 0x20 || c == 0x7f) return false;
 @ output/FolderUpdate.cpp | update: a file the user never changed is merged as if they had
-- if (same(body, last->file.lines) && last->kept.empty()) {
-+ if (same(body, last->file.lines) && !last->kept.empty()) {
+- if (same(body, last->file) && last->kept.empty()) {
++ if (same(body, last->file) && !last->kept.empty()) {
 @ xmi/ClassRenderer.cpp | an interface's operations keep their own abstractness
 - deferred.isAbstract = true;
 + deferred.isAbstract = member.isAbstract;
@@ -439,6 +439,12 @@ mutations() {
 @ output/GenerationRecord.cpp | a record taken for the text it begins, whatever follows
 - bool matched() const { return !differs && at == against.size(); }
 + bool matched() const { return !differs; }
+@ output/FolderUpdate.cpp | a file written again from the record's text before its lines are split
+- file.split();  // a text from the record, split only where it is written
++ (void)file;
+@ output/FolderUpdate.cpp | a merge given the record's text unsplit, as no lines
+- last->file.split();
++ (void)last;
 EOF
 }
 

@@ -324,6 +324,12 @@ TEST_F(FolderUpdate, AnUnchangedModelIsReadFromTheRecordAndAnyChangeIsLaidOutAga
     EXPECT_EQ(same.out, "unchanged " + out + "/Account.tv\n");
     EXPECT_EQ(host("").status, 0);
     EXPECT_NE(temp.read("out/Account.tv").find("end; // as recorded"), std::string::npos);
+    // A file its user removed comes back whole, with the record's text.
+    std::filesystem::remove(out + "/Account.tv");
+    EXPECT_EQ(host("").status, 0);
+    std::string recorded = accountText;
+    recorded.replace(recorded.find("\nend;\n"), 6, "\nend; // as recorded\n");
+    EXPECT_EQ(afterHeader(temp.read("out/Account.tv")), recorded);
 
     // Another layout lays the class out again: the file, untouched by its user, takes the text.
     EXPECT_EQ(host("--line-width 80").status, 0);
