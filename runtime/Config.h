@@ -20,6 +20,22 @@
 #define MODELBRIDGE_POOL_BYPASS 0
 #endif
 
+// MODELBRIDGE_POOL_MAPS: the pool maps its chunks from the system itself, in slabs, rather than
+// taking them from the C++ allocator; they then come zeroed. Off where a sanitizer runs, so that
+// it sees the chunks as heap memory: a leak checker looks for pointers in them.
+#ifndef MODELBRIDGE_POOL_MAPS
+#if MODELBRIDGE_SANITIZE || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define MODELBRIDGE_POOL_MAPS 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
+#define MODELBRIDGE_POOL_MAPS 0
+#endif
+#endif
+#ifndef MODELBRIDGE_POOL_MAPS
+#define MODELBRIDGE_POOL_MAPS 1
+#endif
+#endif
+
 // MODELBRIDGE_DEEP_CHECK: every change to a tree ends with a walk of the whole tree that
 // checks its invariants. Slow; for tests and fuzzing. Off by default.
 #ifndef MODELBRIDGE_DEEP_CHECK

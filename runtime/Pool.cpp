@@ -1,15 +1,67 @@
 #include "runtime/Pool.h"
 
+#include <sys/mman.h>
+
+#include <cstdint>
 #include <new>
 
 constinit _ePool _ePool::shared{};
 
 namespace {
 
+#if MODELBRIDGE_POOL_MAPS
+// Chunks mapped from the system in slabs of 16, each chunk aligned to its size. A chunk given
+// back returns its pages to the system and waits, still mapped, to be taken again: the system
+// gives its pages back zeroed when they are next touched. Shared by every pool.
+struct ChunkSource {
+    static constexpr std::size_t slabBytes = 16 * _ePool::chunkBytes;
+    char* next;   // the part of the newest slab not handed out yet
+    char* end;
+    void* spare;  // chunks given back, each linked to the next by its first word
+};
+constinit ChunkSource source{};
+
+void* takeChunk() {
+    if (source.spare != nullptr) {
+        void* chunk = source.spare;
+        source.spare = *static_cast<void**>(chunk);
+        *static_cast<void**>(chunk) = nullptr;
+        return chunk;
+    }
+    if (source.next == source.end) {
+        // One chunk more than the slab, so that an aligned slab lies within; the rest goes back.
+        const std::size_t bytes = ChunkSource::slabBytes + _ePool::chunkBytes;
+        void* mapped = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (mapped == MAP_FAILED) return nullptr;
+        char* start = static_cast<char*>(mapped);
+        auto* slab = reinterpret_cast<char*>((reinterpret_cast<std::uintptr_t>(start) + _ePool::chunkBytes - 1) &
+                                             ~std::uintptr_t(_ePool::chunkBytes - 1));
+        if (slab != start) ::munmap(start, std::size_t(slab - start));
+        std::size_t after = std::size_t(start + bytes - (slab + ChunkSource::slabBytes));
+        if (after != 0) ::munmap(slab + ChunkSource::slabBytes, after);
+        source.next = slab;
+        source.end = slab + ChunkSource::slabBytes;
+    }
+    void* chunk = source.next;
+    source.next += _ePool::chunkBytes;
+    return chunk;
+}
+
+void giveChunkBack(void* chunk) {
+    ::madvise(chunk, _ePool::chunkBytes, MADV_DONTNEED);
+    *static_cast<void**>(chunk) = source.spare;
+    source.spare = chunk;
+}
+#else
+void* takeChunk() { return ::operator new(_ePool::chunkBytes, std::align_val_t(_ePool::chunkBytes), std::nothrow); }
+
+void giveChunkBack(void* chunk) { ::operator delete(chunk, std::align_val_t(_ePool::chunkBytes)); }
+#endif
+
 // The pool is on from the start, so that objects made by static initialisers are pooled too.
-// At process exit the free lists are forgotten, the chunks without a live block go back to the
-// system allocator, and the pool is switched off, so that every other chunk goes back as soon
-// as its last block is released: a leak checker sees only real leaks.
+// At process exit the free lists are forgotten, the chunks without a live block go back, and
+// the pool is switched off, so that every other chunk goes back as soon as its last block is
+// released: a leak checker sees only real leaks.
 struct PoolLifetime {
     ~PoolLifetime() { _ePool::shared.shutDown(); }
 };
@@ -33,10 +85,11 @@ void* _ePool::carveFromNewChunk(std::size_t index) {
     // A flush walks every free block: the next one waits until a quarter of the pool more has
     // been released, so that blocks of chunks that stay in use are not walked again and again.
     if (freeBytes > totalPooled / 4 && freeBytes >= flushFloor) flush();
-    void* memory = ::operator new(chunkBytes, std::align_val_t(chunkBytes), std::nothrow);
+    void* memory = takeChunk();
     if (memory == nullptr) {
         flush();
-        memory = ::operator new(chunkBytes, std::align_val_t(chunkBytes));
+        memory = takeChunk();
+        if (memory == nullptr) throw std::bad_alloc();
     }
     auto* chunk = static_cast<Chunk*>(memory);
     *chunk = {nullptr, chunks, std::uint32_t(index), 0, 0};
@@ -63,7 +116,7 @@ void _ePool::freeChunk(Chunk* chunk) {
     if (chunks == chunk) chunks = chunk->next;
     totalPooled -= std::int64_t(chunkBytes);
     MB_UNPOISON(chunk, chunkBytes);
-    ::operator delete(static_cast<void*>(chunk), std::align_val_t(chunkBytes));
+    giveChunkBack(chunk);
 }
 
 void _ePool::releaseLarge(void* block, std::size_t size) {

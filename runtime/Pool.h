@@ -89,8 +89,7 @@ public:
         MB_POISON(block, roundedSize(index));
     }
 
-    // Gives every chunk without a live block back to the system allocator, taking its blocks
-    // out of the free lists.
+    // Gives every chunk without a live block back, taking its blocks out of the free lists.
     void flush();
     // At process exit: forgets the free lists, gives back every chunk without a live block,
     // and switches the pool off, so that a chunk goes back as soon as its last block does.

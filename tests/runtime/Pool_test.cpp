@@ -1,6 +1,7 @@
 // The block pool: size classes, zeroed blocks, the flush rule and what the sanitizers see.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -73,6 +74,33 @@ TEST(Pool, BlocksAreCarvedFromChunksZeroedAndReusedWithinTheirClass) {
     EXPECT_EQ(pool.freeListBytes(), 0);
     EXPECT_EQ(pool.freeBlocks(0), 0u);
 }
+
+#if MODELBRIDGE_POOL_MAPS && !MODELBRIDGE_POOL_BYPASS
+TEST(Pool, ChunksGoBackToTheSystemAndComeAgainZeroed) {
+    _ePool pool = freshPool();
+    constexpr std::size_t size = 64;
+    auto* a = static_cast<char*>(pool.allocateUnzeroed(size));
+    _ePool::Chunk* chunk = _ePool::chunkOf(a);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(chunk) % _ePool::chunkBytes, 0u);
+    EXPECT_TRUE(allZero(a, _ePool::chunkBytes - _ePool::headerBytes));
+    std::memset(a, 0xAB, _ePool::chunkBytes - _ePool::headerBytes);
+    pool.release(a, size);
+    pool.flush();
+    EXPECT_EQ(pool.pooledBytes(), 0);
+    // The chunk given back is the next one taken, its old bytes gone.
+    auto* b = static_cast<char*>(pool.allocateUnzeroed(size));
+    EXPECT_EQ(_ePool::chunkOf(b), chunk);
+    EXPECT_TRUE(allZero(b, _ePool::chunkBytes - _ePool::headerBytes));
+    // Chunks of other classes come from the same slab, one after the other.
+    void* c = pool.allocateUnzeroed(size + _ePool::granule);
+    EXPECT_NE(_ePool::chunkOf(c), chunk);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(c) % _ePool::chunkBytes, _ePool::headerBytes);
+    pool.release(b, size);
+    pool.release(c, size + _ePool::granule);
+    pool.flush();
+    EXPECT_EQ(pool.pooledBytes(), 0);
+}
+#endif
 
 #if MODELBRIDGE_SANITIZE && !MODELBRIDGE_POOL_BYPASS
 TEST(PoolDeathTest, UseAfterReleaseIsReported) {
