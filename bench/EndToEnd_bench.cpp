@@ -96,8 +96,9 @@ bool generateAll(XMLImporter& importer, const std::string& directory) {
     return success && names.size() > 0;
 }
 
-// The work of one task, done once: what the measuring child process runs.
-int runTask(const std::string& task, const std::string& path) {
+// The work of one task, done once: what the measuring child process runs. Generation writes into
+// `out`, made and removed by the caller for every task alike.
+int runTask(const std::string& task, const std::string& path, const std::string& out) {
     if (task == "none") return 0;
     if (task == "libxml2") return buildTree(path) ? 0 : 1;
     if (task == "pugixml") return buildPugiTree(path) ? 0 : 1;
@@ -106,8 +107,7 @@ int runTask(const std::string& task, const std::string& path) {
     XMLImporter importer(environment.get());
     if (!parse(importer, path, extensions)) return 1;
     if (task.starts_with("parse")) return 0;
-    OutputDir out;
-    return generateAll(importer, out.path) ? 0 : 1;
+    return generateAll(importer, out) ? 0 : 1;
 }
 
 // Peak resident kilobytes of this process since it started.
@@ -331,7 +331,9 @@ bool measure(const std::string& shape, int megabytes, int rounds, bool ownProces
 
 int main(int argc, char** argv) {
     if (argc == 4 && std::strcmp(argv[1], "--measure") == 0) {
-        int failed = runTask(argv[2], argv[3]);
+        // The directory goes after the peak is read: removing it is the measurement's own work.
+        OutputDir out;
+        int failed = runTask(argv[2], argv[3], out.path);
         std::printf("%ld\n", ownPeakKilobytes());
         return failed;
     }
