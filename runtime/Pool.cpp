@@ -11,8 +11,9 @@ namespace {
 
 #if MODELBRIDGE_POOL_MAPS
 // Chunks mapped from the system in slabs of 16, each chunk aligned to its size. A chunk given
-// back returns its pages to the system and waits, still mapped, to be taken again: the system
-// gives its pages back zeroed when they are next touched. Shared by every pool.
+// back keeps its pages and waits to be taken again, for any class: a process that parses again
+// and again uses the same pages rather than having the system map them afresh each time, as
+// glibc's heap would keep them too. Shared by every pool.
 struct ChunkSource {
     static constexpr std::size_t slabBytes = 16 * _ePool::chunkBytes;
     char* next;   // the part of the newest slab not handed out yet
@@ -25,7 +26,6 @@ void* takeChunk() {
     if (source.spare != nullptr) {
         void* chunk = source.spare;
         source.spare = *static_cast<void**>(chunk);
-        *static_cast<void**>(chunk) = nullptr;
         return chunk;
     }
     if (source.next == source.end) {
@@ -48,7 +48,6 @@ void* takeChunk() {
 }
 
 void giveChunkBack(void* chunk) {
-    ::madvise(chunk, _ePool::chunkBytes, MADV_DONTNEED);
     *static_cast<void**>(chunk) = source.spare;
     source.spare = chunk;
 }
