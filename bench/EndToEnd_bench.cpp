@@ -6,6 +6,8 @@
 // that frees a million small blocks leaves the C heap in a state that helps itself and costs the
 // next one, and so each is measured with the heap it would have run alone again and again. A
 // worker waits between its runs, though, and a run after a wait is slower on some machines.
+// glibc's thresholds for mapping and trimming its heap are fixed for the rounds, so that they
+// don't follow whichever contender freed what last.
 //
 //   libxml2 tree    xmlReadFile + xmlFreeDoc
 //   pugixml tree    xml_document::load_file (when pugixml is installed)
@@ -24,6 +26,7 @@
 // The program runs itself as the measured fresh process: end_to_end_bench --measure TASK FILE
 // prints the peak in kilobytes.
 #include <libxml/parser.h>
+#include <malloc.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -352,6 +355,10 @@ int main(int argc, char** argv) {
             sizes.push_back(std::atoi(argv[i]));
     }
     if (sizes.empty()) sizes = {1, 10, 50};
+    // The C heap with fixed thresholds: by default glibc maps and trims by what was freed last,
+    // so that one contender's frees decide whether the next one's memory is mapped afresh.
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
     xmlInitParser();
     for (const std::string& shape : shapes)
         for (int megabytes : sizes)
