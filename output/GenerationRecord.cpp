@@ -12,11 +12,20 @@ std::string GeneratedFile::classOf(std::size_t index) const {
     return {};
 }
 
+namespace {
+
+// The lines of a text as a record holds them, each without its "|".
+LineViews recordedLines(std::string_view block) {
+    LineViews views = lineViews(block);
+    for (std::string_view& view : views) view.remove_prefix(1);
+    return views;
+}
+
+}  // namespace
+
 LineViews GeneratedFile::textLines() const {
     if (unsplit.empty()) return LineViews(lines.begin(), lines.end());
-    LineViews views = lineViews(unsplit);
-    for (std::string_view& view : views) view.remove_prefix(1);  // the "|"
-    return views;
+    return recordedLines(unsplit);
 }
 
 void GeneratedFile::split() {
@@ -198,8 +207,8 @@ public:
         auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
         return status == std::errc() && end == text.data() + text.size() && value < limit;
     }
-    // `count` lines, each "|" and the text of the line, as they stand, each with its line end.
-    bool unsplitLines(std::size_t count, std::string& into) {
+    // `count` lines, each "|" and the text of the line, as they stand in the record.
+    bool textBlock(std::size_t count, std::string_view& block) {
         std::size_t from = at;
         for (std::size_t i = 0; i < count; ++i) {
             if (atEnd()) return fail("the record ends within a text");
@@ -207,20 +216,7 @@ public:
             if (text.empty() || text[0] != '|') return fail("a line of text must start with '|'");
         }
         // A record goes on after a text ("end" at least), so its last line has its end too.
-        into.assign(text.substr(from, at - from));
-        return true;
-    }
-    // The same, split.
-    bool textLines(std::size_t count, Lines& into) {
-        if (count <= text.size() - at) into.reserve(into.size() + count);
-        for (std::size_t i = 0; i < count; ++i) {
-            if (atEnd()) return fail("the record ends within a text");
-            std::string_view text = line();
-            if (text.empty() || text[0] != '|') return fail("a line of text must start with '|'");
-            std::string& added = into.emplace_back();
-            added.reserve(text.size());
-            added.append(text.substr(1)).push_back('\n');
-        }
+        block = text.substr(from, at - from);
         return true;
     }
 
@@ -324,11 +320,15 @@ bool GenerationRecord::read(const std::string& text, const std::string& path, Ge
             ok = (RecordReader::number(countText, limit, count) && (word == "text" ? key.empty() : !key.empty())) ||
                  reader.fail("'" + std::string(word) + "' needs its number of lines" + (word == "kept" ? " and its key" : ""));
             if (word == "kept") entry->kept.push_back({std::string(key), {}});
+            std::string_view block;
+            ok = ok && reader.textBlock(count, block);
             if (ok && word == "text" && !split) {
-                ok = reader.unsplitLines(count, entry->file.unsplit);
-                entry->file.unsplitLines = count;
-            } else {
-                ok = ok && reader.textLines(count, word == "text" ? entry->file.lines : entry->kept.back().lines);
+                entry->file.unsplit += block;
+                entry->file.unsplitLines += count;
+            } else if (ok) {
+                LineViews added = recordedLines(block);
+                Lines& into = word == "text" ? entry->file.lines : entry->kept.back().lines;
+                into.insert(into.end(), added.begin(), added.end());
             }
         } else if (word == "end") {
             // Each piece must stand within the text, in order, and each body within its piece.

@@ -53,6 +53,12 @@ TEST(GenerationRecord, ReadsBackWhatItWrites) {
     EXPECT_TRUE(unsplit.writes(text));
     account.split();
     EXPECT_EQ(unsplit.entries[0], record.entries[0]);
+    // Texts given twice for one file add up, split or not.
+    const std::string twice = "modelbridge-record 1\nfile A.tv\ntext 1\n|a\ntext 1\n|b\nend\n";
+    ASSERT_TRUE(GenerationRecord::read(twice, "r", back, error, false)) << error;
+    EXPECT_EQ(back.entries[0].file.textLines(), (LineViews{"a\n", "b\n"}));
+    ASSERT_TRUE(GenerationRecord::read(twice, "r", back, error)) << error;
+    EXPECT_EQ(back.entries[0].file.lines, (Lines{"a\n", "b\n"}));
     EXPECT_EQ(GenerationRecord::keyText("a b%\n"), "a%20b%25%0A");
     EXPECT_EQ(GenerationRecord::idOfKeyText("a%20b%25%0A%"), "a b%\n%");
 }
