@@ -21,8 +21,8 @@
 #endif
 
 // MODELBRIDGE_POOL_MAPS: the pool maps its chunks from the system itself, in slabs, rather than
-// taking them from the C++ allocator; they then come zeroed. Off where a sanitizer runs, so that
-// it sees the chunks as heap memory: a leak checker looks for pointers in them.
+// taking them from the C++ allocator. Off where a sanitizer runs, so that it sees the chunks as
+// heap memory: a leak checker looks for pointers in them.
 #ifndef MODELBRIDGE_POOL_MAPS
 #if MODELBRIDGE_SANITIZE || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define MODELBRIDGE_POOL_MAPS 0
