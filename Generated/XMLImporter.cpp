@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "environment/DirectoryListings.h"
 #include "environment/PlatformText.h"
 #include "output/FolderUpdate.h"
 #include "runtime/Failure.h"
@@ -314,7 +315,11 @@ void XMLImporter::generate(Generate run, bool& success) {
         return;
     }
     FileName source = state->parsedFile.isNull() ? FileName() : *state->parsedFile;
-    run(*state->document.uniquePointer(), source);
+    {
+        // The directory written into is looked at once for the names and the file of the call.
+        DirectoryListings::Look look;
+        run(*state->document.uniquePointer(), source);
+    }
     XMLErrors documentErrors = state->document->getErrors();
     addErrors(documentErrors);
     success = documentErrors.isEmpty();
@@ -456,10 +461,14 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
         };
         files.push_back({name, madeFrom, header, layOut});
     };
-    if (!singleFile.isEmpty()) {
-        plan(chosen, singleFile, true);
-    } else {
-        for (int i = 0; i < chosen.size(); ++i) plan(_eSeq<_eString>(chosen.at(i)), chosen.at(i), false);
+    {
+        // Every file is named as the folder stands at one look, before anything in it changes.
+        DirectoryListings::Look look;
+        if (!singleFile.isEmpty()) {
+            plan(chosen, singleFile, true);
+        } else {
+            for (int i = 0; i < chosen.size(); ++i) plan(_eSeq<_eString>(chosen.at(i)), chosen.at(i), false);
+        }
     }
     // Recorded files of classes left out this time are stale only when the model lacks them.
     if (!singleFile.isEmpty() || chosen.size() != all.size())

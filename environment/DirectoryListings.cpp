@@ -4,12 +4,15 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <ctime>
 #include <map>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -34,11 +37,50 @@ struct Stamp {
 
 Stamp stampOf(const struct stat& status) { return {status.st_dev, status.st_ino, status.st_mtim, status.st_ctim}; }
 
-bool stampOf(const std::string& directory, Stamp& stamp) {
+// The look this thread is taking, if any: how deep in nested looks, which one it is, and the
+// status of each directory met in it.
+struct LookState {
+    int depth = 0;
+    unsigned number = 0;
+    std::vector<std::pair<std::string, Stamp>> seen;
+
+    const Stamp* find(const std::string& directory) const {
+        if (depth == 0) return nullptr;
+        for (const auto& [name, stamp] : seen)
+            if (name == directory) return &stamp;
+        return nullptr;
+    }
+    void note(const std::string& directory, const Stamp& stamp) {
+        if (depth == 0) return;
+        forget(directory);
+        seen.emplace_back(directory, stamp);
+    }
+    void forget(const std::string& directory) {
+        std::erase_if(seen, [&](const auto& each) { return each.first == directory; });
+    }
+};
+
+thread_local LookState look;
+std::atomic<unsigned> looksTaken{0};
+std::size_t directoryLooks = 0;
+
+// The status of `directory` as it is now.
+bool lookAt(const std::string& directory, Stamp& stamp) {
     struct stat status;
+    ++directoryLooks;
     if (stat(directory.c_str(), &status) != 0) return false;
     stamp = stampOf(status);
+    look.note(directory, stamp);
     return true;
+}
+
+// The status of `directory`: as the current look found it, or as it is now.
+bool stampOf(const std::string& directory, Stamp& stamp) {
+    if (const Stamp* seen = look.find(directory)) {
+        stamp = *seen;
+        return true;
+    }
+    return lookAt(directory, stamp);
 }
 
 char folded(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
@@ -63,6 +105,7 @@ struct Listing {
     Stamp stamp;
     bool trusted = false;
     bool ownChange = false;  // `stamp` is what the library's own last creation left
+    unsigned look = 0;       // the look it was read in, 0 if none
     // The entries by their names as folded: the spelling of the first met, and how many fold to
     // it. A spelling is read only where it is the one.
     std::unordered_map<std::string, int, FoldedHash, FoldedEqual> byFolded;
@@ -75,6 +118,9 @@ std::map<std::string, Listing>& listings() {
     return kept;
 }
 
+// Whether `listing` answers as it stands: trusted, or read in the look being taken.
+bool answers(const Listing& listing) { return listing.trusted || (look.depth > 0 && listing.look == look.number); }
+
 bool settled(const Stamp& stamp) {
     timespec now{};
     timespec_get(&now, TIME_UTC);
@@ -86,13 +132,15 @@ bool settled(const Stamp& stamp) {
 // The listing of `directory` as it is now, read again unless the kept one can be trusted.
 const Listing* currentListing(const std::string& directory, const struct stat* status) {
     Stamp now;
-    if (status != nullptr)
+    if (status != nullptr) {
         now = stampOf(*status);
-    else if (!stampOf(directory, now))
+        look.note(directory, now);
+    } else if (!stampOf(directory, now)) {
         return nullptr;
+    }
     auto& kept = listings();
     auto found = kept.find(directory);
-    if (found != kept.end() && found->second.stamp == now && found->second.trusted) return &found->second;
+    if (found != kept.end() && found->second.stamp == now && answers(found->second)) return &found->second;
     bool ownChange = found != kept.end() && found->second.stamp == now && found->second.ownChange;
     DIR* dir = opendir(directory.c_str());
     if (dir == nullptr) return nullptr;
@@ -103,6 +151,7 @@ const Listing* currentListing(const std::string& directory, const struct stat* s
     listing.stamp = now;
     listing.trusted = ownChange || settled(now);
     listing.ownChange = ownChange;
+    listing.look = look.depth > 0 ? look.number : 0;
     if (kept.size() >= keptDirectories && found == kept.end()) kept.clear();
     return &(kept[directory] = std::move(listing));
 }
@@ -129,7 +178,7 @@ std::optional<DirectoryListings::Known> DirectoryListings::known(const std::stri
                                                                  const std::string& component) {
     auto& kept = listings();
     auto found = kept.find(directory);
-    if (found == kept.end() || !found->second.trusted) return std::nullopt;
+    if (found == kept.end() || !answers(found->second)) return std::nullopt;
     Stamp now;
     if (!stampOf(directory, now) || !(now == found->second.stamp)) return std::nullopt;
     const auto& entries = found->second.byFolded;
@@ -144,7 +193,10 @@ std::FILE* DirectoryListings::openCreating(const std::string& path, const char* 
     std::string directory = cut == std::string::npos ? "." : cut == 0 ? "/" : path.substr(0, cut);
     auto& kept = listings();
     auto found = kept.find(directory);
-    if (found == kept.end()) return std::fopen(path.c_str(), mode);
+    if (found == kept.end()) {
+        look.forget(directory);
+        return std::fopen(path.c_str(), mode);
+    }
     Stamp before;
     bool known = stampOf(directory, before) && before == found->second.stamp;
     bool existed = false;
@@ -155,8 +207,10 @@ std::FILE* DirectoryListings::openCreating(const std::string& path, const char* 
         stream = std::fopen(path.c_str(), mode);
     }
     int error = errno;
+    bool created = stream != nullptr && !existed;
+    if (created) look.forget(directory);
     Stamp after;
-    if (stream != nullptr && !existed && known && stampOf(directory, after)) {
+    if (created && known && lookAt(directory, after)) {
         found->second.add(path.substr(cut + 1));
         found->second.stamp = after;
         found->second.ownChange = true;
@@ -167,6 +221,18 @@ std::FILE* DirectoryListings::openCreating(const std::string& path, const char* 
     return stream;
 }
 
+DirectoryListings::Look::Look() {
+    if (look.depth++ > 0) return;
+    look.number = ++looksTaken;
+    if (look.number == 0) look.number = ++looksTaken;
+}
+
+DirectoryListings::Look::~Look() {
+    if (--look.depth == 0) look.seen.clear();
+}
+
 void DirectoryListings::clear() { listings().clear(); }
 
 std::size_t DirectoryListings::reads() { return directoryReads; }
+
+std::size_t DirectoryListings::looks() { return directoryLooks; }

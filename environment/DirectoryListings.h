@@ -13,6 +13,11 @@
 //   own is complete too.
 // What stays unseen is a change by another process to the same directory within the same
 // clock tick as one of the library's own creations there.
+//
+// A piece of work that changes directories only through `openCreating` can take one look at
+// them (`Look`): each directory's status is then read once, and what is read of it answers for
+// the rest of the work, as the directory stood at that look. A change by another process within
+// the work shows at the next look.
 #pragma once
 
 #include <sys/stat.h>
@@ -39,8 +44,18 @@ public:
     static std::optional<Known> known(const std::string& directory, const std::string& component);
     // `std::fopen(path, mode)`, keeping the listing of the file's directory up to date.
     static std::FILE* openCreating(const std::string& path, const char* mode);
+    // While one lives on a thread, that thread looks at each directory once. Looks nest: the
+    // outermost one ends them.
+    class Look {
+    public:
+        Look();
+        ~Look();
+        Look(const Look&) = delete;
+        Look& operator=(const Look&) = delete;
+    };
     // Forgets every listing.
     static void clear();
-    // How many times a directory was read, for tests.
+    // How many times a directory was read, and its status looked at, for tests.
     static std::size_t reads();
+    static std::size_t looks();
 };

@@ -144,3 +144,37 @@ TEST(DirectoryListings, AListingNotToTrustAnswersNothing) {
     ASSERT_TRUE(DirectoryListings::known(dir.path(), "Entry.tv").has_value());
     EXPECT_TRUE(DirectoryListings::known(dir.path(), "Entry.tv")->exact);
 }
+
+// Within a look a directory's status is read once, and a listing read in it answers every later
+// lookup in it however lately the directory changed; what others change shows after it.
+TEST(DirectoryListings, ALookReadsADirectoryOnce) {
+    DirectoryListings::clear();
+    TempDir dir;
+    touch(dir / "Entry.tv");  // changed in this very tick: a listing of it alone is no answer
+    std::size_t reads = DirectoryListings::reads();
+    std::size_t looks = DirectoryListings::looks();
+    {
+        DirectoryListings::Look look;
+        for (int i = 0; i < 3; ++i) {
+            DirectoryListings::Look nested;
+            EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "entry.tv"), "Entry.tv");
+            auto known = DirectoryListings::known(dir.path(), "ENTRY.TV");
+            ASSERT_TRUE(known.has_value());
+            EXPECT_EQ(known->unique, "Entry.tv");
+        }
+        EXPECT_EQ(DirectoryListings::reads() - reads, 1u);
+        EXPECT_EQ(DirectoryListings::looks() - looks, 1u);
+        // The library's own file joins the listing; the directory is looked at once after it.
+        std::FILE* file = DirectoryListings::openCreating(dir / "Made.tv", "w");
+        ASSERT_NE(file, nullptr);
+        std::fclose(file);
+        EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "MADE.tv"), "Made.tv");
+        EXPECT_TRUE(DirectoryListings::known(dir.path(), "Made.tv")->exact);
+        EXPECT_EQ(DirectoryListings::reads() - reads, 1u);
+        EXPECT_EQ(DirectoryListings::looks() - looks, 2u);
+        touch(dir / "Other.tv");
+    }
+    EXPECT_FALSE(DirectoryListings::known(dir.path(), "Other.tv").has_value());
+    EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "other.TV"), "Other.tv");
+    EXPECT_EQ(DirectoryListings::uniqueMatch(dir.path(), "made.tv"), "Made.tv");
+}
