@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -102,29 +103,36 @@ void Environment::fileSize(const _eHndl<FileRef>& file, std::int32_t& size, File
     error = FileError::success;
 }
 
-void Environment::writeText(const _eHndl<FileRef>& file, const _eString& text, FileError::_eEnum& error) const {
-    FileRef* ref = file.get();
-    if (ref->getStream() == nullptr) {
+void writeUnits(FileRef& file, const wchar_t* units, std::size_t count, FileError::_eEnum& error) {
+    std::FILE* stream = file.getStream();
+    if (stream == nullptr) {
         error = FileError::fileNotOpen;
         return;
     }
-    if (!ref->isLastWrite()) ref->turnTo(true);
-    // The bytes go out through a buffer on the stack, a piece at a time.
-    char bytes[1024];
-    std::size_t used = 0;
+    if (!file.isLastWrite()) file.turnTo(true);
+    // The bytes go out through a buffer on the stack, as many units at a time as surely fit.
+    char bytes[4096];
     bool whole = true;
-    auto flush = [&] {
-        whole = std::fwrite(bytes, 1, used, ref->getStream()) == used && whole;
-        used = 0;
-    };
-    forEachRun(text, [&](const wchar_t* units, int length) {
-        for (int i = 0; i < length; ++i) {
-            if (used > sizeof bytes - 4) flush();
-            used += putOutputUnit(bytes + used, std::uint32_t(units[i]));
-        }
-    });
-    if (used > 0) flush();
+    while (count > 0) {
+        std::size_t take = std::min(count, sizeof bytes / 4);
+        std::size_t used = 0;
+        for (std::size_t i = 0; i < take; ++i) used += putOutputUnit(bytes + used, std::uint32_t(units[i]));
+        whole = std::fwrite(bytes, 1, used, stream) == used && whole;
+        units += take;
+        count -= take;
+    }
     error = whole ? FileError::success : FileError::writeError;
+}
+
+void Environment::writeText(const _eHndl<FileRef>& file, const _eString& text, FileError::_eEnum& error) const {
+    FileRef& ref = *file.get();
+    writeUnits(ref, nullptr, 0, error);  // a stream not open, or one turned to writing
+    if (error != FileError::success) return;
+    forEachRun(text, [&](const wchar_t* units, int length) {
+        FileError::_eEnum written;
+        writeUnits(ref, units, std::size_t(length), written);
+        if (written != FileError::success) error = written;
+    });
 }
 
 _eUnion Environment::stats(const _eString& path) const {

@@ -1,6 +1,7 @@
 // `FileRef`: an open file. Copies work on the same stream; only `Environment::close` closes it.
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 
 #include "environment/EnvironmentEnums.h"
@@ -53,3 +54,6 @@ private:
     bool openedForChange;  // the mode set held `create` or `append`
     bool lastWasWrite;     // the direction of the last transfer
 };
+
+// Writes `count` units as `Environment::writeText` writes a text of them.
+void writeUnits(FileRef& file, const wchar_t* units, std::size_t count, FileError::_eEnum& error);

@@ -18,12 +18,6 @@ _eString repeated(const _eString& text, std::int32_t times) {
     return out;
 }
 
-_eString newLineAndBlanks(std::int32_t blanks) {
-    _eString out = L"\n";
-    for (std::int32_t i = 0; i < blanks; ++i) out.pushBack(L' ');
-    return out;
-}
-
 _eSet<_eString> setOf(std::initializer_list<const wchar_t*> words) {
     _eSet<_eString> set;
     for (const wchar_t* w : words) set.add(w);
@@ -121,7 +115,7 @@ std::int32_t columnAfter(const _eString& text, std::int32_t column) {
 
 }  // namespace
 
-void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>& file, const ImportOptions& options,
+void ElementBase::writeTo(const Environment&, const _eHndl<FileRef>& file, const ImportOptions& options,
                           FileError::_eEnum& status, std::vector<TokenLines>* lines) const {
     status = FileError::success;
     std::int32_t column = 0;
@@ -141,7 +135,7 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
     const bool byKind = options.getCommentsByKind();
     Leads leads(options.getIndentText());
     _eSeqReader<OutputToken> reader(tokens);
-    TextBatch batch(environment, file, status);
+    TextBatch batch(file, status);
     if (lines != nullptr) lines->reserve(std::size_t(tokens.size()));
     for (int i = 0, n = tokens.size(); i < n && status == FileError::success; ++i) {
         const OutputToken& token = reader.next();
@@ -222,40 +216,47 @@ void ElementBase::writeTo(const Environment& environment, const _eHndl<FileRef>&
 
 std::int32_t ElementBase::writeWrapped(TextBatch& out, const _eString& lead, const _eString& text, std::int32_t column,
                                        const ImportOptions& options, const _eString* indentation) const {
-    _eString pieceLead = lead;
-    _eString rest = text;
-    const _eString& prefix = options.getCommentPrefix();
+    const std::int32_t width = options.getLineWidth();
+    if (column + text.size() <= width) {
+        out.put(lead);
+        out.put(text);
+        return 0;
+    }
+    // The comment's units, a piece at a time from `start`: each piece after the first is the
+    // prefix and the rest after the cut, and the prefix is written over the end of the piece
+    // before, which a cut always leaves room for.
+    const std::wstring prefix = toWString(options.getCommentPrefix());
+    std::wstring units = toWString(text);
+    std::size_t start = 0;
+    std::wstring nextLead = L"\n" + (indentation != nullptr ? toWString(*indentation) : std::wstring(std::size_t(column), L' '));
     std::int32_t breaks = 0;
-    while (true) {
-        if (column + rest.size() <= options.getLineWidth()) {
-            out.put(pieceLead);
+    for (;;) {
+        std::wstring_view rest(units.data() + start, units.size() - start);
+        std::int32_t room = width - column;
+        // Every piece carries at least one character behind its prefix, so the comment shrinks.
+        std::int32_t cut = column + std::int32_t(rest.size()) <= width
+                               ? std::int32_t(rest.size())
+                               : std::max(breakPosition(rest, room, options), std::int32_t(prefix.size()) + 1);
+        if (breaks == 0)
+            out.put(lead);
+        else
+            out.put(nextLead);
+        if (std::size_t(cut) >= rest.size()) {
             out.put(rest);
             return breaks;
         }
-        std::int32_t room = options.getLineWidth() - column;
-        // Every piece carries at least one character behind its prefix, so the comment shrinks.
-        std::int32_t cut = std::max(breakPosition(rest, room, options), prefix.size() + 1);
-        out.put(pieceLead);
-        out.put(rest.take(cut));
-        rest = prefix + rest.drop(cut);
-        pieceLead = indentation != nullptr ? _eString(L"\n") + *indentation : newLineAndBlanks(column);
+        out.put(rest.substr(0, std::size_t(cut)));
+        start += std::size_t(cut) - prefix.size();
+        std::copy(prefix.begin(), prefix.end(), units.begin() + std::ptrdiff_t(start));
         ++breaks;
     }
 }
 
-std::int32_t ElementBase::breakPosition(const _eString& text, std::int32_t room, const ImportOptions&) const {
-    // A long comment lies in several leaves: its units are read a leaf's run at a time, and
-    // only as far as the room.
+std::int32_t ElementBase::breakPosition(std::wstring_view text, std::int32_t room, const ImportOptions&) const {
     std::int32_t lastBlank = -1;
-    std::int32_t limit = std::min(room, text.size());
-    _eSeqReader<wchar_t> reader(text);
-    for (std::int32_t at = 0, length = 0; at < limit; at += length) {
-        const wchar_t* run = reader.run(length);
-        length = std::min(length, limit - at);
-        for (std::int32_t i = std::max(at, 3); i < at + length; ++i)
-            if (run[i - at] == L' ') lastBlank = i;
-        reader.skip(length);
-    }
+    std::int32_t limit = std::min(room, std::int32_t(text.size()));
+    for (std::int32_t i = 3; i < limit; ++i)
+        if (text[std::size_t(i)] == L' ') lastBlank = i;
     return lastBlank > 0 ? lastBlank : room;
 }
 

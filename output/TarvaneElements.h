@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "Generated/ImportOptions.h"
@@ -52,11 +53,12 @@ public:
     virtual bool closesBlock(const _eString& previous, const _eString& current) const = 0;
     // Writes a comment, cut into pieces that line up under the first where it is too long; gives
     // the number of line breaks it put between the pieces. The pieces after the first start on
-    // a line of `column` blanks, or, where `indentation` is given, of that text.
+    // a line of `column` blanks, or, where `indentation` is given, of that text. A piece that
+    // would leave nothing behind it is the last, however far it reaches.
     virtual std::int32_t writeWrapped(TextBatch& out, const _eString& lead, const _eString& text, std::int32_t column,
                                       const ImportOptions& options, const _eString* indentation = nullptr) const;
     // Where a comment that doesn't fit in `room` is cut: at its last blank before `room`, else at `room`.
-    virtual std::int32_t breakPosition(const _eString& text, std::int32_t room, const ImportOptions& options) const;
+    virtual std::int32_t breakPosition(std::wstring_view text, std::int32_t room, const ImportOptions& options) const;
 
     std::int32_t size() const { return tokens.size(); }
     const _eSeq<OutputToken>& getTokens() const { return tokens; }

@@ -11,14 +11,15 @@
 namespace {
 
 // The text that `writeTo` makes of the tokens.
-std::string layout(const std::vector<std::wstring>& words, FileError::_eEnum* status = nullptr) {
+std::string layout(const std::vector<std::wstring>& words, FileError::_eEnum* status = nullptr,
+                   const ImportOptions& options = ImportOptions::defaults()) {
     TempDir dir;
     _eHndl<Environment> env(new Environment());
     Tokens tokens;
     for (const auto& w : words) tokens.pushBack(_eString(std::wstring_view(w)));
     _eHndl<FileRef> file = env->open(fromPlatformText(dir / "out.tv"), FileModes(FileModeType::create)).as<FileRef>();
     FileError::_eEnum result;
-    TarvaneElements(tokens).writeTo(*env, file, ImportOptions::defaults(), result);
+    TarvaneElements(tokens).writeTo(*env, file, options, result);
     if (status != nullptr) *status = result;
     env->close(file, result);
     return dir.read("out.tv");
@@ -91,6 +92,36 @@ TEST(TarvaneLayout, CommentsStandAloneAndWrapUnderThemselves) {
     EXPECT_EQ(joined, std::string(words.begin(), words.end()));
 }
 
+// A comment that starts at or past the margin still ends: each piece carries at least one of
+// its characters, however short it is, and none is lost.
+TEST(TarvaneLayout, CommentsAtTheMarginEndWithNothingLost) {
+    const std::size_t margin = 20;
+    ImportOptions narrow(std::int32_t(margin), _eString(std::wstring(margin, L' ')), _eString());
+    for (std::wstring comment : {L"//", L"//x", L"// a", L"//abcdef", L"// one two three four five six seven"}) {
+        std::string text = layout({L"class", L"A", L"^=", L"interface", comment, L"end", L";"}, nullptr, narrow);
+        std::size_t from = text.find("interface\n");
+        std::size_t to = text.rfind("end;");
+        ASSERT_NE(from, std::string::npos);
+        ASSERT_NE(to, std::string::npos);
+        std::string joined;
+        std::size_t pieces = 0;
+        for (std::size_t at = from + 10, next; at < to; at = next + 1, ++pieces) {
+            next = text.find('\n', at);
+            std::string line = text.substr(at, next - at);
+            ASSERT_EQ(line.substr(0, margin), std::string(margin, ' '));
+            std::string piece = line.substr(margin);
+            if (pieces > 0) {
+                ASSERT_GT(piece.size(), 2u) << piece;
+                ASSERT_EQ(piece.substr(0, 2), "//");
+                piece = piece.substr(2);
+            }
+            joined += piece;
+        }
+        EXPECT_EQ(joined, std::string(comment.begin(), comment.end()));
+        EXPECT_EQ(pieces, comment.size() <= 3 ? 1u : comment.size() - 2);
+    }
+}
+
 TEST(ReservedWords, ExactWordsGetOneUnderscore) {
     EXPECT_EQ(reservedWords().size(), 106);
     EXPECT_EQ(toWString(escapeReservedWord(L"value")), L"value_");
@@ -152,25 +183,18 @@ TEST(TarvaneWords, WordSetsAreTheSetsThatHoldTheText) {
 }
 
 // A comment is cut at its last blank before the room (never within its first three units), else
-// at the room, wherever the leaves of its string begin and end.
-TEST(TarvaneLayout, CommentsBreakAtTheLastBlankBeforeTheRoomAcrossLeaves) {
+// at the room.
+TEST(TarvaneLayout, CommentsBreakAtTheLastBlankBeforeTheRoom) {
     std::mt19937 random(20261127);
     TarvaneElements elements{Tokens()};
     for (int round = 0; round < 300; ++round) {
         std::wstring units;
-        _eString text;
-        // Pieces of random lengths joined, so that the string is split into leaves at random.
-        for (int pieces = 1 + int(random() % 8); pieces > 0; --pieces) {
-            std::wstring piece;
-            for (int n = int(random() % 60); n > 0; --n) piece += random() % 5 == 0 ? L' ' : wchar_t(L'a' + random() % 26);
-            units += piece;
-            text = text + _eString(std::wstring_view(piece));
-        }
+        for (int n = int(random() % 400); n > 0; --n) units += random() % 5 == 0 ? L' ' : wchar_t(L'a' + random() % 26);
         int room = int(random() % 130) - 10;
         int lastBlank = -1;
         for (int i = 3; i < room && i < int(units.size()); ++i)
             if (units[std::size_t(i)] == L' ') lastBlank = i;
-        EXPECT_EQ(elements.breakPosition(text, room, ImportOptions::defaults()), lastBlank > 0 ? lastBlank : room)
-            << "room " << room << " in \"" << toPlatformText(text) << "\"";
+        EXPECT_EQ(elements.breakPosition(units, room, ImportOptions::defaults()), lastBlank > 0 ? lastBlank : room)
+            << "room " << room << " in \"" << std::string(units.begin(), units.end()) << "\"";
     }
 }

@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "environment/Environment.h"
 #include "environment/PlatformText.h"
 #include "output/TextBatch.h"
 #include "support/TempDir.h"
@@ -33,7 +34,7 @@ TEST(TextBatch, WritesTheSameBytesAsOneWriteOfEveryPiece) {
     FileError::_eEnum batched = FileError::otherError;
     _eHndl<FileRef> out = created(*env, dir / "batched");
     {
-        TextBatch batch(*env, out, batched);
+        TextBatch batch(out, batched);
         batched = FileError::success;
         for (const _eString& piece : pieces) batch.put(piece);
         batch.flush();
@@ -54,14 +55,14 @@ TEST(TextBatch, KeepsTheFirstFailure) {
     _eHndl<FileRef> full = created(*env, "/dev/full");
     ASSERT_FALSE(full.isNull());
     FileError::_eEnum status = FileError::success;
-    TextBatch batch(*env, full, status);
+    TextBatch batch(full, status);
     for (int i = 0; i < 20; ++i) batch.put(_eString(std::wstring(1000, L'x')));
     batch.flush();
     EXPECT_EQ(status, FileError::writeError);
     // A later failure of another kind leaves the first in place.
     FileError::_eEnum closed;
     env->close(full, closed);
-    batch.put(L"y");
+    batch.put(std::wstring_view(L"y"));
     batch.flush();
     EXPECT_EQ(status, FileError::writeError);
 }
