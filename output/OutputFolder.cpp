@@ -16,8 +16,11 @@ namespace {
 std::string systemReason() { return std::strerror(errno); }
 
 // A descriptor to read the plain file at `path`; -1 where it can't be opened, the reason in
-// `errno`. A link is not followed.
-int openPlain(const std::string& path) { return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC); }
+// `errno`. A link is not followed, and a pipe is opened without waiting for a writer, so that
+// what stands there can be looked at.
+int openPlain(const std::string& path) {
+    return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+}
 
 // The bytes of the file `fd` was opened on, or, where `fd` is -1, the reason the open failed.
 bool readOpened(int fd, const std::string& path, std::string& text, std::string& error) {

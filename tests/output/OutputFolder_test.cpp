@@ -36,4 +36,10 @@ TEST(OutputFolder, ReadingWhatMayBeThereAgreesWithLookingFirst) {
     EXPECT_FALSE(folder.readIfThere("Link.tv", text, there, error));
     EXPECT_TRUE(there);
     EXPECT_NE(error.find("cannot read"), std::string::npos);
+    // A pipe where a file was is no file to read, and no wait for a writer that never comes.
+    ASSERT_EQ(mkfifo((dir / "Pipe.tv").c_str(), 0644), 0);
+    EXPECT_FALSE(folder.readIfThere("Pipe.tv", text, there, error));
+    EXPECT_TRUE(there);
+    EXPECT_EQ(error, "cannot read '" + (dir / "Pipe.tv") + "': not a plain file");
+    EXPECT_FALSE(folder.read("Pipe.tv", text, error));
 }
