@@ -12,11 +12,13 @@
 //   libxml2 tree    xmlReadFile + xmlFreeDoc
 //   pugixml tree    xml_document::load_file (when pugixml is installed)
 //   attemptParse    parse and analysis, by a fresh importer; "ext." with every extension chosen
-//   generate all    one generateClassFile per listed class into an empty directory (in memory)
+//   generate all    one generateClassFile per listed class into an empty directory (in memory),
+//                   emptied again after each run outside the time taken
 //   xmllint         the process `xmllint --noout MODEL` (when xmllint is installed)
 //   host --list     the process `modelbridge-gen MODEL --list` (every extension, as the host
 //                   reads by default); "spec." with --specified
-//   host generate   the process `modelbridge-gen MODEL -o DIR` into an empty directory
+//   host generate   the process `modelbridge-gen MODEL -o DIR` into an empty directory, emptied
+//                   as for generate all
 //   host update     the same into a directory it generated before: nothing changed
 // Peak memory: the peak resident memory of a fresh process doing the work once, less that of a
 // fresh process doing nothing, over the file size.
@@ -63,6 +65,10 @@ struct OutputDir {
         path = pattern;
     }
     ~OutputDir() { std::filesystem::remove_all(path); }
+    // Removes what a run left in it.
+    void empty() const {
+        for (const auto& entry : std::filesystem::directory_iterator(path)) std::filesystem::remove_all(entry.path());
+    }
     std::string path;
 };
 
@@ -145,11 +151,19 @@ double peakOverFile(const std::string& task, const BenchFile& file) {
     return peak < 0 ? -1 : double(peak - baseline) * 1024.0 / double(file.size);
 }
 
-// Seconds of one run of `work`, or -1 when it failed.
-double secondsOf(const std::function<bool()>& work) {
+struct Contender {
+    std::string name;
+    std::function<bool()> run;
+    std::vector<double> seconds;
+    std::function<void()> tidy = [] {};  // after each run, outside the time taken
+};
+
+// Seconds of one run of a contender, or -1 when it failed.
+double secondsOf(const Contender& c) {
     auto start = std::chrono::steady_clock::now();
-    bool ok = work();
+    bool ok = c.run();
     std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    c.tidy();
     return ok ? elapsed.count() : -1;
 }
 
@@ -164,7 +178,7 @@ double median(std::vector<double> values) {
 // anything else: the workers forked after it hold its pipes too, so it would not see them close.
 class Worker {
 public:
-    explicit Worker(const std::function<bool()>& work) {
+    explicit Worker(const Contender& work) {
         int toWorker[2];
         int fromWorker[2];
         if (pipe(toWorker) != 0 || pipe(fromWorker) != 0) std::abort();
@@ -207,23 +221,17 @@ private:
     int answer;
 };
 
-struct Contender {
-    std::string name;
-    std::function<bool()> run;
-    std::vector<double> seconds;
-};
-
 // Runs every contender once per round, the order turned by one place each round; with
 // `ownProcesses`, each in a worker of its own. False when a run failed.
 bool alternate(std::vector<Contender>& contenders, int rounds, bool ownProcesses) {
     std::vector<std::unique_ptr<Worker>> workers;
     if (ownProcesses)
-        for (const Contender& c : contenders) workers.push_back(std::make_unique<Worker>(c.run));
+        for (const Contender& c : contenders) workers.push_back(std::make_unique<Worker>(c));
     for (int round = 0; round < rounds; ++round) {
         for (std::size_t k = 0; k < contenders.size(); ++k) {
             std::size_t at = (k + std::size_t(round)) % contenders.size();
             Contender& c = contenders[at];
-            double s = ownProcesses ? workers[at]->run() : secondsOf(c.run);
+            double s = ownProcesses ? workers[at]->run() : secondsOf(c);
             if (s < 0) {
                 std::fprintf(stderr, "end_to_end_bench: %s failed\n", c.name.c_str());
                 return false;
@@ -252,18 +260,18 @@ bool measure(const std::string& shape, int megabytes, int rounds, bool ownProces
             return parse(importer, file.path, extensions);
         };
     };
+    // Generation writes into an empty directory, emptied again after each run.
+    OutputDir generated;
+    auto emptied = [&] { generated.empty(); };
     auto generateWith = [&](XMLImporter& importer) {
-        return [&] {
-            OutputDir out;
-            return generateAll(importer, out.path);
-        };
+        return [&] { return generateAll(importer, generated.path); };
     };
     std::vector<Contender> inProcess = {
         {"libxml2 tree", [&] { return buildTree(file.path); }, {}},
         {"attemptParse", parseWith(false), {}},
         {"attemptParse ext.", parseWith(true), {}},
-        {"generate all", generateWith(generator), {}},
-        {"generate ext.", generateWith(extendedGenerator), {}},
+        {"generate all", generateWith(generator), {}, emptied},
+        {"generate ext.", generateWith(extendedGenerator), {}, emptied},
     };
 #ifdef MODELBRIDGE_HAVE_PUGIXML
     inProcess.push_back({"pugixml tree", [&] { return buildPugiTree(file.path); }, {}});
@@ -274,12 +282,7 @@ bool measure(const std::string& shape, int megabytes, int rounds, bool ownProces
     std::vector<Contender> processes = {
         {"host --list", [&] { return commandSucceeds(host + " --list"); }, {}},
         {"host spec. list", [&] { return commandSucceeds(host + " --list --specified"); }, {}},
-        {"host generate",
-         [&] {
-             OutputDir out;
-             return commandSucceeds(host + " -o '" + out.path + "'");
-         },
-         {}},
+        {"host generate", [&] { return commandSucceeds(host + " -o '" + generated.path + "'"); }, {}, emptied},
         {"host update", [&] { return commandSucceeds(host + " -o '" + updated.path + "'"); }, {}},
     };
     if (commandSucceeds("command -v xmllint"))
