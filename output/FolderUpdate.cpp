@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <thread>
 #include <unordered_map>
 
 #include "environment/PlatformText.h"
@@ -60,13 +61,25 @@ private:
         std::string before;                 // the text it had, kept only for a diff
     };
 
+    // What reading a file of the folder found: its bytes, or whether anything stands at its name
+    // and why that can't be read.
+    struct Read {
+        bool read = false;
+        bool there = false;
+        std::string text;
+        std::string error;
+    };
+
     // `header` gives the file's header where `file` holds none, when a write or a merge needs it.
-    // `file` is the record's own where it came from there; it moves into the new record.
-    Step settle(GeneratedFile& file, const std::function<std::string()>& header);
+    // `file` is the record's own where it came from there; it moves into the new record. `ahead`
+    // is what reading the file of its name found.
+    Step settle(GeneratedFile& file, const std::function<std::string()>& header, Read& ahead);
     void stale(const RecordEntry& entry);
-    // The file's bytes, with one look: false with `there` false where nothing stands at the
-    // name, else false with the failure in `step`.
-    bool readFile(const std::string& name, std::string& text, bool& there, Step& step) const;
+    // The file's bytes, with one look.
+    Read readNow(const std::string& name) const;
+    // The bytes `read` found: false with `there` false where nothing stands at the name, else
+    // false with the failure in `step`.
+    static bool readFile(Read&& read, std::string& text, bool& there, Step& step);
     // The lines of a file after its header, when it has the header of a generated one, in place.
     static LineViews bodyOf(const std::string& text) {
         LineViews lines = lineViews(text);
@@ -99,16 +112,22 @@ private:
     std::vector<Step> steps;
 };
 
-bool Update::readFile(const std::string& name, std::string& text, bool& there, Step& step) const {
-    std::string error;
-    if (folder.readIfThere(name, text, there, error)) return true;
-    if (!there) return false;
+Update::Read Update::readNow(const std::string& name) const {
+    Read read;
+    read.read = folder.readIfThere(name, read.text, read.there, read.error);
+    return read;
+}
+
+bool Update::readFile(Read&& read, std::string& text, bool& there, Step& step) {
+    text = std::move(read.text);
+    there = read.there;
+    if (read.read || !there) return read.read;
     step.report.outcome = FileOutcome::failed;
-    step.report.message = error;
+    step.report.message = std::move(read.error);
     return false;
 }
 
-Update::Step Update::settle(GeneratedFile& file, const std::function<std::string()>& header) {
+Update::Step Update::settle(GeneratedFile& file, const std::function<std::string()>& header, Read& ahead) {
     Step step;
     step.report.file = file.name;
     RecordEntry* last = recorded(lastByName, file.name);
@@ -146,7 +165,7 @@ Update::Step Update::settle(GeneratedFile& file, const std::function<std::string
     if (renamed) step.report.renamedFrom = last->file.name;
     std::string text;
     bool there = false;
-    if (!readFile(source, text, there, step)) {
+    if (!readFile(source == file.name ? std::move(ahead) : readNow(source), text, there, step)) {
         if (there) {
             if (last != nullptr) entries[last->file.name] = *last;
             return step;
@@ -216,7 +235,7 @@ void Update::stale(const RecordEntry& entry) {
     step.report.file = entry.file.name;
     std::string text;
     bool there = false;
-    if (!readFile(entry.file.name, text, there, step)) {
+    if (!readFile(readNow(entry.file.name), text, there, step)) {
         if (there) steps.push_back(std::move(step));
         return;
     }
@@ -270,6 +289,13 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     // A folder not made yet is empty to a run that writes nothing.
     if (!folder.usable(report.error) && (options.write || folder.present())) return report;
     report.error.clear();
+    // The files of this generation are read by a thread of their own while the record is read
+    // and the files are laid out: reading them waits on the system, the rest doesn't. Nothing
+    // is written before every file is settled, so each is read as it stands before the writes.
+    std::vector<Read> ahead(planned.size());
+    std::jthread reader([&] {
+        for (std::size_t i = 0; i < planned.size(); ++i) ahead[i] = readNow(planned[i].name);
+    });
     if (!folder.readRecord(text, present, report.error)) return report;
     // Only the texts of files to merge are split into lines.
     if (present && !GenerationRecord::read(text, folder.recordPath(), record, report.error, false)) return report;
@@ -290,7 +316,8 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     for (const RecordEntry& entry : record.entries)
         if (!newNames.count(entry.file.name)) others.push_back(&entry);
     steps.reserve(files.size() + others.size());
-    for (std::size_t i = 0; i < files.size(); ++i) steps.push_back(settle(*files[i], planned[i].header));
+    reader.join();
+    for (std::size_t i = 0; i < files.size(); ++i) steps.push_back(settle(*files[i], planned[i].header, ahead[i]));
     for (const RecordEntry* entry : others)
         if (!settled.count(entry->file.name)) stale(*entry);
     // Every file is settled: the last record goes before the next one is written out.

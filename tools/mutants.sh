@@ -343,6 +343,12 @@ mutations() {
 @ xmi/XMLDictionary.cpp | the dictionary's entries are left in the order of the hash table
 - return rankStrings(a.first, b.first) == rankBelow;
 + return false;
+@ output/FolderUpdate.cpp | read ahead: each file settled with the bytes read for another
+- steps.push_back(settle(*files[i], planned[i].header, ahead[i]));
++ steps.push_back(settle(*files[i], planned[i].header, ahead[files.size() - 1 - i]));
+@ output/FolderUpdate.cpp | read ahead: a renamed class's file read under its new name
+- readFile(source == file.name ? std::move(ahead) : readNow(source)
++ readFile(std::move(ahead)
 @ output/TextBatch.cpp | a full batch's units are written over instead of going out first
 - if (used == capacity) flush();
 + if (used == capacity) used = 0;
@@ -415,9 +421,9 @@ mutations() {
 @ runtime/StringUtils.cpp | trimming hands back a text blank at one end as it stands
 - if (from == 0 && to == text.size()) return text;
 + if (from == 0 || to == text.size()) return text;
-@ output/TarvaneElements.cpp | a comment is never cut at a blank that ends a leaf's run
-- for (std::int32_t i = std::max(at, 3); i < at + length; ++i)
-+ for (std::int32_t i = std::max(at, 3); i < at + length - 1; ++i)
+@ output/TarvaneElements.cpp | a comment is never cut at a blank just before the room
+- for (std::int32_t i = 3; i < limit; ++i)
++ for (std::int32_t i = 3; i < limit - 1; ++i)
 @ xml/XMLValues.h | a parameter entity reference adds nothing to an entity value
 - virtual void addPEReference(const _eHndl<XMLPEReference>& reference) { addTextOf(*reference); }
 + virtual void addPEReference(const _eHndl<XMLPEReference>&) {}
