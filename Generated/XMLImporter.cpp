@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <future>
+#include <optional>
 
 #include "environment/DirectoryListings.h"
 #include "environment/PlatformText.h"
@@ -415,26 +417,14 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
     FileName source = state->parsedFile.isNull() ? FileName() : *state->parsedFile;
     _eSeq<_eString> all = getClassList();
     _eSeq<_eString> chosen = classNames.isEmpty() ? all : classNames;
-    // What the text of a class file is made from: the model's bytes, as parsed, and everything
-    // that shapes the text. A file recorded as made from the same gives the text without being
-    // laid out again. None for a model changed since it was parsed, and for one file of several
-    // classes, whose text depends on the classes chosen too.
-    std::string madeFrom;
-    Digest digest;
+    // The model's bytes are digested by a thread of their own while the files are planned.
+    std::future<std::optional<Digest>> modelBytes;
     if (singleFile.isEmpty() && !state->parsedFile.isNull() &&
-        getValidityStatus(state->parsedFile->fullPathText()) == ValidityStatus::Valid &&
-        fileBytes(toPlatformText(state->parsedFile->fullPathText()), digest)) {
-        digest.add("ModelBridge " + std::to_string(MODELBRIDGE_VERSION_0) + "." + std::to_string(MODELBRIDGE_VERSION_1) +
-                   "." + std::to_string(MODELBRIDGE_VERSION_2) + "." + std::to_string(MODELBRIDGE_VERSION_3));
-        const ImportOptions& layout = importOptions();
-        std::int32_t numbers[] = {layout.getLineWidth(), layout.getCommentsByKind() ? 1 : 0, state->tabWidth};
-        digest.add(numbers, sizeof numbers);
-        for (const _eString* text : {&layout.getIndentText(), &layout.getCommentPrefix(), &layout.getFilePrefix()})
-            digest.add(toPlatformText(*text));
-        for (const ImportSwitch& each : importSwitches) digest.add(each.name + std::string(state->extensions.*each.field ? "+" : "-"));
-        for (const std::string& folder : state->libraryFolders) digest.add(folder);
-        madeFrom = digest.text();
-    }
+        getValidityStatus(state->parsedFile->fullPathText()) == ValidityStatus::Valid)
+        modelBytes = std::async(std::launch::async, [path = toPlatformText(state->parsedFile->fullPathText())] {
+            Digest digest;
+            return fileBytes(path, digest) ? std::optional<Digest>(digest) : std::nullopt;
+        });
     std::vector<PlannedFile> files;
     std::set<std::string> ids;
     auto plan = [&](const _eSeq<_eString>& names, const _eString& fileName, bool single) {
@@ -459,7 +449,7 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
                 state->document->layOutFile(names, single, file, source, environment, importOptions());
             return FolderUpdate::generatedFile(name, layout, TarvaneOutput::headerLines);
         };
-        files.push_back({name, madeFrom, header, layOut});
+        files.push_back({name, {}, header, layOut});
     };
     {
         // Every file is named as the folder stands at one look, before anything in it changes.
@@ -469,6 +459,24 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
         } else {
             for (int i = 0; i < chosen.size(); ++i) plan(_eSeq<_eString>(chosen.at(i)), chosen.at(i), false);
         }
+    }
+    // What the text of a class file is made from: the model's bytes, as parsed, and everything
+    // that shapes the text. A file recorded as made from the same gives the text without being
+    // laid out again. None for a model changed since it was parsed, and for one file of several
+    // classes, whose text depends on the classes chosen too.
+    std::optional<Digest> digest = modelBytes.valid() ? modelBytes.get() : std::nullopt;
+    if (digest) {
+        digest->add("ModelBridge " + std::to_string(MODELBRIDGE_VERSION_0) + "." + std::to_string(MODELBRIDGE_VERSION_1) +
+                    "." + std::to_string(MODELBRIDGE_VERSION_2) + "." + std::to_string(MODELBRIDGE_VERSION_3));
+        const ImportOptions& layout = importOptions();
+        std::int32_t numbers[] = {layout.getLineWidth(), layout.getCommentsByKind() ? 1 : 0, state->tabWidth};
+        digest->add(numbers, sizeof numbers);
+        for (const _eString* text : {&layout.getIndentText(), &layout.getCommentPrefix(), &layout.getFilePrefix()})
+            digest->add(toPlatformText(*text));
+        for (const ImportSwitch& each : importSwitches) digest->add(each.name + std::string(state->extensions.*each.field ? "+" : "-"));
+        for (const std::string& folder : state->libraryFolders) digest->add(folder);
+        std::string madeFrom = digest->text();
+        for (PlannedFile& file : files) file.source = madeFrom;
     }
     // Recorded files of classes left out this time are stale only when the model lacks them.
     if (!singleFile.isEmpty() || chosen.size() != all.size())
