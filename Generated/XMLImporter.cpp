@@ -417,11 +417,12 @@ UpdateReport XMLImporter::updateFolder(_eString directory, _eSeq<_eString> class
     FileName source = state->parsedFile.isNull() ? FileName() : *state->parsedFile;
     _eSeq<_eString> all = getClassList();
     _eSeq<_eString> chosen = classNames.isEmpty() ? all : classNames;
-    // The model's bytes are digested by a thread of their own while the files are planned.
+    // The model's bytes are digested by a thread of their own while the files are planned, or
+    // where they are needed when no thread can be had.
     std::future<std::optional<Digest>> modelBytes;
     if (singleFile.isEmpty() && !state->parsedFile.isNull() &&
         getValidityStatus(state->parsedFile->fullPathText()) == ValidityStatus::Valid)
-        modelBytes = std::async(std::launch::async, [path = toPlatformText(state->parsedFile->fullPathText())] {
+        modelBytes = std::async(std::launch::async | std::launch::deferred, [path = toPlatformText(state->parsedFile->fullPathText())] {
             Digest digest;
             return fileBytes(path, digest) ? std::optional<Digest>(digest) : std::nullopt;
         });

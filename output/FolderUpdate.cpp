@@ -1,8 +1,10 @@
 #include "output/FolderUpdate.h"
 
 #include <algorithm>
+#include <exception>
 #include <map>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <unordered_map>
 
@@ -292,10 +294,22 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     // The files of this generation are read by a thread of their own while the record is read
     // and the files are laid out: reading them waits on the system, the rest doesn't. Nothing
     // is written before every file is settled, so each is read as it stands before the writes.
+    // Where no thread can be had, the files are read where they are needed; what the thread
+    // fails with is thrown where it is joined.
     std::vector<Read> ahead(planned.size());
-    std::jthread reader([&] {
-        for (std::size_t i = 0; i < planned.size(); ++i) ahead[i] = readNow(planned[i].name);
-    });
+    std::exception_ptr failed;
+    auto readAll = [&] {
+        try {
+            for (std::size_t i = 0; i < planned.size(); ++i) ahead[i] = readNow(planned[i].name);
+        } catch (...) {
+            failed = std::current_exception();
+        }
+    };
+    std::jthread reader;
+    try {
+        reader = std::jthread(readAll);
+    } catch (const std::system_error&) {
+    }
     if (!folder.readRecord(text, present, report.error)) return report;
     // Only the texts of files to merge are split into lines.
     if (present && !GenerationRecord::read(text, folder.recordPath(), record, report.error, false)) return report;
@@ -316,7 +330,11 @@ UpdateReport Update::run(const std::vector<PlannedFile>& planned, const std::fun
     for (const RecordEntry& entry : record.entries)
         if (!newNames.count(entry.file.name)) others.push_back(&entry);
     steps.reserve(files.size() + others.size());
-    reader.join();
+    if (reader.joinable())
+        reader.join();
+    else
+        readAll();
+    if (failed) std::rethrow_exception(failed);
     for (std::size_t i = 0; i < files.size(); ++i) steps.push_back(settle(*files[i], planned[i].header, ahead[i]));
     for (const RecordEntry* entry : others)
         if (!settled.count(entry->file.name)) stale(*entry);
