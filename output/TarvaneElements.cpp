@@ -229,18 +229,20 @@ std::int32_t ElementBase::writeWrapped(TextBatch& out, const _eString& lead, con
     std::wstring units = toWString(text);
     std::size_t start = 0;
     std::wstring nextLead = L"\n" + (indentation != nullptr ? toWString(*indentation) : std::wstring(std::size_t(column), L' '));
+    const std::int32_t room = width - column;
     std::int32_t breaks = 0;
     for (;;) {
         std::wstring_view rest(units.data() + start, units.size() - start);
-        std::int32_t room = width - column;
-        // Every piece carries at least one character behind its prefix, so the comment shrinks.
-        std::int32_t cut = column + std::int32_t(rest.size()) <= width
-                               ? std::int32_t(rest.size())
-                               : std::max(breakPosition(rest, room, options), std::int32_t(prefix.size()) + 1);
         if (breaks == 0)
             out.put(lead);
         else
             out.put(nextLead);
+        if (column + std::int32_t(rest.size()) <= width) {
+            out.put(rest);
+            return breaks;
+        }
+        // Every piece carries at least one character behind its prefix, so the comment shrinks.
+        std::int32_t cut = std::max(breakPosition(rest, room, options), std::int32_t(prefix.size()) + 1);
         if (std::size_t(cut) >= rest.size()) {
             out.put(rest);
             return breaks;

@@ -19,7 +19,7 @@ void TextBatch::put(std::wstring_view run) {
 void TextBatch::flush() {
     if (used == 0) return;
     FileError::_eEnum written = FileError::success;
-    writeUnits(*file.get(), units, std::size_t(used), written);
+    writeUnits(file, units, std::size_t(used), written);
     if (status == FileError::success) status = written;
     used = 0;
 }

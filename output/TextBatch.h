@@ -10,7 +10,7 @@
 class TextBatch {
 public:
     // Writes end up in `file`; `status` keeps the first failed write's code.
-    TextBatch(const _eHndl<FileRef>& file, FileError::_eEnum& status) : file(file), status(status) {}
+    TextBatch(const _eHndl<FileRef>& file, FileError::_eEnum& status) : file(*file.get()), status(status) {}
     TextBatch(const TextBatch&) = delete;
     TextBatch& operator=(const TextBatch&) = delete;
 
@@ -21,7 +21,7 @@ public:
 
 private:
     static constexpr int capacity = 4096;
-    const _eHndl<FileRef>& file;
+    FileRef& file;
     FileError::_eEnum& status;
     int used = 0;
     wchar_t units[capacity];
